@@ -1,0 +1,207 @@
+#include "lp/check.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "lp/compensated_sum.h"
+
+namespace tarvik {
+
+namespace {
+
+// A reduced coefficient below this fraction of the terms it is the sum of is rounding noise.
+constexpr double kCancellation = 1e-12;
+// What the summation of a proof's terms may lose, relative to their sizes.
+constexpr double kSumError = 4 * std::numeric_limits<double>::epsilon();
+
+// Not-a-number counts as the worst violation there is.
+void note(double violation, double &worst, double &sum) {
+  if (std::isnan(violation)) violation = std::numeric_limits<double>::infinity();
+  if (violation <= 0) return;
+  worst = std::max(worst, violation);
+  sum += violation;
+}
+
+double outside(double value, double lower, double upper) {
+  if (std::isnan(value)) return value;
+  if (lower > -kInfBound && value < lower) return lower - value;
+  if (upper < kInfBound && value > upper) return value - upper;
+  return 0;
+}
+
+void noteDual(double dual, double value, double lower, double upper, double tol,
+              SolutionQuality &quality) {
+  if (dual == 0) return;
+  const bool holdsLower = dual > 0;
+  const double bound = holdsLower ? lower : upper;
+  const double distance = isInf(bound) ? kInf : holdsLower ? value - lower : upper - value;
+  if (!(distance <= tol)) note(std::fabs(dual), quality.dualViolation, quality.dualViolationSum);
+  if (!isInf(bound)) {
+    note(std::fabs(dual) * std::fabs(distance), quality.complementarity,
+         quality.complementaritySum);
+  }
+}
+
+// y'A, column by column, with the sum of the terms' magnitudes.
+struct ReducedCoef {
+  double value = 0;
+  double size = 0;
+};
+
+ReducedCoef combine(const SparseMatrix &a, int col, const Vec<double> &y) {
+  CompensatedSum sum;
+  ReducedCoef result;
+  for (NzIndex k = a.start[col]; k < a.start[col + 1]; ++k) {
+    const double multiplier = y[a.index[k]];
+    if (multiplier == 0) continue;
+    sum.addProduct(a.value[k], multiplier);
+    result.size += std::fabs(a.value[k] * multiplier);
+  }
+  result.value = sum.value();
+  return result;
+}
+
+Vec<CompensatedSum> activities(const LpModel &lp, const Vec<double> &x) {
+  Vec<CompensatedSum> activity(static_cast<std::size_t>(lp.numRows));
+  for (int j = 0; j < lp.numCols; ++j) {
+    if (x[j] == 0) continue;
+    for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
+      activity[lp.a.index[k]].addProduct(lp.a.value[k], x[j]);
+  }
+  return activity;
+}
+
+void checkPrimal(const LpModel &lp, const LpSolution &solution, const Vec<CompensatedSum> &activity,
+                 SolutionQuality &quality) {
+  CompensatedSum objective(lp.offset);
+  for (int j = 0; j < lp.numCols; ++j) {
+    const double value = solution.colValue[j];
+    objective.addProduct(lp.cost[j], value);
+    note(outside(value, lp.colLower[j], lp.colUpper[j]), quality.boundViolation,
+         quality.boundViolationSum);
+  }
+  quality.objective = objective.value();
+  for (int i = 0; i < lp.numRows; ++i) {
+    const double value = activity[i].value();
+    note(outside(value, lp.rowLower[i], lp.rowUpper[i]), quality.rowViolation,
+         quality.rowViolationSum);
+    if (!solution.rowActivity.empty()) {
+      note(std::fabs(value - solution.rowActivity[i]), quality.activityResidual,
+           quality.activityResidualSum);
+    }
+  }
+}
+
+// The largest value of (A'y)'x - y'r over column and row bounds must be negative for a dual ray
+// y: then y'(Ax) >= y'r, which all feasible points satisfy, has no solution within the columns'
+// bounds. Returns the gap relative to the size of its terms, 0 when a term is infinite.
+double dualRayGap(const LpModel &lp, const Vec<double> &y) {
+  CompensatedSum gap;
+  double size = 0;
+  const auto take = [&](double coef, double bound) {
+    if (isInf(bound)) return false;
+    gap.addProduct(coef, bound);
+    size += std::fabs(coef * bound);
+    return true;
+  };
+  for (int i = 0; i < lp.numRows; ++i)
+    if (y[i] != 0 && !take(y[i], y[i] > 0 ? lp.rowLower[i] : lp.rowUpper[i])) return 0;
+  for (int j = 0; j < lp.numCols; ++j) {
+    const ReducedCoef z = combine(lp.a, j, y);
+    if (std::isnan(z.value)) return 0;
+    if (z.value == 0) continue;
+    if (take(-z.value, z.value > 0 ? lp.colUpper[j] : lp.colLower[j])) continue;
+    if (std::fabs(z.value) > kCancellation * z.size) return 0;
+  }
+  if (!(size > 0) || !std::isfinite(size)) return 0;
+  return gap.value() / size - kSumError;
+}
+
+}  // namespace
+
+SolutionQuality checkSolution(const LpModel &lp, const LpSolution &solution, double primalTol) {
+  SolutionQuality quality;
+  const bool havePrimal = static_cast<int>(solution.colValue.size()) == lp.numCols;
+  Vec<CompensatedSum> activity;
+  if (havePrimal) {
+    activity = activities(lp, solution.colValue);
+    checkPrimal(lp, solution, activity, quality);
+  }
+  const bool haveRowDual = static_cast<int>(solution.rowDual.size()) == lp.numRows;
+  const bool haveColDual = static_cast<int>(solution.colDual.size()) == lp.numCols;
+  if (haveRowDual && havePrimal) {
+    for (int i = 0; i < lp.numRows; ++i) {
+      noteDual(solution.rowDual[i], activity[i].value(), lp.rowLower[i], lp.rowUpper[i], primalTol,
+               quality);
+    }
+  }
+  if (haveColDual && havePrimal) {
+    for (int j = 0; j < lp.numCols; ++j) {
+      noteDual(solution.colDual[j], solution.colValue[j], lp.colLower[j], lp.colUpper[j], primalTol,
+               quality);
+    }
+  }
+  if (haveRowDual && haveColDual) {
+    for (int j = 0; j < lp.numCols; ++j) {
+      CompensatedSum residual(lp.cost[j]);
+      for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
+        residual.addProduct(-lp.a.value[k], solution.rowDual[lp.a.index[k]]);
+      residual.add(-solution.colDual[j]);
+      note(std::fabs(residual.value()), quality.dualResidual, quality.dualResidualSum);
+    }
+  }
+  return quality;
+}
+
+double farkasViolation(const LpModel &lp, const Vec<double> &farkas, double dropTol) {
+  if (static_cast<int>(farkas.size()) != lp.numRows) return 0;
+  double largest = 0;
+  for (const double y : farkas) {
+    if (!std::isfinite(y)) return 0;
+    largest = std::max(largest, std::fabs(y));
+  }
+  Vec<double> ray(farkas);
+  for (double &y : ray)
+    if (std::fabs(y) < dropTol * largest) y = 0;
+  const double asRay = dualRayGap(lp, ray);
+  if (asRay > 0) return asRay;
+  for (double &y : ray) y = -y;
+  return std::max(asRay, dualRayGap(lp, ray));
+}
+
+double rayImprovement(const LpModel &lp, const Vec<double> &ray, double tol) {
+  if (static_cast<int>(ray.size()) != lp.numCols) return 0;
+  double norm = 0;
+  for (const double r : ray) {
+    if (!std::isfinite(r)) return 0;
+    norm = std::max(norm, std::fabs(r));
+  }
+  if (norm == 0) return 0;
+  // Noise against a finite bound is dropped, anything larger breaks the ray.
+  Vec<double> direction(ray);
+  CompensatedSum improvement;
+  double size = 0;
+  for (int j = 0; j < lp.numCols; ++j) {
+    if (!isInf(direction[j] > 0 ? lp.colUpper[j] : lp.colLower[j])) {
+      if (std::fabs(direction[j]) > tol * norm) return 0;
+      direction[j] = 0;
+    }
+    improvement.addProduct(lp.cost[j], direction[j]);
+    size += std::fabs(lp.cost[j] * direction[j]);
+  }
+  if (!(improvement.value() < -tol * size)) return 0;
+  const Vec<CompensatedSum> activity = activities(lp, direction);
+  Vec<double> terms(static_cast<std::size_t>(lp.numRows), 0.0);
+  for (int j = 0; j < lp.numCols; ++j)
+    for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
+      terms[lp.a.index[k]] += std::fabs(lp.a.value[k] * direction[j]);
+  for (int i = 0; i < lp.numRows; ++i) {
+    const double value = activity[i].value();
+    if (std::fabs(value) <= tol * std::max(norm, terms[i])) continue;
+    if (!isInf(value > 0 ? lp.rowUpper[i] : lp.rowLower[i])) return 0;
+  }
+  return improvement.value() / norm;
+}
+
+}  // namespace tarvik

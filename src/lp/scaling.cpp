@@ -1,0 +1,128 @@
+#include "lp/scaling.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvik {
+
+namespace {
+
+// A matrix whose entries all lie within this range is left as it is.
+constexpr double kWellScaledMin = 0.2;
+constexpr double kWellScaledMax = 5;
+constexpr int kMaxPasses = 20;
+// Passes end when the spread shrinks by less than this factor.
+constexpr double kMinGain = 0.9;
+// Factors beyond this would make tolerances meaningless in one of the two scales.
+constexpr int kMaxExponent = 40;
+
+double powerOfTwo(double factor) {
+  if (!(factor > 0) || !std::isfinite(factor)) return 1;
+  const int exponent = static_cast<int>(std::lround(std::log2(factor)));
+  return std::ldexp(1.0, std::clamp(exponent, -kMaxExponent, kMaxExponent));
+}
+
+// The factor that brings `largest` into (1/2, 1].
+double equilibrating(double largest) {
+  if (!(largest > 0) || !std::isfinite(largest)) return 1;
+  int exponent = 0;
+  const double mantissa = std::frexp(largest, &exponent);  // in [1/2, 1)
+  if (mantissa == 0.5) --exponent;
+  return std::ldexp(1.0, std::clamp(-exponent, -kMaxExponent, kMaxExponent));
+}
+
+struct Range {
+  double min = 1e300, max = 0;
+  void add(double value) {
+    min = std::min(min, value);
+    max = std::max(max, value);
+  }
+  double geometricMean() const { return max > 0 ? std::sqrt(min) * std::sqrt(max) : 1; }
+};
+
+class Scaler {
+ public:
+  explicit Scaler(const LpModel &lp) : a_(lp.a) {
+    scaling_.row.assign(static_cast<std::size_t>(lp.numRows), 1.0);
+    scaling_.col.assign(static_cast<std::size_t>(lp.numCols), 1.0);
+  }
+
+  void geometric() {
+    double spread = worstSpread();
+    for (int pass = 0; pass < kMaxPasses; ++pass) {
+      const Vec<Range> rows = rowRanges();
+      for (std::size_t i = 0; i < rows.size(); ++i) scaling_.row[i] /= rows[i].geometricMean();
+      for (int j = 0; j < a_.numMajor; ++j) scaling_.col[j] /= colRange(j).geometricMean();
+      const double now = worstSpread();
+      if (now > kMinGain * spread) break;
+      spread = now;
+    }
+    for (double &factor : scaling_.row) factor = powerOfTwo(factor);
+    for (double &factor : scaling_.col) factor = powerOfTwo(factor);
+  }
+
+  void equilibrateRows() {
+    const Vec<Range> rows = rowRanges();
+    for (std::size_t i = 0; i < rows.size(); ++i) scaling_.row[i] *= equilibrating(rows[i].max);
+  }
+
+  void equilibrateCols() {
+    for (int j = 0; j < a_.numMajor; ++j) scaling_.col[j] *= equilibrating(colRange(j).max);
+  }
+
+  Scaling take() { return std::move(scaling_); }
+
+ private:
+  double magnitude(NzIndex k, int j) const {
+    return std::fabs(a_.value[k]) * scaling_.row[a_.index[k]] * scaling_.col[j];
+  }
+
+  Range colRange(int j) const {
+    Range range;
+    for (NzIndex k = a_.start[j]; k < a_.start[j + 1]; ++k)
+      if (a_.value[k] != 0) range.add(magnitude(k, j));
+    return range;
+  }
+
+  Vec<Range> rowRanges() const {
+    Vec<Range> ranges(scaling_.row.size());
+    for (int j = 0; j < a_.numMajor; ++j)
+      for (NzIndex k = a_.start[j]; k < a_.start[j + 1]; ++k)
+        if (a_.value[k] != 0) ranges[a_.index[k]].add(magnitude(k, j));
+    return ranges;
+  }
+
+  // The largest ratio between two entries of one column, the measure that passes reduce.
+  double worstSpread() const {
+    double worst = 1;
+    for (int j = 0; j < a_.numMajor; ++j) {
+      const Range range = colRange(j);
+      if (range.max > 0) worst = std::max(worst, std::sqrt(range.max / range.min));
+    }
+    return worst;
+  }
+
+  const SparseMatrix &a_;
+  Scaling scaling_;
+};
+
+bool wellScaled(const SparseMatrix &a) {
+  return std::all_of(a.value.begin(), a.value.end(), [](double value) {
+    const double size = std::fabs(value);
+    return size == 0 || (size >= kWellScaledMin && size <= kWellScaledMax);
+  });
+}
+
+}  // namespace
+
+Scaling computeScaling(const LpModel &lp, int scaleFlag) {
+  if (scaleFlag == 0 || lp.a.numNz() == 0) return {};
+  if (scaleFlag < 0 && wellScaled(lp.a)) return {};
+  Scaler scaler(lp);
+  if (scaleFlag != 1) scaler.geometric();
+  if (scaleFlag == 1 || scaleFlag == 3) scaler.equilibrateRows();
+  scaler.equilibrateCols();
+  return scaler.take();
+}
+
+}  // namespace tarvik

@@ -1,0 +1,107 @@
+// Presolve for linear programs: turns a model into a smaller equivalent one and maps solutions
+// of the smaller one back. Every reduction leaves a record on a stack; undoing the stack in
+// reverse order restores primal values, row activities, duals, reduced costs and the basis of
+// the full model. If the reduced solution is basic, primal and dual feasible, so is the
+// restored one, up to rounding: each reduction is an exact statement about the bounds that the
+// working model really has at that moment. Bounds that are only implied by rows are either
+// removed for good (which needs no undoing) or not used; they never become bounds of the
+// reduced model.
+//
+// Literature: Brearley, Mitra and Williams (1975); Andersen and Andersen (1995); Gondzio (1997);
+// Achterberg, Bixby, Gu, Rothberg and Weninger (2020).
+#pragma once
+
+#include <memory>
+
+#include "base/solve_control.h"
+#include "lp/lp_model.h"
+
+namespace tarvik {
+
+struct PresolveOptions {
+  int level = -1;     // -1 automatic, 0 off, 1 conservative, 2 aggressive
+  int aggregate = 1;  // 0 no substitutions, 1 moderate, 2 aggressive
+  int aggFill = -1;   // entries that one substitution may add; -1 automatic
+  int preDual = -1;   // solving the dual instead is decided by the caller
+  int depRows = -1;   // removal of dependent equations: -1 automatic, 0 off, 1 on
+  int sparsify = -1;  // -1 automatic, 0 off, 1 on, 2 aggressive
+  int passes = -1;    // limit on the rounds of expensive reductions; negative: none
+  // Limit on the number of single reductions, to bisect a wrong answer to the one at fault.
+  int reductionLimit = kMaxInt;
+  // When false, nothing is done that would confuse an infeasible with an unbounded model.
+  bool dualReductions = true;
+  double primalTol = 1e-6;
+  double dualTol = 1e-6;
+  double zeroTol = 1e-13;  // entries that cancel below this fraction of their terms vanish
+  // Nonzero for columns that must stay integral; null for a pure LP. Reductions then keep the
+  // set of integral solutions.
+  const Vec<char> *integer = nullptr;
+  const char *name = "Presolve";  // how progress lines call this run
+  bool logging = true;
+};
+
+enum class PresolveStatus {
+  Unchanged,  // no reduction was found; reduced() equals the model
+  Reduced,
+  Solved,  // all rows and columns removed: postsolve an empty solution
+  Infeasible,
+  Unbounded,  // feasible and unbounded
+  InfeasibleOrUnbounded,
+  Stopped,  // a limit, an interrupt or a callback; see SolveControl
+};
+
+struct PresolveStats {
+  int rowsRemoved = 0, colsRemoved = 0;  // net: negative when some were added
+  NzIndex nonzerosRemoved = 0;
+  int boundsChanged = 0;   // tightened column bounds
+  int coefsChanged = 0;    // modified matrix entries
+  int sensesChanged = 0;   // inequalities turned into equalities
+  NzIndex sparsified = 0;  // entries removed by adding equations to other rows
+  NzIndex sparsifiedFrom = 0;
+  int reductions = 0;  // single reductions applied
+  double seconds = 0;
+};
+
+class PresolveRun;
+
+class Presolve {
+ public:
+  Presolve();
+  ~Presolve();
+  Presolve(Presolve &&) noexcept;
+  Presolve &operator=(Presolve &&) noexcept;
+
+  // Presolves the model, which must outlive this object (postsolve reads it again).
+  PresolveStatus run(const LpModel &lp, const PresolveOptions &options, SolveControl &control);
+
+  const LpModel &reduced() const;
+  // The reduced model, moved out; the rest of this object stays usable.
+  LpModel takeReduced();
+
+  // Maps a solution of the reduced model back. Absent vectors (duals, basis) stay absent; after
+  // Solved the reduced solution may be empty. Status, iteration count, ray and certificate are
+  // copied as far as they make sense; objective and activities are recomputed in full scale.
+  void postsolve(const LpSolution &reducedSolution, LpSolution &full) const;
+  // Maps a Farkas certificate of the reduced model back; the result must be checked with
+  // farkasViolation, since a proof may dissolve in tolerances.
+  void postsolveFarkas(const Vec<double> &reducedFarkas, Vec<double> &full) const;
+  // After Infeasible: a certificate for the full model, or empty when presolve has none to offer
+  // (then the simplex has to prove it again). To be checked as above.
+  Vec<double> farkas() const;
+
+  // Translates a basis of the full model for a warm start of the reduced one: statuses of what
+  // is left, completed or thinned to exactly one basic variable a row. It may be singular; the
+  // simplex repairs it. Returns false when there is nothing to translate.
+  bool crushBasis(const Basis &full, Basis &reducedBasis) const;
+
+  // Column and row of the full model for each one of the reduced model.
+  const Vec<int> &originalCol() const;
+  const Vec<int> &originalRow() const;
+
+  const PresolveStats &stats() const;
+
+ private:
+  std::unique_ptr<PresolveRun> run_;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,174 @@
+// Random LPs for differential tests: small models whose mix of equalities, ranges, free
+// variables, ties and redundancies reaches the corners of a kernel, deterministic in the seed.
+#pragma once
+
+#include <algorithm>
+#include <cstdio>
+#include <initializer_list>
+#include <string>
+#include <utility>
+
+#include "base/random.h"
+#include "lp/lp_model.h"
+
+namespace tarvik::test {
+
+struct RandomLpOptions {
+  int maxRows = 6;
+  int maxCols = 8;
+  double density = 0.45;
+  // Integral data in a small range makes ties and degeneracy; fractional data makes rounding.
+  double fractional = 0.3;     // probability that a model has fractional data
+  double plantFeasible = 0.6;  // probability that row bounds are placed around a known point
+};
+
+// Builds a model from rows given as dense coefficients.
+inline LpModel denseLp(std::initializer_list<double> cost,
+                       std::initializer_list<std::pair<double, double>> colBounds,
+                       std::initializer_list<std::initializer_list<double>> rows,
+                       std::initializer_list<std::pair<double, double>> rowBounds) {
+  LpModel lp;
+  lp.numCols = static_cast<int>(cost.size());
+  lp.numRows = static_cast<int>(rows.size());
+  lp.cost.assign(cost.begin(), cost.end());
+  for (const auto &[low, up] : colBounds) lp.colLower.push_back(low), lp.colUpper.push_back(up);
+  for (const auto &[low, up] : rowBounds) lp.rowLower.push_back(low), lp.rowUpper.push_back(up);
+  lp.a.clear(lp.numRows);
+  for (int j = 0; j < lp.numCols; ++j) {
+    Vec<int> index;
+    Vec<double> value;
+    int i = 0;
+    for (const auto &row : rows) {
+      if (row.begin()[j] != 0) index.push_back(i), value.push_back(row.begin()[j]);
+      ++i;
+    }
+    lp.a.append(static_cast<int>(index.size()), index.data(), value.data());
+  }
+  return lp;
+}
+
+class RandomLp {
+ public:
+  RandomLp(std::uint64_t seed, const RandomLpOptions &options)
+      : random_(seed), options_(options), fractional_(random_.uniform() < options.fractional) {}
+
+  LpModel generate() {
+    LpModel lp;
+    lp.numRows = random_.below(options_.maxRows + 1);
+    lp.numCols = 1 + random_.below(options_.maxCols);
+    const bool planted = random_.uniform() < options_.plantFeasible;
+    const double density = options_.density * (0.4 + 1.2 * random_.uniform());
+    Vec<double> point, activity(static_cast<std::size_t>(lp.numRows), 0.0);
+    lp.a.clear(lp.numRows);
+    for (int j = 0; j < lp.numCols; ++j) {
+      columnBounds(lp);
+      lp.cost.push_back(random_.uniform() < 0.3 ? 0 : number(6));
+      point.push_back(pointWithin(lp.colLower[j], lp.colUpper[j]));
+      randomColumn(lp, j, density);
+      for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
+        activity[lp.a.index[k]] += lp.a.value[k] * point[j];
+    }
+    for (int i = 0; i < lp.numRows; ++i) rowBounds(lp, planted ? activity[i] : number(8));
+    if (random_.uniform() < 0.2) lp.offset = number(5);
+    return lp;
+  }
+
+ private:
+  double number(int range) {
+    if (fractional_) return random_.uniform(-range, range);
+    return random_.below(2 * range + 1) - range;
+  }
+  double width() { return fractional_ ? random_.uniform(0, 6) : random_.below(6); }
+
+  void columnBounds(LpModel &lp) {
+    double low = random_.uniform() < 0.5 ? 0 : number(4);
+    double up = low + width();
+    const double kind = random_.uniform();
+    if (kind < 0.35)
+      up = kInf;
+    else if (kind < 0.45)
+      low = -kInf;
+    else if (kind < 0.6)
+      low = -kInf, up = kInf;
+    lp.colLower.push_back(low);
+    lp.colUpper.push_back(up);
+  }
+
+  double pointWithin(double low, double up) {
+    if (isInf(low) && isInf(up)) return number(3);
+    if (isInf(low)) return up - width();
+    if (isInf(up)) return low + width();
+    const double kind = random_.uniform();
+    return kind < 0.4 ? low : kind < 0.7 ? up : 0.5 * (low + up);
+  }
+
+  // A fresh column, or a multiple of an earlier one.
+  void randomColumn(LpModel &lp, int j, double density) {
+    Vec<int> index;
+    Vec<double> value;
+    if (j > 0 && random_.uniform() < 0.12) {
+      const int like = random_.below(j);
+      const double factor = random_.uniform() < 0.5 ? 1 : -2;
+      for (NzIndex k = lp.a.start[like]; k < lp.a.start[like + 1]; ++k)
+        index.push_back(lp.a.index[k]), value.push_back(factor * lp.a.value[k]);
+      if (random_.uniform() < 0.6) lp.cost[j] = factor * lp.cost[like];
+    } else {
+      for (int i = 0; i < lp.numRows; ++i) {
+        if (random_.uniform() >= density) continue;
+        const double entry = number(3);
+        if (entry != 0) index.push_back(i), value.push_back(entry);
+      }
+    }
+    lp.a.append(static_cast<int>(index.size()), index.data(), value.data());
+  }
+
+  void rowBounds(LpModel &lp, double around) {
+    const double kind = random_.uniform();
+    const double gap = random_.uniform() < 0.5 ? 0 : width();
+    double low = -kInf, up = kInf;
+    if (kind < 0.35)
+      low = up = around;
+    else if (kind < 0.6)
+      low = around - gap;
+    else if (kind < 0.85)
+      up = around + gap;
+    else if (kind < 0.97)
+      low = around - gap, up = around + width();
+    lp.rowLower.push_back(low);
+    lp.rowUpper.push_back(up);
+  }
+
+  Random random_;
+  RandomLpOptions options_;
+  bool fractional_;
+};
+
+inline LpModel randomLp(std::uint64_t seed, const RandomLpOptions &options = {}) {
+  return RandomLp(seed, options).generate();
+}
+
+// A readable dump for failure messages.
+inline std::string describe(const LpModel &lp) {
+  std::string text = "min";
+  char buffer[64];
+  const auto put = [&](const char *format, double a, double b) {
+    std::snprintf(buffer, sizeof buffer, format, a, b);
+    text += buffer;
+  };
+  for (int j = 0; j < lp.numCols; ++j) put(" %+.17g x%.0f", lp.cost[j], j);
+  put(" %+.17g\n", lp.offset, 0);
+  for (int i = 0; i < lp.numRows; ++i) {
+    put("  %.17g <=", lp.rowLower[i], 0);
+    for (int j = 0; j < lp.numCols; ++j)
+      for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
+        if (lp.a.index[k] == i) put(" %+.17g x%.0f", lp.a.value[k], j);
+    put(" <= %.17g\n", lp.rowUpper[i], 0);
+  }
+  for (int j = 0; j < lp.numCols; ++j) {
+    put("  %.17g <= x%.0f", lp.colLower[j], j);
+    put(" <= %.17g\n", lp.colUpper[j], 0);
+  }
+  return text;
+}
+
+}  // namespace tarvik::test
