@@ -1,0 +1,394 @@
+#include "simplex/lu/nucleus.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvik::lu {
+
+template <class Real>
+void Nucleus<Real>::factor(const BasisMatrix<Real> &matrix, const Vec<VarIndex> &vars,
+                           const Tolerances &tolerances, LuFactors<Real> &factors) {
+  factors_ = &factors;
+  tol_ = tolerances;
+  var_.assign(vars.begin(), vars.end());
+  colsLeft_ = static_cast<int>(var_.size());
+  touched_ = 0;
+  load(matrix);
+  while (colsLeft_ > 0) {
+    if (worthDense()) {
+      finishDense();
+      break;
+    }
+    if (choosePivot()) eliminate(choice_.row, choice_.col);
+  }
+  factors.work += kUnitsNucleus * touched_;
+}
+
+template <class Real>
+void Nucleus<Real>::load(const BasisMatrix<Real> &matrix) {
+  const int numCols = colsLeft_;
+  maxCount_ = 1;
+  activeNz_ = 0;
+  used_ = 0;
+  column_.resize(static_cast<std::size_t>(numCols));
+  largest_.assign(static_cast<std::size_t>(numCols), Real(-1));
+  row_.assign(static_cast<std::size_t>(matrix.numRows), Row());
+  for (int col = 0; col < numCols; ++col) {
+    const NzIndex from = matrix.start[var_[col]], to = matrix.start[var_[col] + 1];
+    reserveEntries(to - from);
+    Column &column = column_[col];
+    column.begin = column.active = used_;
+    for (NzIndex k = from; k < to; ++k) {
+      const RowIndex row = matrix.index[k];
+      const Real value = matrix.value[k];
+      if (value == Real(0)) continue;
+      index_[used_] = row;
+      value_[used_] = value;
+      if (factors_->pivoted(row)) {
+        std::swap(index_[used_], index_[column.active]);
+        std::swap(value_[used_], value_[column.active]);
+        ++column.active;
+      } else {
+        ++row_[row].count;
+      }
+      ++used_;
+    }
+    column.end = column.limit = used_;
+    activeNz_ += column.count();
+    touched_ += static_cast<double>(to - from);
+  }
+  loadRows(matrix.numRows);
+}
+
+template <class Real>
+void Nucleus<Real>::loadRows(int numRows) {
+  const int numCols = colsLeft_;
+  rowUsed_ = 0;
+  reserveRows(activeNz_);
+  for (Row &row : row_) {
+    row.begin = rowUsed_;
+    row.room = row.count;
+    rowUsed_ += row.count;
+    row.count = 0;
+  }
+  for (int col = 0; col < numCols; ++col)
+    for (NzIndex k = column_[col].active; k < column_[col].end; ++k) {
+      Row &row = row_[index_[k]];
+      rowCol_[row.begin + row.count++] = col;
+    }
+  colLists_.reset(numCols, numRows);
+  rowLists_.reset(numRows, numCols);
+  maxCount_ = std::max(numCols, numRows);
+  for (int col = numCols - 1; col >= 0; --col) colLists_.link(col, column_[col].count());
+  for (int row = numRows - 1; row >= 0; --row)
+    if (row_[row].count > 0) rowLists_.link(row, row_[row].count);
+  multiplier_.assign(static_cast<std::size_t>(numRows), Real(0));
+  hit_.assign(static_cast<std::size_t>(numRows), 0);
+  stamp_ = 0;
+  touched_ += static_cast<double>(activeNz_) + numRows;
+}
+
+// Chooses the pivot with the best merit among the first few shortest columns and rows. False
+// when none was found because columns had to be dropped.
+template <class Real>
+bool Nucleus<Real>::choosePivot() {
+  choice_ = Choice();
+  int searched = 0;
+  for (int col = colLists_.first(0); col >= 0; col = colLists_.first(0)) dropColumn(col);
+  for (int count = 1; count <= maxCount_; ++count) {
+    const double least = double(count - 1) * (count - 1);
+    if (choice_.row >= 0 && choice_.merit <= least) return true;
+    int next = -1;
+    if (count < static_cast<int>(row_.size()) + 1) {
+      for (int col = colLists_.first(count); col >= 0; col = next) {
+        next = colLists_.next(col);
+        if (!refreshMax(col)) {
+          dropColumn(col);
+          continue;
+        }
+        searchColumn(col);
+        if (choice_.row >= 0 && (choice_.merit <= least || ++searched >= kSearchLimit)) return true;
+      }
+    }
+    if (count > static_cast<int>(column_.size())) continue;
+    for (int row = rowLists_.first(count); row >= 0; row = next) {
+      next = rowLists_.next(row);
+      // A row without an acceptable entry comes back when it changes.
+      if (!searchRow(row)) rowLists_.unlink(row);
+      if (choice_.row >= 0 && (choice_.merit <= least + count - 1 || ++searched >= kSearchLimit))
+        return true;
+    }
+  }
+  return choice_.row >= 0;
+}
+
+template <class Real>
+void Nucleus<Real>::consider(int row, int col, double merit, Real size) {
+  if (merit > choice_.merit || (merit == choice_.merit && size <= choice_.size)) return;
+  choice_ = {merit, size, row, col};
+}
+
+template <class Real>
+void Nucleus<Real>::searchColumn(int col) {
+  const Column &column = column_[col];
+  const Real least = std::max(tol_.markowitz * largest_[col], tol_.pivot);
+  const double others = column.count() - 1;
+  touched_ += column.count();
+  for (NzIndex k = column.active; k < column.end; ++k) {
+    const Real size = std::abs(value_[k]);
+    if (size >= least) consider(index_[k], col, others * (row_[index_[k]].count - 1), size);
+  }
+}
+
+// False when the row has no acceptable entry.
+template <class Real>
+bool Nucleus<Real>::searchRow(int row) {
+  const Row &r = row_[row];
+  bool acceptable = false;
+  for (int n = 0; n < r.count; ++n) {
+    const int col = rowCol_[r.begin + n];
+    const Column &column = column_[col];
+    const double merit = double(r.count - 1) * (column.count() - 1);
+    if (merit >= choice_.merit) {
+      acceptable = true;  // not known, but of no interest now
+      continue;
+    }
+    touched_ += column.count();
+    if (!refreshMax(col)) continue;
+    NzIndex k = column.active;
+    while (index_[k] != row) ++k;
+    const Real size = std::abs(value_[k]);
+    // The only entry of a row is a substitution: nothing is eliminated, nothing can grow.
+    const Real least =
+        r.count == 1 ? tol_.pivot : std::max(tol_.markowitz * largest_[col], tol_.pivot);
+    if (size < least) continue;
+    acceptable = true;
+    consider(row, col, merit, size);
+  }
+  return acceptable;
+}
+
+// Makes the largest entry of a column known; false when all are too small for pivots.
+template <class Real>
+bool Nucleus<Real>::refreshMax(int col) {
+  if (largest_[col] < Real(0)) {
+    const Column &column = column_[col];
+    Real largest = 0;
+    for (NzIndex k = column.active; k < column.end; ++k)
+      largest = std::max(largest, std::abs(value_[k]));
+    largest_[col] = largest;
+    touched_ += column.count();
+  }
+  return largest_[col] >= tol_.pivot;
+}
+
+template <class Real>
+void Nucleus<Real>::dropColumn(int col) {
+  Column &column = column_[col];
+  colLists_.unlink(col);
+  for (NzIndex k = column.active; k < column.end; ++k) {
+    const int row = index_[k];
+    const bool linked = rowLists_.linked(row);
+    if (linked) rowLists_.unlink(row);
+    removeFromRow(row, col);
+    if (linked && row_[row].count > 0) rowLists_.link(row, row_[row].count);
+  }
+  activeNz_ -= column.count();
+  column.end = column.active;
+  factors_->dropped.push_back(var_[col]);
+  --colsLeft_;
+}
+
+template <class Real>
+void Nucleus<Real>::eliminate(int row, int col) {
+  openPivotColumn(row, col);
+  const Row pivotRow = row_[row];
+  for (int n = 0; n < pivotRow.count; ++n) updateColumn(rowCol_[pivotRow.begin + n], row);
+  for (const int i : multiplierRow_) {
+    multiplier_[i] = Real(0);
+    if (rowLists_.linked(i)) rowLists_.unlink(i);
+    if (row_[i].count > 0) rowLists_.link(i, row_[i].count);
+  }
+  row_[row].count = 0;
+}
+
+// States the pivot with its columns of U and L, spreads the multipliers, and takes row and column
+// out of the lists.
+template <class Real>
+void Nucleus<Real>::openPivotColumn(int row, int col) {
+  const Column column = column_[col];
+  colLists_.unlink(col);
+  if (rowLists_.linked(row)) rowLists_.unlink(row);
+  removeFromRow(row, col);
+  NzIndex at = column.active;
+  while (index_[at] != row) ++at;
+  const Real pivot = value_[at];
+  factors_->openPivot(row, var_[col], pivot);
+  for (NzIndex k = column.begin; k < column.active; ++k) factors_->pushU(index_[k], value_[k]);
+  multiplierRow_.clear();
+  for (NzIndex k = column.active; k < column.end; ++k) {
+    if (k == at) continue;
+    const int i = index_[k];
+    const Real multiplier = value_[k] / pivot;
+    removeFromRow(i, col);
+    multiplier_[i] = multiplier;
+    multiplierRow_.push_back(i);
+    factors_->pushL(i, multiplier);
+  }
+  factors_->closePivot(row);
+  activeNz_ -= column.count();
+  touched_ += static_cast<double>(column.end - column.begin);
+  --colsLeft_;
+}
+
+// Moves the entry in the pivot row over to U and subtracts its multiple of the pivot column.
+template <class Real>
+void Nucleus<Real>::updateColumn(int col, int pivotRow) {
+  Column &column = column_[col];
+  NzIndex at = column.active;
+  while (index_[at] != pivotRow) ++at;
+  const Real factor = value_[at];
+  std::swap(index_[at], index_[column.active]);
+  std::swap(value_[at], value_[column.active]);
+  ++column.active;
+  --activeNz_;
+  touched_ += column.count() + 1;
+  colLists_.unlink(col);
+  if (multiplierRow_.empty()) {
+    if (std::abs(factor) >= largest_[col]) largest_[col] = Real(-1);
+  } else {
+    ++stamp_;
+    std::size_t hits = 0;
+    Real largest = 0;
+    for (NzIndex k = column.active; k < column.end;) {
+      const int i = index_[k];
+      if (multiplier_[i] != Real(0)) {
+        ++hits;
+        hit_[i] = stamp_;
+        value_[k] -= multiplier_[i] * factor;
+        if (std::abs(value_[k]) <= tol_.drop) {
+          removeFromRow(i, col);
+          --column.end;
+          --activeNz_;
+          index_[k] = index_[column.end];
+          value_[k] = value_[column.end];
+          continue;
+        }
+      }
+      largest = std::max(largest, std::abs(value_[k]));
+      ++k;
+    }
+    largest_[col] = largest;
+    if (hits < multiplierRow_.size()) addFill(col, factor);
+  }
+  colLists_.link(col, column.count());
+}
+
+// Entries of the updated column in rows where it had none.
+template <class Real>
+void Nucleus<Real>::addFill(int col, Real factor) {
+  makeRoom(col, static_cast<int>(multiplierRow_.size()));
+  Column &column = column_[col];
+  touched_ += static_cast<double>(multiplierRow_.size());
+  for (const int i : multiplierRow_) {
+    if (hit_[i] == stamp_) continue;
+    const Real value = -multiplier_[i] * factor;
+    const Real size = std::abs(value);
+    if (size <= tol_.drop) continue;
+    index_[column.end] = i;
+    value_[column.end++] = value;
+    ++activeNz_;
+    largest_[col] = std::max(largest_[col], size);
+    addToRow(i, col);
+  }
+}
+
+template <class Real>
+bool Nucleus<Real>::worthDense() const {
+  return colsLeft_ >= kDenseMinDim &&
+         static_cast<double>(activeNz_) >= kDenseDensity * colsLeft_ * colsLeft_;
+}
+
+template <class Real>
+void Nucleus<Real>::finishDense() {
+  dense_.begin();
+  const int numCols = static_cast<int>(column_.size());
+  const int numRows = static_cast<int>(row_.size());
+  for (int row = 0; row < numRows; ++row)
+    if (row_[row].count > 0) dense_.addRow(row, numRows);
+  for (int col = 0; col < numCols; ++col)
+    if (colLists_.linked(col)) dense_.addCol(col);
+  dense_.allocate();
+  const auto fill = [this](int col, Real *to) {
+    for (NzIndex k = column_[col].active; k < column_[col].end; ++k)
+      to[dense_.place(index_[k])] = value_[k];
+  };
+  const auto pushU = [this](int col) {
+    const Column &column = column_[col];
+    for (NzIndex k = column.begin; k < column.active; ++k) factors_->pushU(index_[k], value_[k]);
+  };
+  factors_->work += kUnitsDense * dense_.factor(tol_.pivot, fill);
+  dense_.hand(tol_.drop, var_, pushU, *factors_);
+  colsLeft_ = 0;
+}
+
+template <class Real>
+void Nucleus<Real>::removeFromRow(int row, int col) {
+  Row &r = row_[row];
+  int *const first = rowCol_.data() + r.begin;
+  int n = 0;
+  while (first[n] != col) ++n;
+  first[n] = first[--r.count];
+}
+
+template <class Real>
+void Nucleus<Real>::addToRow(int row, int col) {
+  Row &r = row_[row];
+  if (r.count == r.room) {
+    const int room = r.count + r.count / kRoomShare + kRoomExtra;
+    reserveRows(room);
+    std::copy_n(rowCol_.begin() + r.begin, r.count, rowCol_.begin() + rowUsed_);
+    r.begin = rowUsed_;
+    r.room = room;
+    rowUsed_ += room;
+  }
+  rowCol_[r.begin + r.count++] = col;
+}
+
+template <class Real>
+void Nucleus<Real>::makeRoom(int col, int extra) {
+  Column &column = column_[col];
+  if (column.end + extra <= column.limit) return;
+  const NzIndex length = column.end - column.begin;
+  const NzIndex room = length + extra + length / kRoomShare + kRoomExtra;
+  reserveEntries(room);
+  std::copy_n(index_.begin() + column.begin, length, index_.begin() + used_);
+  std::copy_n(value_.begin() + column.begin, length, value_.begin() + used_);
+  column.active += used_ - column.begin;
+  column.begin = used_;
+  column.end = used_ + length;
+  column.limit = used_ + room;
+  used_ += room;
+}
+
+template <class Real>
+void Nucleus<Real>::reserveEntries(NzIndex extra) {
+  const NzIndex size = static_cast<NzIndex>(index_.size());
+  if (used_ + extra <= size) return;
+  const std::size_t wanted =
+      static_cast<std::size_t>(std::max(used_ + extra, size + size / 2 + 64));
+  index_.resize(wanted);
+  value_.resize(wanted);
+}
+
+template <class Real>
+void Nucleus<Real>::reserveRows(NzIndex extra) {
+  const NzIndex size = static_cast<NzIndex>(rowCol_.size());
+  if (rowUsed_ + extra <= size) return;
+  rowCol_.resize(static_cast<std::size_t>(std::max(rowUsed_ + extra, size + size / 2 + 64)));
+}
+
+template class Nucleus<double>;
+template class Nucleus<long double>;
+
+}  // namespace tarvik::lu
