@@ -1,6 +1,7 @@
 #include "base/memory.h"
 
 #include <cstdlib>
+#include <cstring>
 
 namespace tarvik {
 
@@ -9,80 +10,101 @@ namespace {
 constexpr std::int64_t kFlushBytes = std::int64_t{4} << 20;
 
 struct BlockHeader {
-  MemoryAccount *account;
+  MemoryAccount *root;
   std::size_t bytes;
 };
 static_assert(sizeof(BlockHeader) == 16);
 
 }  // namespace
 
-// What a thread has charged to one account and not yet flushed.
+// The current account of a thread and what the thread has charged to its root since the last
+// flush. The delta is zero whenever there is no current account.
 struct ThreadLedger {
   MemoryAccount *current = nullptr;
-  MemoryAccount *owner = nullptr;  // the account that delta belongs to
   std::int64_t delta = 0;
 
-  void add(MemoryAccount *account, std::int64_t bytes) {
-    if (owner != account) {
-      flush();
-      owner = account;
-    }
-    delta += bytes;
-    if (delta > kFlushBytes || delta < -kFlushBytes) flush();
+  MemoryAccount *root() const { return current ? current->root_ : nullptr; }
+  void enter(MemoryAccount *account) {
+    if (delta != 0 && (!account || account->root_ != root())) flush();
+    current = account;
   }
   void flush() {
-    if (owner && delta != 0) owner->flush(delta);
+    root()->flush(delta);
     delta = 0;
   }
-  ~ThreadLedger() { flush(); }
 };
 
 namespace {
-thread_local ThreadLedger ledger;
+thread_local constinit ThreadLedger ledger;
 }
 
 MemoryAccount *currentAccount() { return ledger.current; }
 
 AccountScope::AccountScope(MemoryAccount *account) : previous_(ledger.current) {
-  ledger.current = account;
+  ledger.enter(account);
 }
 
-AccountScope::~AccountScope() { ledger.current = previous_; }
+AccountScope::~AccountScope() { ledger.enter(previous_); }
 
 void forgetAccount(MemoryAccount *account) {
-  if (ledger.owner == account) {
-    ledger.owner = nullptr;
-    ledger.delta = 0;
+  if (ledger.current != account && ledger.root() != account) return;
+  if (ledger.root() == account) ledger.delta = 0;
+  ledger.enter(nullptr);
+}
+
+MemoryAccount *MemoryAccount::create(const MemoryFunctions &functions) {
+  void *block;
+  if (functions.zeroAllocate) {
+    block = functions.zeroAllocate(1, sizeof(MemoryAccount), functions.userData);
+  } else if (functions.allocate) {
+    block = functions.allocate(sizeof(MemoryAccount), functions.userData);
+  } else {
+    block = std::malloc(sizeof(MemoryAccount));
   }
-  if (ledger.current == account) ledger.current = nullptr;
+  if (!block) throw std::bad_alloc();
+  return new (block) MemoryAccount(functions);
+}
+
+void MemoryAccount::destroy(MemoryAccount *root) {
+  forgetAccount(root);
+  const MemoryFunctions functions = root->functions_;
+  root->~MemoryAccount();
+  if (functions.release)
+    functions.release(root, functions.userData);
+  else
+    std::free(root);
 }
 
 std::int64_t MemoryAccount::bytesInUse() const {
-  std::int64_t bytes = inUse_.load(std::memory_order_relaxed);
-  if (ledger.owner == this) bytes += ledger.delta;
+  std::int64_t bytes = root_->inUse_.load(std::memory_order_relaxed);
+  if (ledger.root() == root_) bytes += ledger.delta;
   return bytes < 0 ? 0 : bytes;
 }
 
 std::int64_t MemoryAccount::peakBytes() const {
   const std::int64_t now = bytesInUse();
-  const std::int64_t peak = peak_.load(std::memory_order_relaxed);
+  const std::int64_t peak = root_->peak_.load(std::memory_order_relaxed);
   return now > peak ? now : peak;
 }
 
-bool MemoryAccount::refuses(std::size_t request) const {
-  const double limit = hardLimit_.load(std::memory_order_relaxed);
-  return counting_ && limit < 1e100 &&
-         static_cast<double>(bytesInUse()) + static_cast<double>(request) > limit;
+bool MemoryAccount::exceeds(const std::atomic<double> &limit, std::size_t request) const {
+  const double bytes = limit.load(std::memory_order_relaxed);
+  return bytes < 1e100 && counting() &&
+         static_cast<double>(bytesInUse()) + static_cast<double>(request) > bytes;
 }
 
 bool MemoryAccount::softLimitExceeded(std::size_t request) const {
-  const double limit = softLimit_.load(std::memory_order_relaxed);
-  return counting_ && limit < 1e100 &&
-         static_cast<double>(bytesInUse()) + static_cast<double>(request) > limit;
+  return exceeds(softLimit_, request);
 }
 
-void MemoryAccount::charge(std::int64_t bytes) {
-  if (counting_) ledger.add(this, bytes);
+void MemoryAccount::charge(MemoryAccount *root, std::int64_t bytes) {
+  if (!root->counting()) return;
+  if (ledger.root() != root) {
+    root->flush(bytes);
+    return;
+  }
+  ledger.delta += bytes;
+  if (ledger.delta > kFlushBytes || ledger.delta < -kFlushBytes) ledger.flush();
 }
 
 void MemoryAccount::flush(std::int64_t delta) {
@@ -99,25 +121,26 @@ void MemoryAccount::flush(std::int64_t delta) {
 void *accountAllocate(MemoryAccount *account, std::size_t bytes) {
   const std::size_t total = bytes + sizeof(BlockHeader);
   if (total < bytes) throw std::bad_alloc();
-  if (account && account->refuses(total)) throw std::bad_alloc();
-  void *raw = account && account->functions_.allocate
-                  ? account->functions_.allocate(total, account->functions_.userData)
+  if (account && account->exceeds(account->hardLimit_, total)) throw std::bad_alloc();
+  MemoryAccount *root = account ? account->root_ : nullptr;
+  void *raw = root && root->functions_.allocate
+                  ? root->functions_.allocate(total, root->functions_.userData)
                   : std::malloc(total);
   if (!raw) throw std::bad_alloc();
   auto *header = static_cast<BlockHeader *>(raw);
-  header->account = account;
+  header->root = root;
   header->bytes = total;
-  if (account) account->charge(static_cast<std::int64_t>(total));
+  if (root) MemoryAccount::charge(root, static_cast<std::int64_t>(total));
   return header + 1;
 }
 
 void accountRelease(void *block) {
   if (!block) return;
   BlockHeader *header = static_cast<BlockHeader *>(block) - 1;
-  MemoryAccount *account = header->account;
-  if (account) account->charge(-static_cast<std::int64_t>(header->bytes));
-  if (account && account->functions_.release)
-    account->functions_.release(header, account->functions_.userData);
+  MemoryAccount *root = header->root;
+  if (root) MemoryAccount::charge(root, -static_cast<std::int64_t>(header->bytes));
+  if (root && root->functions_.release)
+    root->functions_.release(header, root->functions_.userData);
   else
     std::free(header);
 }

@@ -1,8 +1,15 @@
 // Memory accounts. Everything whose size grows with a model is allocated through the current
 // account: a thread-local pointer that the frame of an exported call and worker threads set with
 // AccountScope. Every block carries a 16-byte header with its account and its size, so it is
-// given back to whom it was charged wherever it is freed. A thread collects its changes and
-// flushes them to the shared counter every 4 MiB, so that parallel code does not contend.
+// given back to whom it was charged wherever it is freed.
+//
+// Accounts form one level: a root holds the counters and the caller's memory functions, a view
+// charges its root and adds limits of its own (an environment copy has its own MemLimit but
+// shares the counters of its master). Blocks name the root, so a view may die before them.
+//
+// Inside a scope a thread collects its changes and flushes them to the shared counter every
+// 4 MiB and when the scope ends, so that parallel code does not contend. What a thread frees
+// outside of a scope is counted at once; hence no thread remembers an account that may be dead.
 //
 // Without a current account (kernel tests, for instance) blocks come from the platform and are
 // charged to nobody.
@@ -12,6 +19,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <string>
 #include <vector>
 
 namespace tarvik {
@@ -29,15 +37,23 @@ class MemoryAccount {
  public:
   MemoryAccount() = default;
   explicit MemoryAccount(const MemoryFunctions &functions) : functions_(functions) {}
+  // A view of the account that `of` belongs to.
+  struct View {};
+  MemoryAccount(View, MemoryAccount &of) : root_(of.root_) {}
   MemoryAccount(const MemoryAccount &) = delete;
   MemoryAccount &operator=(const MemoryAccount &) = delete;
+
+  // A root that lives in a block of the functions it serves; throws std::bad_alloc.
+  static MemoryAccount *create(const MemoryFunctions &functions);
+  // Ends a root made by create(); every block charged to it has been released.
+  static void destroy(MemoryAccount *root);
 
   // Limits in bytes; infinite when at or beyond 1e100.
   void setHardLimit(double bytes) { hardLimit_.store(bytes, std::memory_order_relaxed); }
   void setSoftLimit(double bytes) { softLimit_.store(bytes, std::memory_order_relaxed); }
   // A disabled account counts nothing and enforces nothing.
-  void setCounting(bool on) { counting_ = on; }
-  bool counting() const { return counting_; }
+  void setCounting(bool on) { root_->counting_.store(on, std::memory_order_relaxed); }
+  bool counting() const { return root_->counting_.load(std::memory_order_relaxed); }
 
   // Bytes in use and their peak, up to the deltas that other threads still hold.
   std::int64_t bytesInUse() const;
@@ -45,23 +61,24 @@ class MemoryAccount {
   // True when the soft limit is exceeded once `request` more bytes are taken.
   bool softLimitExceeded(std::size_t request = 0) const;
 
-  const MemoryFunctions &functions() const { return functions_; }
+  const MemoryFunctions &functions() const { return root_->functions_; }
 
  private:
   friend void *accountAllocate(MemoryAccount *account, std::size_t bytes);
   friend void accountRelease(void *block);
   friend struct ThreadLedger;
 
-  bool refuses(std::size_t request) const;
-  void charge(std::int64_t bytes);
+  bool exceeds(const std::atomic<double> &limit, std::size_t request) const;
+  static void charge(MemoryAccount *root, std::int64_t bytes);
   void flush(std::int64_t delta);
 
   MemoryFunctions functions_;
+  MemoryAccount *root_ = this;
   std::atomic<std::int64_t> inUse_{0};
   std::atomic<std::int64_t> peak_{0};
   std::atomic<double> hardLimit_{1e100};
   std::atomic<double> softLimit_{1e100};
-  bool counting_ = true;
+  std::atomic<bool> counting_{true};
 };
 
 // The account that allocations of this thread are charged to; may be null.
@@ -87,6 +104,12 @@ void forgetAccount(MemoryAccount *account);
 void *accountAllocate(MemoryAccount *account, std::size_t bytes);
 void accountRelease(void *block);
 
+// Base of single objects that live on the current account.
+struct AccountAllocated {
+  static void *operator new(std::size_t bytes) { return accountAllocate(currentAccount(), bytes); }
+  static void operator delete(void *block) { accountRelease(block); }
+};
+
 // The stateless allocator behind Vec: charges the current account.
 template <class T>
 struct AccountAllocator {
@@ -108,5 +131,6 @@ struct AccountAllocator {
 
 template <class T>
 using Vec = std::vector<T, AccountAllocator<T>>;
+using AccountString = std::basic_string<char, std::char_traits<char>, AccountAllocator<char>>;
 
 }  // namespace tarvik

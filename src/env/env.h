@@ -11,7 +11,7 @@
 #include "base/error.h"
 #include "base/memory.h"
 #include "base/solve_control.h"
-#include "env/params.h"
+#include "env/param_store.h"
 #include "tarvik.h"
 
 namespace tarvik {
@@ -22,16 +22,26 @@ inline constexpr std::uint32_t kCallbackMarker = 683638213;
 
 struct EnvState;  // everything below the surface, private to src/env
 
-class Env {
+class Env : public AccountAllocated {
  public:
+  // Takes the state over; the second form starts from the values of another environment.
+  explicit Env(EnvState *state);
+  Env(EnvState *state, const ParamStore &params);
+  Env(const Env &) = delete;
+  Env &operator=(const Env &) = delete;
+  ~Env();
+
   // --- parameters ---
-  int get(Int id) const;
-  double get(Dbl id) const;
-  const char *get(Str id) const;  // never null
+  int get(Int id) const { return params_.getInt(static_cast<int>(id)); }
+  double get(Dbl id) const { return params_.getDbl(static_cast<int>(id)); }
+  const char *get(Str id) const { return params_.getStr(static_cast<int>(id)); }  // never null
   // Set without a log line, as algorithms do for the duration of a solve.
   void setSilently(Int id, int value);
   void setSilently(Dbl id, double value);
   void setSilently(Str id, const char *value);
+  // The store itself: no checks, no log lines.
+  ParamStore &params() { return params_; }
+  const ParamStore &params() const { return params_; }
 
   // --- log: lines go to console, file and callbacks as the parameters say ---
   void log(const char *format, ...) __attribute__((format(printf, 2, 3)));
@@ -53,13 +63,17 @@ class Env {
   // --- shared with the master ---
   MemoryAccount &account() const;
   Env &master() const;
+  bool isMaster() const { return &master() == this; }
   bool started() const;
   int apiType() const;
 
   // --- termination: a solve polls all three flags ---
   const volatile int *stopFlag(int which) const;
   void requestTermination();
+  // Points the second and third flag back at the first and clears all.
   void resetTermination();
+  // Lets a group of solves be stopped together: `which` is 1 or 2; the flag outlives the solve.
+  void setStopFlag(int which, volatile int *flag);
 
   // --- machine facts of this environment (environment variables considered) ---
   int logicalProcessors() const;
@@ -67,10 +81,12 @@ class Env {
   int effectiveThreads() const;
 
   EnvState &state() const { return *state_; }
+  std::uint32_t marker() const { return marker_; }
 
  protected:
   std::uint32_t marker_ = kEnvMarker;
-  EnvState *state_ = nullptr;
+  EnvState *state_;
+  ParamStore params_;
 };
 
 // The check every exported function on an environment begins with: 0, 10002 or 10003.
@@ -83,4 +99,6 @@ void releaseEnv(TVKenv *env) noexcept;
 
 }  // namespace tarvik
 
-struct TVKenv : public tarvik::Env {};
+struct TVKenv : public tarvik::Env {
+  using Env::Env;
+};

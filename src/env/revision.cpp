@@ -1,0 +1,7 @@
+#include "env/revision.h"
+
+namespace tarvik {
+
+const char *sourceRevision() { return TARVIK_REVISION; }
+
+}  // namespace tarvik
