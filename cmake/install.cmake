@@ -11,5 +11,8 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/tarvikConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/tarvikConfig.cmake ${CMAKE_BINARY_DIR}/tarvikConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tarvik)
+# Relative to itself, so that an installed tree may be moved.
+file(RELATIVE_PATH TARVIK_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" TARVIK_PC_TO_PREFIX "${TARVIK_PC_TO_PREFIX}")
 configure_file(cmake/tarvik.pc.in ${CMAKE_BINARY_DIR}/tarvik.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/tarvik.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

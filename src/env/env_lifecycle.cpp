@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "env/env_log.h"
+#include "env/interrupt.h"
 #include "env/param_set.h"
 #include "env/process_env.h"
 
@@ -21,6 +22,7 @@ void destroyEnv(TVKenv *env) noexcept {
   MemoryAccount *root = env->isMaster() ? state.root : nullptr;
   if (state.record.hooks) state.record.hooks->release(state.record.context);
   if (state.callback.hooks) state.callback.hooks->release(state.callback.context);
+  restoreInterrupt(*env);
   closeLogFile(*env);
   if (root) finishMaster(state);
   forgetAccount(&env->account());

@@ -1,0 +1,52 @@
+#include "opt/options.h"
+
+namespace tarvik {
+
+SimplexOptions simplexOptions(const Env &env) {
+  SimplexOptions options;
+  options.primalTol = env.get(Dbl::FeasibilityTol);
+  options.dualTol = env.get(Dbl::OptimalityTol);
+  options.markowitzTol = env.get(Dbl::MarkowitzTol);
+  options.pivotTol = env.get(Dbl::TARV_PAR_PIVOTTOL);
+  options.zeroTol = env.get(Dbl::TARV_PAR_ZERO);
+  options.perturbValue = env.get(Dbl::PerturbValue);
+  options.cutoff = env.get(Dbl::Cutoff);
+  options.scaleFlag = env.get(Int::ScaleFlag);
+  options.pricing = env.get(Int::SimplexPricing);
+  options.normAdjust = env.get(Int::NormAdjust);
+  options.numericFocus = env.get(Int::NumericFocus);
+  options.luInterval = env.get(Int::TARV_PAR_LUINTERVAL);
+  options.seed = env.get(Int::Seed);
+  options.primalDualSwitch = env.get(Int::TARV_PAR_PRIMDUALSWITCH) != 0;
+  return options;
+}
+
+PresolveOptions presolveOptions(const Env &env) {
+  PresolveOptions options;
+  options.level = env.get(Int::Presolve);
+  options.aggregate = env.get(Int::Aggregate);
+  options.aggFill = env.get(Int::AggFill);
+  options.preDual = env.get(Int::PreDual);
+  options.depRows = env.get(Int::PreDepRow);
+  options.sparsify = env.get(Int::PreSparsify);
+  options.passes = env.get(Int::PrePasses);
+  options.reductionLimit = env.get(Int::TARV_PAR_PRELIMIT);
+  options.dualReductions = env.get(Int::DualReductions) != 0;
+  options.primalTol = env.get(Dbl::FeasibilityTol);
+  options.dualTol = env.get(Dbl::OptimalityTol);
+  options.zeroTol = env.get(Dbl::TARV_PAR_ZERO);
+  return options;
+}
+
+Limits solveLimits(const Env &env) {
+  Limits limits;
+  limits.timeLimit = env.get(Dbl::TimeLimit);
+  limits.workLimit = env.get(Dbl::WorkLimit);
+  limits.iterationLimit = env.get(Dbl::IterationLimit);
+  for (int k = 0; k < 3; ++k) limits.stopFlags[k] = env.stopFlag(k);
+  limits.memory = &env.account();
+  limits.start();
+  return limits;
+}
+
+}  // namespace tarvik
