@@ -14,22 +14,23 @@
 namespace tarvik {
 
 struct SimplexOptions {
-  double primalTol = 1e-6;    // FeasibilityTol
-  double dualTol = 1e-6;      // OptimalityTol
+  double primalTol = 1e-6;  // FeasibilityTol
+  double dualTol = 1e-6;    // OptimalityTol
   double markowitzTol = 0.0078125;
   double pivotTol = 3e-8;
   double zeroTol = 1e-13;
   double perturbValue = 2e-4;
-  double cutoff = 1e100;      // stop when the dual objective (offset included) exceeds it
-  int scaleFlag = -1;         // -1 automatic, 0 none, 1 equilibrate, 2 geometric, 3 both
-  int pricing = -1;           // SimplexPricing
+  double cutoff = 1e100;  // stop when the dual objective (offset included) exceeds it
+  int scaleFlag = -1;     // -1 automatic, 0 none, 1 equilibrate, 2 geometric, 3 both
+  int pricing = -1;       // SimplexPricing
   int normAdjust = -1;
   int numericFocus = 0;
-  int luInterval = 0;         // fixed refactorization interval when positive
+  int luInterval = 0;  // fixed refactorization interval when positive
   int seed = 0;
   bool primalDualSwitch = true;
   bool wantCertificates = true;  // keep Farkas proof or ray
   bool logging = true;
+  double logSign = 1;  // -1 prints objectives of a maximization in its own sense
 };
 
 enum class SimplexMethod { Primal, Dual };
@@ -67,8 +68,8 @@ class Simplex {
   LpStatus solve(SimplexMethod method, SolveControl &control);
 
   // The result of the last solve.
-  double iterations() const;      // of this engine's whole life
-  double objective() const;       // primal objective of the current basic solution
+  double iterations() const;  // of this engine's whole life
+  double objective() const;   // primal objective of the current basic solution
   void getSolution(LpSolution &solution) const;
 
   // Solves with the current basis matrix, in the user's scale. Basis columns are structural

@@ -1,0 +1,171 @@
+// The bound-flipping ratio test. Passing the breakpoint of a boxed variable flips it to its other
+// bound and lowers the slope of the dual objective by |alpha| x range; the step ends where the
+// slope would turn negative. Breakpoints within the dual tolerance of each other form a group
+// (Harris 1973), of which the largest pivot is taken; an earlier group with a much larger pivot
+// wins over a later one (Maros 2003; Koberstein 2005).
+#include <algorithm>
+#include <cmath>
+
+#include "simplex/dual_simplex.h"
+#include "simplex/tuning.h"
+
+namespace tarvik {
+
+using std::fabs;
+
+template <class Real>
+void DualSimplex<Real>::collectCandidates(Real sign) {
+  const Real pivotTol = Real(e_.updates < tuning::kUsedUpdates  ? tuning::kRowPivotTolFresh
+                             : e_.updates < tuning::kOldUpdates ? tuning::kRowPivotTolUsed
+                                                                : tuning::kRowPivotTolOld);
+  candidates_.clear();
+  const auto consider = [&](VarIndex j, Real entry) {
+    const int move = e_.move[j];
+    const Real alpha = move != 0 ? sign * entry * Real(move) : fabs(entry);
+    if (alpha <= pivotTol) return;
+    const Real slack = move != 0 ? e_.dual[j] * Real(move) : Real(0);
+    candidates_.push_back({j, alpha, slack, e_.upper[j] - e_.lower[j]});
+  };
+  for (int k = 0; k < e_.pivotRow.count; ++k) {
+    const int j = e_.pivotRow.index[k];
+    consider(j, e_.pivotRow.value[j]);
+  }
+  for (int k = 0; k < e_.rho.count; ++k) {
+    const int i = e_.rho.index[k];
+    const VarIndex j = e_.lp.n + i;
+    if (e_.canEnter(j)) consider(j, e_.rho.value[i]);
+  }
+  e_.chargeWork(4.0 * (e_.pivotRow.count + e_.rho.count));
+}
+
+// Orders the candidates that the step can reach into groups; returns the index of the group to
+// pivot in. groupStart_ has one more entry than groups.
+template <class Real>
+int DualSimplex<Real>::selectBreakGroup(Real slope) {
+  const Real tol = e_.dualTol;
+  const int size = static_cast<int>(candidates_.size());
+  Real theta = kRealInf<Real>;
+  for (const Candidate &c : candidates_) theta = std::min(theta, (c.slack + tol) / c.alpha);
+
+  // Coarse selection: grow the step bound tenfold until the slope is used up.
+  int chosen = 0;
+  Real reached = 0;
+  Real bound = Real(10) * theta + Real(1e-7);
+  while (true) {
+    for (int k = chosen; k < size; ++k) {
+      if (candidates_[k].slack > bound * candidates_[k].alpha) continue;
+      reached += candidates_[k].alpha * candidates_[k].range;
+      std::swap(candidates_[k], candidates_[chosen++]);
+    }
+    e_.chargeWork(2.0 * (size - chosen));
+    if (reached >= slope || chosen == size) break;
+    bound *= Real(10);
+  }
+  const auto begin = candidates_.begin();
+  std::sort(begin, begin + chosen, [](const Candidate &a, const Candidate &b) {
+    const Real left = a.slack * b.alpha, right = b.slack * a.alpha;
+    return left != right ? left < right : a.var < b.var;
+  });
+  suffixTheta_.resize(chosen);
+  Real least = kRealInf<Real>;
+  for (int k = chosen - 1; k >= 0; --k) {
+    least = std::min(least, (candidates_[k].slack + tol) / candidates_[k].alpha);
+    suffixTheta_[k] = least;
+  }
+  groupStart_.clear();
+  groupStart_.push_back(0);
+  reached = 0;
+  int next = 0;
+  while (next < chosen) {
+    const Real groupTheta = suffixTheta_[next];
+    const int first = next;
+    while (next < chosen &&
+           (next == first || candidates_[next].slack <= groupTheta * candidates_[next].alpha)) {
+      reached += candidates_[next].alpha * candidates_[next].range;
+      ++next;
+    }
+    groupStart_.push_back(next);
+    if (reached >= slope) break;
+  }
+  e_.chargeWork(4.0 * chosen);
+
+  const int groups = static_cast<int>(groupStart_.size()) - 1;
+  Real overall = 0;
+  for (int k = 0; k < groupStart_[groups]; ++k) overall = std::max(overall, candidates_[k].alpha);
+  const Real wanted = std::min(Real(0.1) * overall, Real(1));
+  for (int g = groups - 1; g >= 0; --g) {
+    Real largest = 0;
+    for (int k = groupStart_[g]; k < groupStart_[g + 1]; ++k)
+      largest = std::max(largest, candidates_[k].alpha);
+    if (largest >= wanted) return g;
+  }
+  return 0;
+}
+
+template <class Real>
+VarIndex DualSimplex<Real>::chooseColumn(BasisPos p) {
+  flipped_.clear();
+  flipDelta_.clear();
+  const Real delta = e_.xB[p] < e_.lB[p] ? e_.xB[p] - e_.lB[p] : e_.xB[p] - e_.uB[p];
+  const Real sign = delta < 0 ? Real(-1) : Real(1);
+  collectCandidates(sign);
+  if (candidates_.empty()) return -1;
+  const int group = selectBreakGroup(fabs(delta));
+  int best = groupStart_[group];
+  for (int k = best; k < groupStart_[group + 1]; ++k) {
+    const Candidate &c = candidates_[k], &b = candidates_[best];
+    if (c.alpha > b.alpha || (c.alpha == b.alpha && e_.randomValue[c.var] > e_.randomValue[b.var]))
+      best = k;
+  }
+  const VarIndex q = candidates_[best].var;
+  if (candidates_[best].slack > 0) {
+    thetaD_ = e_.dual[q] / e_.rowEntry(q);
+  } else {
+    // Infeasible within the tolerance: a shift makes the step zero instead of negative.
+    e_.shiftCost(q, -e_.dual[q]);
+    thetaD_ = 0;
+  }
+  flipGroupsBefore(group);
+  return q;
+}
+
+template <class Real>
+void DualSimplex<Real>::flipGroupsBefore(int group) {
+  for (int k = 0; k < groupStart_[group]; ++k) {
+    const VarIndex j = candidates_[k].var;
+    if (e_.move[j] == 0 || candidates_[k].range == kRealInf<Real>) continue;
+    flipped_.push_back(j);
+  }
+}
+
+// Moves the flipped variables to their other bounds and takes their effect out of the basics.
+template <class Real>
+void DualSimplex<Real>::applyFlips() {
+  if (flipped_.empty()) return;
+  SparseVec<Real> &sum = e_.work1;
+  sum.clear();
+  for (const VarIndex j : flipped_) {
+    const Real from = e_.value[j];
+    e_.move[j] = static_cast<signed char>(-e_.move[j]);
+    e_.value[j] = e_.move[j] > 0 ? e_.lower[j] : e_.upper[j];
+    const Real change = e_.value[j] - from;
+    dualObjective_ += e_.dual[j] * change;
+    e_.lp.forColumn(j, [&](int i, Real a) { sum.add(i, a * change); });
+  }
+  e_.factor.ftran(sum, e_.flipDensity, e_.control->work);
+  e_.updateDensity(e_.flipDensity, sum);
+  const int count = sum.valid() ? sum.count : e_.lp.m;
+  for (int k = 0; k < count; ++k) {
+    const int i = sum.valid() ? sum.index[k] : k;
+    if (sum.value[i] == Real(0)) continue;
+    e_.xB[i] -= sum.value[i];
+    setInfeasibility(i);
+  }
+  sum.clear();
+  flipped_.clear();
+  e_.chargeWork(4.0 * count);
+}
+
+template class DualSimplex<double>;
+
+}  // namespace tarvik

@@ -1,0 +1,361 @@
+#include "simplex/dual_simplex.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simplex/tuning.h"
+
+namespace tarvik {
+
+using std::fabs;
+
+namespace {
+// Refused or doubtful pivots in one phase before the phase gives up.
+constexpr int kMaxDisagreements = 200;
+// Up to this many updates a verdict is checked with recomputed values on the old factors.
+constexpr int kRecomputeUpdates = 10;
+}  // namespace
+
+template <class Real>
+PhaseResult DualSimplex<Real>::run(bool perturb) {
+  e_.resetWorkingBounds();
+  e_.resetWorkingCosts();
+  queue_.resize(e_.lp.m);
+  blocked_.assign(e_.lp.m, 0);
+  blockedCount_ = 0;
+  if (!e_.factored && !e_.refactor()) return PhaseResult::Trouble;
+  if (perturb) perturbCosts();
+  e_.computeDual();
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    if (correctDuals(false) == 0) {
+      const PhaseResult result = phase(false);
+      return result == PhaseResult::Optimal ? finishPhaseTwo() : result;
+    }
+    installPhaseOneBoxes();
+    const PhaseResult result = phase(true);
+    e_.resetWorkingBounds();
+    if (result != PhaseResult::Optimal) return result;
+    e_.computeDual();
+    if (correctDuals(false) == 0) continue;
+    if (!e_.costsPerturbed && e_.costShift == ShiftState::None) return PhaseResult::NeedsPrimal;
+    // What keeps the reduced costs infeasible may be the perturbation alone.
+    e_.resetWorkingCosts();
+    e_.computeDual();
+  }
+  return PhaseResult::NeedsPrimal;
+}
+
+// Removes perturbation and shifts at an optimum of the working costs.
+template <class Real>
+PhaseResult DualSimplex<Real>::finishPhaseTwo() {
+  if (!e_.costsPerturbed && e_.costShift == ShiftState::None) return PhaseResult::Optimal;
+  e_.resetWorkingCosts();
+  e_.computeDual();
+  int count = 0;
+  e_.dualInfeasibilitySum(&count);
+  return count == 0 ? PhaseResult::Optimal : PhaseResult::NeedsPrimal;
+}
+
+template <class Real>
+PhaseResult DualSimplex<Real>::phase(bool phaseOne) {
+  phaseOne_ = phaseOne;
+  disagreements_ = 0;
+  RebuildReason reason = RebuildReason::None;
+  while (true) {
+    if (!rebuild(reason, phaseOne)) return PhaseResult::Trouble;
+    e_.log(false);
+    if (e_.stop != StopReason::None) return PhaseResult::Stopped;
+    const double before = e_.iterations;
+    reason = iterate();
+    if (reason == RebuildReason::UpdateLimit) continue;
+    if (reason == RebuildReason::PivotDisagreement || reason == RebuildReason::UnsafeUpdate) {
+      if (++disagreements_ > kMaxDisagreements) return PhaseResult::Trouble;
+      continue;
+    }
+    if (reason == RebuildReason::Limit) return PhaseResult::Stopped;
+    // A verdict needs values computed from scratch: it counts only right after a rebuild.
+    if (e_.iterations != before) continue;
+    const PhaseResult result = verdict(reason, phaseOne);
+    const bool rowBlocked =
+        result == PhaseResult::Trouble && reason == RebuildReason::PossiblyInfeasible;
+    if (!rowBlocked) return result;
+  }
+}
+
+template <class Real>
+PhaseResult DualSimplex<Real>::verdict(RebuildReason reason, bool phaseOne) {
+  switch (reason) {
+    case RebuildReason::PossiblyOptimal:
+      return blockedCount_ > 0 ? PhaseResult::NeedsPrimal : PhaseResult::Optimal;
+    case RebuildReason::PossiblyInfeasible:
+      if (phaseOne) return PhaseResult::NeedsPrimal;
+      if (e_.proveInfeasible(e_.rho)) return PhaseResult::Infeasible;
+      blocked_[troubleRow_] = 1;
+      ++blockedCount_;
+      return PhaseResult::Trouble;
+    case RebuildReason::Cutoff:
+      return PhaseResult::Cutoff;
+    default:
+      return PhaseResult::Trouble;
+  }
+}
+
+template <class Real>
+bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
+  const bool verdictPending = reason == RebuildReason::PossiblyOptimal ||
+                              reason == RebuildReason::PossiblyInfeasible ||
+                              reason == RebuildReason::Cutoff;
+  const bool refactor = !e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
+                                         !(verdictPending && e_.updates < kRecomputeUpdates));
+  if (refactor) {
+    if (reason == RebuildReason::UnsafeUpdate || reason == RebuildReason::PivotDisagreement)
+      if (disagreements_ > 3) e_.markowitz = std::min(0.5, e_.markowitz * 2);
+    if (!e_.refactor()) return false;
+  }
+  if (blockedCount_ > 0 && reason == RebuildReason::UpdateLimit) {
+    blocked_.assign(e_.lp.m, 0);
+    blockedCount_ = 0;
+  }
+  e_.computeDual();
+  correctDuals(!phaseOne);
+  e_.loadBasicBounds();
+  e_.computePrimal();
+  dualObjective_ = phaseOne ? Real(0) : e_.currentObjective();
+  fillQueue();
+  return true;
+}
+
+template <class Real>
+void DualSimplex<Real>::perturbCosts() {
+  const double size = e_.options.perturbValue / tuning::kDefaultPerturbValue;
+  if (size == 0) return;
+  const int n = e_.lp.n, total = e_.lp.total();
+  double largest = 0;
+  for (int j = 0; j < n; ++j) largest = std::max(largest, static_cast<double>(fabs(e_.cost[j])));
+  // Few large costs must not make the perturbation of all the others large.
+  if (largest > 100) largest = std::sqrt(std::sqrt(largest));
+  int boxed = 0;
+  for (int j = 0; j < total; ++j)
+    boxed += e_.lower[j] != -kRealInf<Real> && e_.upper[j] != kRealInf<Real> &&
+             e_.lower[j] < e_.upper[j];
+  if (boxed < 0.01 * total) largest = std::min(largest, 1.0);
+  const double base = tuning::kCostPerturbation * size * std::max(largest, 1.0);
+  for (int j = 0; j < n; ++j) {
+    const bool hasLower = e_.lower[j] != -kRealInf<Real>, hasUpper = e_.upper[j] != kRealInf<Real>;
+    if (e_.lower[j] == e_.upper[j] || (!hasLower && !hasUpper)) continue;
+    const Real amount =
+        Real((static_cast<double>(fabs(e_.cost[j])) + 1.0) * base * (1.0 + e_.randomValue[j]));
+    if (hasLower && hasUpper)
+      e_.cost[j] += e_.cost[j] >= 0 ? amount : -amount;
+    else
+      e_.cost[j] += hasLower ? amount : -amount;
+  }
+  for (int j = n; j < total; ++j) e_.cost[j] += Real((0.5 - e_.randomValue[j]) * 1e-12);
+  e_.costsPerturbed = true;
+  e_.costShift = ShiftState::Large;
+}
+
+template <class Real>
+void DualSimplex<Real>::installPhaseOneBoxes() {
+  for (int j = 0; j < e_.lp.total(); ++j) {
+    const bool hasLower = e_.lp.lower[j] != -kRealInf<Real>;
+    const bool hasUpper = e_.lp.upper[j] != kRealInf<Real>;
+    const Real free = Real(tuning::kFreeBox);
+    e_.lower[j] = hasLower ? Real(0) : hasUpper ? Real(-1) : -free;
+    e_.upper[j] = hasUpper ? Real(0) : hasLower ? Real(1) : free;
+    if (e_.position[j] >= 0) continue;
+    e_.move[j] = e_.lower[j] == e_.upper[j] ? 0 : e_.dual[j] >= 0 ? 1 : -1;
+    e_.value[j] = e_.move[j] >= 0 ? e_.lower[j] : e_.upper[j];
+    e_.syncActive(j);
+  }
+  e_.loadBasicBounds();
+}
+
+template <class Real>
+int DualSimplex<Real>::correctDuals(bool mayShift) {
+  int remaining = 0;
+  const int total = e_.lp.total();
+  for (int j = 0; j < total; ++j) {
+    if (e_.position[j] >= 0) continue;
+    const Real violation = e_.dualInfeasibility(j);
+    if (violation <= e_.dualTol) continue;
+    const bool boxed = e_.lower[j] != -kRealInf<Real> && e_.upper[j] != kRealInf<Real>;
+    if (boxed && e_.move[j] != 0) {
+      e_.move[j] = static_cast<signed char>(-e_.move[j]);
+      e_.value[j] = e_.move[j] > 0 ? e_.lower[j] : e_.upper[j];
+    } else if (mayShift) {
+      const Real target = Real(1 + e_.randomValue[j]) * e_.dualTol;
+      const Real wanted = e_.move[j] > 0 ? target : e_.move[j] < 0 ? -target : Real(0);
+      e_.shiftCost(j, wanted - e_.dual[j]);
+    } else {
+      ++remaining;
+    }
+  }
+  e_.chargeWork(total);
+  return remaining;
+}
+
+template <class Real>
+void DualSimplex<Real>::setInfeasibility(BasisPos i) {
+  const Real x = e_.xB[i];
+  Real violation = 0;
+  if (x < e_.lB[i] - e_.primalTol)
+    violation = e_.lB[i] - x;
+  else if (x > e_.uB[i] + e_.primalTol)
+    violation = x - e_.uB[i];
+  else {
+    queue_.set(i, 0);
+    return;
+  }
+  if (blockedCount_ > 0 && blocked_[i]) violation = 0;
+  queue_.set(i, static_cast<double>(violation * violation) / e_.rowWeight[i]);
+}
+
+template <class Real>
+void DualSimplex<Real>::fillQueue() {
+  for (int i = 0; i < e_.lp.m; ++i) setInfeasibility(i);
+  e_.chargeWork(3.0 * e_.lp.m);
+}
+
+template <class Real>
+RebuildReason DualSimplex<Real>::iterate() {
+  while (true) {
+    if (!e_.poll()) return RebuildReason::Limit;
+    const BasisPos p = chooseRow();
+    if (p < 0) return RebuildReason::PossiblyOptimal;
+    e_.priceRow();
+    const VarIndex q = chooseColumn(p);
+    if (q < 0) {
+      troubleRow_ = p;
+      return RebuildReason::PossiblyInfeasible;
+    }
+    const RebuildReason reason = pivot(p, q);
+    if (reason != RebuildReason::None) return reason;
+  }
+}
+
+// The row with the largest infeasibility in the steepest-edge norm. Its multipliers (rho) give the
+// exact weight; a weight found to be far too small goes back to the queue with its true value.
+template <class Real>
+BasisPos DualSimplex<Real>::chooseRow() {
+  while (true) {
+    const BasisPos p = queue_.best();
+    e_.chargeWork(queue_.lastScan());
+    if (p < 0) return -1;
+    e_.unitBtran(p);
+    double exact = 0;
+    for (int k = 0; k < e_.rho.count; ++k) {
+      const double x = static_cast<double>(e_.rho.value[e_.rho.index[k]]);
+      exact += x * x;
+    }
+    const double kept = e_.rowWeight[p];
+    e_.rowWeight[p] = exact;
+    if (kept >= tuning::kWeightAgreement * exact) return p;
+    setInfeasibility(p);
+    if (queue_.best() == p) return p;
+  }
+}
+
+template <class Real>
+RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
+  const Real alphaRow = e_.rowEntry(q);
+  e_.ftranColumn(q, e_.column, true);
+  const Real alpha = e_.column.value[p];
+  const Real difference = fabs(alpha - alphaRow);
+  if (difference > Real(tuning::kPivotAgreement) *
+                       std::max(Real(1e-2), std::min(fabs(alpha), fabs(alphaRow))) &&
+      (e_.updates > 0 || fabs(alpha) < Real(1e-9))) {
+    if (e_.updates == 0) {
+      blocked_[p] = 1;
+      ++blockedCount_;
+      setInfeasibility(p);
+    }
+    return RebuildReason::PivotDisagreement;
+  }
+  const int side = e_.xB[p] < e_.lB[p] ? -1 : 1;
+  applyFlips();
+  SparseVec<Real> &tau = e_.work2;
+  tau.copyFrom(e_.rho);
+  e_.factor.ftran(tau, e_.weightDensity, e_.control->work);
+  e_.updateDensity(e_.weightDensity, tau);
+
+  const Real delta = e_.xB[p] - (side < 0 ? e_.lB[p] : e_.uB[p]);
+  const Real thetaP = delta / alpha;
+  const Real entering = e_.value[q] + thetaP;
+  const VarIndex out = e_.head[p];
+  const UpdateResult updated = e_.changeBasis(q, p, side, alpha);
+  if (updated == UpdateResult::RefactorNow) {
+    if (e_.updates == 0) {
+      blocked_[p] = 1;
+      ++blockedCount_;
+    }
+    return RebuildReason::UnsafeUpdate;
+  }
+  dualObjective_ += thetaD_ * delta;
+  updateWeights(p, alpha);
+  updatePrimal(p, thetaP);
+  updateDuals(thetaD_);
+  e_.dual[q] = 0;
+  e_.dual[out] = -thetaD_;
+  e_.xB[p] = entering;
+  setInfeasibility(p);
+  tau.clear();
+  if (!phaseOne_ && e_.options.cutoff < 1e100 &&
+      static_cast<double>(dualObjective_) > e_.options.cutoff)
+    return RebuildReason::Cutoff;
+  return updated == UpdateResult::RefactorSoon ? RebuildReason::UpdateLimit : RebuildReason::None;
+}
+
+// w_i := w_i - 2 r_i tau_i + r_i^2 w_p with r = column / alpha (Forrest and Goldfarb 1992).
+template <class Real>
+void DualSimplex<Real>::updateWeights(BasisPos p, Real alpha) {
+  const double wp = e_.rowWeight[p];
+  const SparseVec<Real> &column = e_.column, &tau = e_.work2;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    const double r = static_cast<double>(column.value[i] / alpha);
+    if (r == 0 || i == p) continue;
+    const double updated = e_.rowWeight[i] + r * (r * wp - 2 * static_cast<double>(tau.value[i]));
+    e_.rowWeight[i] = std::max(updated, 1e-4);
+  }
+  e_.rowWeight[p] = std::max(wp / static_cast<double>(alpha * alpha), 1e-4);
+  e_.chargeWork(4.0 * count);
+}
+
+template <class Real>
+void DualSimplex<Real>::updatePrimal(BasisPos p, Real thetaP) {
+  const SparseVec<Real> &column = e_.column;
+  if (column.valid()) {
+    for (int k = 0; k < column.count; ++k) {
+      const int i = column.index[k];
+      e_.xB[i] -= thetaP * column.value[i];
+      setInfeasibility(i);
+    }
+  } else {
+    for (int i = 0; i < e_.lp.m; ++i) {
+      if (column.value[i] == Real(0)) continue;
+      e_.xB[i] -= thetaP * column.value[i];
+      setInfeasibility(i);
+    }
+  }
+  e_.chargeWork(4.0 * (column.valid() ? column.count : e_.lp.m));
+}
+
+template <class Real>
+void DualSimplex<Real>::updateDuals(Real thetaD) {
+  if (thetaD == Real(0)) return;
+  for (int k = 0; k < e_.pivotRow.count; ++k) {
+    const int j = e_.pivotRow.index[k];
+    e_.dual[j] -= thetaD * e_.pivotRow.value[j];
+  }
+  for (int k = 0; k < e_.rho.count; ++k) {
+    const int i = e_.rho.index[k];
+    if (e_.position[e_.lp.n + i] < 0) e_.dual[e_.lp.n + i] -= thetaD * e_.rho.value[i];
+  }
+  e_.chargeWork(3.0 * (e_.pivotRow.count + e_.rho.count));
+}
+
+template class DualSimplex<double>;
+
+}  // namespace tarvik

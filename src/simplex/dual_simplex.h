@@ -1,0 +1,74 @@
+// The dual simplex on an Engine: bounded, two-phase, with dual steepest-edge pricing (Forrest and
+// Goldfarb 1992), a bound-flipping ratio test with Harris tolerances (Harris 1973; Fourer 1994;
+// Maros 2003), cost perturbation and shifting (Koberstein 2005), and hyper-sparse updates (Hall
+// and McKinnon 2005).
+//
+// Phase 1 solves the problem with artificial boxes: its optimum is zero exactly when the
+// reduced costs can be made feasible. Phase 2 ends optimal for the working (perturbed, shifted)
+// costs; run() removes those and says whether primal clean-up is needed.
+#pragma once
+
+#include "simplex/engine.h"
+
+namespace tarvik {
+
+template <class Real>
+class DualSimplex {
+ public:
+  explicit DualSimplex(Engine<Real> &engine) : e_(engine) {}
+
+  // From the engine's basis to a verdict; perturb says whether costs may be perturbed.
+  PhaseResult run(bool perturb);
+
+ private:
+  struct Candidate {
+    VarIndex var;
+    Real alpha;  // > 0: size of the pivot row entry in the improving direction
+    Real slack;  // reduced cost in its feasible direction (negative: infeasible within tolerance)
+    Real range;  // width of the box, infinite when it has none
+  };
+
+  PhaseResult phase(bool phaseOne);
+  PhaseResult finishPhaseTwo();
+  PhaseResult verdict(RebuildReason reason, bool phaseOne);
+  bool rebuild(RebuildReason reason, bool phaseOne);
+  RebuildReason iterate();
+  RebuildReason pivot(BasisPos p, VarIndex q);
+
+  void perturbCosts();
+  void installPhaseOneBoxes();
+  // Nonbasic variables to the side their reduced cost asks for; what no flip can mend is shifted
+  // when allowed. Returns the number of infeasibilities that remain.
+  int correctDuals(bool mayShift);
+
+  BasisPos chooseRow();
+  VarIndex chooseColumn(BasisPos p);
+  void collectCandidates(Real sign);
+  int selectBreakGroup(Real slope);
+  void flipGroupsBefore(int group);
+  void applyFlips();
+  void updatePrimal(BasisPos p, Real thetaP);
+  void updateDuals(Real thetaD);
+  void updateWeights(BasisPos p, Real alpha);
+  void setInfeasibility(BasisPos i);
+  void fillQueue();
+
+  Engine<Real> &e_;
+  CandidateQueue queue_;
+  Vec<Candidate> candidates_;
+  Vec<int> groupStart_;
+  Vec<Real> suffixTheta_;
+  Vec<VarIndex> flipped_;
+  Vec<Real> flipDelta_;
+  Vec<char> blocked_;  // rows that may not leave until progress is made
+  int blockedCount_ = 0;
+  Real dualObjective_ = 0;
+  Real thetaD_ = 0;
+  BasisPos troubleRow_ = -1;
+  bool phaseOne_ = false;
+  int disagreements_ = 0;
+};
+
+extern template class DualSimplex<double>;
+
+}  // namespace tarvik

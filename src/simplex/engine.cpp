@@ -1,0 +1,440 @@
+#include "simplex/engine.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simplex/tuning.h"
+
+namespace tarvik {
+
+using std::fabs;
+
+template <class Real>
+void Engine<Real>::load(const LpModel &model) {
+  lp.load(model, options.scaleFlag);
+  const int total = lp.total();
+  randomValue.resize(total);
+  Random random(static_cast<std::uint64_t>(options.seed) + 1);
+  for (double &r : randomValue) r = random.uniform();
+  slackBasis();
+  iterations = 0;
+  workRate = sizeof(Real) > sizeof(double) ? 1.95 : 1.3;
+  if (lp.m > 10000) workRate *= std::sqrt(std::log10(lp.m / 1000.0));
+}
+
+template <class Real>
+void Engine<Real>::slackBasis() {
+  const int total = lp.total(), m = lp.m;
+  lower = lp.lower;
+  upper = lp.upper;
+  cost = lp.cost;
+  head.resize(m);
+  position.assign(total, -1);
+  move.assign(total, 0);
+  value.assign(total, Real(0));
+  dual.assign(total, Real(0));
+  for (int i = 0; i < m; ++i) {
+    head[i] = lp.n + i;
+    position[lp.n + i] = i;
+  }
+  for (int j = 0; j < total; ++j) placeNonbasic(j);
+  xB.assign(m, Real(0));
+  lB.assign(m, Real(0));
+  uB.assign(m, Real(0));
+  rowWeight.assign(m, 1.0);
+  rowWeightsValid = true;
+  factored = false;
+  markowitz = options.markowitzTol;
+  rho.resize(m);
+  column.resize(m);
+  work1.resize(m);
+  work2.resize(m);
+  pivotRow.resize(lp.n);
+  rebuildRows();
+}
+
+template <class Real>
+void Engine<Real>::rebuildRows() {
+  Vec<char> active(lp.n);
+  for (int j = 0; j < lp.n; ++j) active[j] = canEnter(j);
+  rows.build(lp, active);
+  factor.setup(&lp.cols, &lp.value, lp.m);
+  factored = false;
+}
+
+template <class Real>
+void Engine<Real>::placeNonbasic(VarIndex j) {
+  if (position[j] >= 0) {
+    move[j] = 0;
+    return;
+  }
+  const Real lo = lower[j], up = upper[j];
+  if (lo == up) {
+    move[j] = 0;
+    value[j] = lo;
+  } else if (lo == -kRealInf<Real> && up == kRealInf<Real>) {
+    move[j] = 0;
+    if (!std::isfinite(static_cast<double>(value[j]))) value[j] = 0;
+  } else if (lo == -kRealInf<Real>) {
+    move[j] = -1;
+    value[j] = up;
+  } else if (up == kRealInf<Real>) {
+    move[j] = 1;
+    value[j] = lo;
+  } else {
+    // Boxed: keep the side; without one prefer the side that the cost likes, else the one
+    // nearer to zero.
+    if (move[j] == 0) {
+      if (cost[j] != Real(0))
+        move[j] = cost[j] > 0 ? 1 : -1;
+      else
+        move[j] = fabs(lo) <= fabs(up) ? 1 : -1;
+    }
+    value[j] = move[j] > 0 ? lo : up;
+  }
+}
+
+template <class Real>
+void Engine<Real>::resetWorkingBounds() {
+  lower = lp.lower;
+  upper = lp.upper;
+  for (int j = 0; j < lp.total(); ++j) {
+    placeNonbasic(j);
+    syncActive(j);
+  }
+  boundsPerturbed = false;
+  boundShift = ShiftState::None;
+  loadBasicBounds();
+}
+
+template <class Real>
+void Engine<Real>::resetWorkingCosts() {
+  cost = lp.cost;
+  costsPerturbed = false;
+  costShift = ShiftState::None;
+}
+
+template <class Real>
+void Engine<Real>::loadBasicBounds() {
+  for (int i = 0; i < lp.m; ++i) {
+    lB[i] = lower[head[i]];
+    uB[i] = upper[head[i]];
+  }
+}
+
+template <class Real>
+void Engine<Real>::permuteWeights(const Vec<VarIndex> &oldHead) {
+  weightOf_.assign(lp.total(), 1.0);
+  for (int i = 0; i < lp.m; ++i) weightOf_[oldHead[i]] = rowWeight[i];
+  for (int i = 0; i < lp.m; ++i) rowWeight[i] = weightOf_[head[i]];
+}
+
+template <class Real>
+bool Engine<Real>::applyRepair(const SingularRepair &repair) {
+  ++singularRepairs;
+  if (options.logging)
+    control->log->print("Warning: %d variables dropped from basis\n",
+                        static_cast<int>(repair.dropped.size()));
+  for (std::size_t k = 0; k < repair.dropped.size(); ++k) {
+    const VarIndex out = repair.dropped[k];
+    position[out] = -1;
+    move[out] = 0;
+    placeNonbasic(out);
+  }
+  markowitz = std::max(markowitz, singularRepairs > 1 ? 0.9 : 0.5);
+  return singularRepairs <= 99;
+}
+
+template <class Real>
+bool Engine<Real>::refactor() {
+  factor.options().markowitzTol = markowitz;
+  factor.options().pivotTol = options.pivotTol;
+  int limit = options.luInterval;
+  if (limit <= 0) {
+    limit = static_cast<int>(std::pow(double(lp.m), 0.7 - 0.1 * options.numericFocus));
+    limit = std::max(limit, 20);
+    if (options.numericFocus == 1) limit = std::min(limit, 1000);
+    if (options.numericFocus >= 2) limit = std::min(limit, 100);
+  }
+  factor.options().maxUpdates = limit;
+  Vec<VarIndex> oldHead = head;
+  SingularRepair repair;
+  factor.factor(head, repair, control->work);
+  bool ok = true;
+  if (!repair.empty()) ok = applyRepair(repair);
+  for (int i = 0; i < lp.m; ++i) {
+    position[head[i]] = i;
+    move[head[i]] = 0;
+  }
+  if (!repair.empty())
+    for (const VarIndex out : repair.dropped) syncActive(out);
+  for (const RowIndex r : repair.row) dual[head[r]] = 0;
+  permuteWeights(oldHead);
+  loadBasicBounds();
+  factored = true;
+  updates = 0;
+  return ok;
+}
+
+template <class Real>
+void Engine<Real>::computePrimal() {
+  // B xB = -(N xN), all right-hand sides being zero.
+  SparseVec<Real> &rhs = work1;
+  rhs.clear();
+  double touched = lp.total();
+  for (int j = 0; j < lp.total(); ++j) {
+    if (position[j] >= 0 || value[j] == Real(0)) continue;
+    const Real x = value[j];
+    lp.forColumn(j, [&](int i, Real a) {
+      rhs.value[i] -= a * x;
+      touched += 1;
+    });
+  }
+  rhs.rebuild(Real(0));
+  factor.ftran(rhs, 1.0, control->work);
+  for (int i = 0; i < lp.m; ++i) xB[i] = rhs.value[i];
+  rhs.count = -1;
+  rhs.clear();
+  chargeWork(3 * touched);
+}
+
+template <class Real>
+void Engine<Real>::computeDual() {
+  // y = B^-T c_B, d = c - A'y; sparse y lets the row-wise copy do it, but fixed columns are not
+  // in its front part, so their duals are taken as what they are: never needed here.
+  SparseVec<Real> &y = work1;
+  y.clear();
+  for (int i = 0; i < lp.m; ++i)
+    if (cost[head[i]] != Real(0)) y.set(i, cost[head[i]]);
+  if (y.count > lp.m / 4) y.count = -1;
+  factor.btran(y, y.count < 0 ? 1.0 : 0.5, control->work);
+  double touched = lp.total();
+  if (!y.valid() || y.density() > 0.1) {
+    for (int j = 0; j < lp.n; ++j) {
+      if (position[j] >= 0) {
+        dual[j] = 0;
+        continue;
+      }
+      Real sum = cost[j];
+      const NzIndex end = lp.cols.start[j + 1];
+      for (NzIndex k = lp.cols.start[j]; k < end; ++k)
+        sum -= y.value[lp.cols.index[k]] * lp.value[k];
+      touched += static_cast<double>(end - lp.cols.start[j]);
+      dual[j] = sum;
+    }
+  } else {
+    rows.price(y, pivotRow, 1.0, control->work);
+    for (int j = 0; j < lp.n; ++j) dual[j] = position[j] >= 0 ? Real(0) : cost[j];
+    for (int k = 0; k < pivotRow.count; ++k) {
+      const int j = pivotRow.index[k];
+      if (position[j] < 0) dual[j] -= pivotRow.value[j];
+    }
+  }
+  for (int i = 0; i < lp.m; ++i) {
+    const int j = lp.n + i;
+    dual[j] = position[j] >= 0 ? Real(0) : cost[j] - y.value[i];
+  }
+  y.count = -1;
+  y.clear();
+  chargeWork(3 * touched);
+}
+
+template <class Real>
+Real Engine<Real>::dualInfeasibility(VarIndex j) const {
+  if (position[j] >= 0 || lower[j] == upper[j]) return 0;
+  const Real d = dual[j];
+  if (move[j] > 0) return d < 0 ? -d : Real(0);
+  if (move[j] < 0) return d > 0 ? d : Real(0);
+  return fabs(d);
+}
+
+template <class Real>
+Real Engine<Real>::dualInfeasibilitySum(int *count) const {
+  Real sum = 0;
+  int found = 0;
+  for (int j = 0; j < lp.total(); ++j) {
+    const Real violation = dualInfeasibility(j);
+    if (violation > dualTol) {
+      sum += violation;
+      ++found;
+    }
+  }
+  if (count) *count = found;
+  return sum;
+}
+
+template <class Real>
+Real Engine<Real>::primalInfeasibilitySum(int *count) const {
+  Real sum = 0;
+  int found = 0;
+  for (int i = 0; i < lp.m; ++i) {
+    const Real violation = std::max(lB[i] - xB[i], xB[i] - uB[i]);
+    if (violation > primalTol) {
+      sum += violation;
+      ++found;
+    }
+  }
+  if (count) *count = found;
+  return sum;
+}
+
+template <class Real>
+Real Engine<Real>::currentObjective() const {
+  Real sum = lp.offset;
+  for (int i = 0; i < lp.m; ++i) sum += cost[head[i]] * xB[i];
+  for (int j = 0; j < lp.total(); ++j)
+    if (position[j] < 0 && value[j] != Real(0)) sum += cost[j] * value[j];
+  return sum;
+}
+
+template <class Real>
+Real Engine<Real>::trueObjective() const {
+  Real sum = lp.offset;
+  for (int j = 0; j < lp.n; ++j)
+    sum += lp.cost[j] * (position[j] >= 0 ? xB[position[j]] : value[j]);
+  return sum;
+}
+
+template <class Real>
+void Engine<Real>::updateDensity(double &average, const SparseVec<Real> &x) const {
+  average += tuning::kDensityMemory * (x.density() - average);
+}
+
+template <class Real>
+void Engine<Real>::ftranColumn(VarIndex j, SparseVec<Real> &x, bool keepSpike) {
+  x.clear();
+  lp.forColumn(j, [&](int i, Real a) { x.set(i, a); });
+  factor.ftran(x, columnDensity, control->work, keepSpike);
+  updateDensity(columnDensity, x);
+}
+
+template <class Real>
+void Engine<Real>::unitBtran(BasisPos p) {
+  rho.clear();
+  rho.set(p, Real(1));
+  factor.btran(rho, rhoDensity, control->work);
+  if (!rho.valid()) rho.rebuild(Real(1e-14));
+  updateDensity(rhoDensity, rho);
+}
+
+template <class Real>
+void Engine<Real>::priceRow() {
+  rows.price(rho, pivotRow, rowDensity, control->work);
+  updateDensity(rowDensity, pivotRow);
+}
+
+template <class Real>
+UpdateResult Engine<Real>::changeBasis(VarIndex q, BasisPos p, int side, Real alpha) {
+  const UpdateResult result = factor.update(p, alpha, control->work);
+  if (result == UpdateResult::RefactorNow) return result;
+  const VarIndex out = head[p];
+  head[p] = q;
+  position[q] = p;
+  position[out] = -1;
+  move[q] = 0;
+  dual[q] = 0;
+  lB[p] = lower[q];
+  uB[p] = upper[q];
+  if (lower[out] == upper[out]) {
+    move[out] = 0;
+    value[out] = lower[out];
+  } else if (side < 0) {
+    move[out] = 1;
+    value[out] = lower[out];
+  } else {
+    move[out] = -1;
+    value[out] = upper[out];
+  }
+  syncActive(q);
+  syncActive(out);
+  ++updates;
+  ++iterations;
+  return result;
+}
+
+template <class Real>
+void Engine<Real>::shiftCost(VarIndex j, Real amount) {
+  if (amount == Real(0)) return;
+  cost[j] += amount;
+  dual[j] += amount;
+  const ShiftState state =
+      fabs(amount) < Real(0.05) * dualTol ? ShiftState::Small : ShiftState::Large;
+  if (static_cast<int>(state) > static_cast<int>(costShift)) costShift = state;
+}
+
+// Does the combination of rows y really exclude every point within the bounds? y'(A x + s) is
+// identically zero; the proof is that its range over the bounds excludes zero. Noise on
+// variables without the needed bound destroys the proof unless it is negligible.
+template <class Real>
+bool Engine<Real>::proveInfeasible(const SparseVec<Real> &y) {
+  const int total = lp.total();
+  Real largest = 0;
+  for (int i = 0; i < lp.m; ++i) largest = std::max(largest, fabs(y.value[i]));
+  const Real noise = Real(1e-9) * std::max(largest, Real(1));
+  Real low = 0, high = 0, scale = 0;
+  bool lowFinite = true, highFinite = true;
+  for (int j = 0; j < total; ++j) {
+    Real t = 0;
+    lp.forColumn(j, [&](int i, Real a) { t += a * y.value[i]; });
+    if (t == Real(0)) continue;
+    const Real atLower = t > 0 ? lp.lower[j] : lp.upper[j];
+    const Real atUpper = t > 0 ? lp.upper[j] : lp.lower[j];
+    if (std::isfinite(static_cast<double>(atLower))) {
+      low += t * atLower;
+      scale = std::max(scale, fabs(t * atLower));
+    } else if (fabs(t) > noise) {
+      lowFinite = false;
+    }
+    if (std::isfinite(static_cast<double>(atUpper))) {
+      high += t * atUpper;
+      scale = std::max(scale, fabs(t * atUpper));
+    } else if (fabs(t) > noise) {
+      highFinite = false;
+    }
+  }
+  const Real margin = std::max(primalTol, Real(1e-9) * scale);
+  if (!(lowFinite && low > margin) && !(highFinite && high < -margin)) return false;
+  // As multipliers y of the rows a_i x: y'Ax >= ... is violated from below or above alike; the
+  // sign is the one for which sum y_i (a_i x) has its minimum above what the rows allow.
+  certificateRow.assign(lp.m, Real(0));
+  const Real sign = (lowFinite && low > margin) ? Real(1) : Real(-1);
+  for (int i = 0; i < lp.m; ++i) certificateRow[i] = sign * y.value[i];
+  return true;
+}
+
+template <class Real>
+bool Engine<Real>::poll() {
+  stop = control->limits.poll(control->work, iterations);
+  return stop == StopReason::None;
+}
+
+template <class Real>
+void Engine<Real>::logHeader() {
+  if (headerPrinted_ || !options.logging) return;
+  headerPrinted_ = true;
+  control->log->print("Iteration    Objective       Primal Inf.    Dual Inf.      Time\n");
+}
+
+template <class Real>
+void Engine<Real>::log(bool force) {
+  if (!options.logging && !control->progress) return;
+  progress.iterations = iterations;
+  progress.objective = static_cast<double>(trueObjective());
+  progress.primalInfeasibility = static_cast<double>(primalInfeasibilitySum());
+  progress.dualInfeasibility = static_cast<double>(dualInfeasibilitySum());
+  progress.perturbed = std::max(static_cast<int>(costShift), static_cast<int>(boundShift));
+  if (control->progress && !control->progress->onSimplex(progress)) stop = StopReason::Callback;
+  if (!options.logging || iterations == lastLogIteration_) return;
+  const double seconds = control->limits.seconds();
+  if (!force && seconds < nextLogSeconds_) return;
+  logHeader();
+  nextLogSeconds_ = (std::floor(seconds / control->displayInterval) + 1) * control->displayInterval;
+  lastLogIteration_ = iterations;
+  control->log->print(" %7.0f   %14.7e  %13.6e  %13.6e %6.0fs\n", iterations,
+                      logSign * progress.objective, progress.primalInfeasibility,
+                      progress.dualInfeasibility, seconds);
+}
+
+template class Engine<double>;
+
+}  // namespace tarvik

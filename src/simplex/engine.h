@@ -1,0 +1,150 @@
+// The state that the dual and the primal simplex share: the scaled problem with its working
+// bounds and costs, the basis heading with its factors, primal values, reduced costs, edge
+// weights, and the operations that recompute any of them from the others. The algorithms
+// (dual_simplex.h, primal_simplex.h) iterate on it; only a rebuild() refactorises.
+//
+// Invariants: head and position are inverse; a nonbasic variable j has value[j] at the bound that
+// move[j] says: +1 at its lower (may rise), -1 at its upper (may fall), 0 fixed, free or
+// superbasic. Basic values live in xB by basis position, their working bounds in lB and uB.
+#pragma once
+
+#include "base/random.h"
+#include "simplex/candidate_queue.h"
+#include "simplex/lu/factor.h"
+#include "simplex/row_matrix.h"
+#include "simplex/scaled_lp.h"
+#include "simplex/simplex.h"
+
+namespace tarvik {
+
+// Why an algorithm's inner loop ended and a rebuild is due.
+enum class RebuildReason {
+  None,
+  UpdateLimit,         // the factors say that a refactorization pays
+  PossiblyOptimal,     // no candidate left
+  PossiblyInfeasible,  // dual: no entering candidate
+  PossiblyUnbounded,   // primal: no blocking variable
+  PivotDisagreement,   // row and column disagree on the pivot
+  UnsafeUpdate,        // the factor refused the update
+  Cutoff,
+  Limit,  // a limit or a stop request; see Engine::stop
+};
+
+// How a phase of an algorithm ended.
+enum class PhaseResult {
+  Optimal,      // no infeasibility left for the working problem
+  Infeasible,   // dual: proven primal infeasible; primal phase 1: positive optimum
+  Unbounded,    // primal: a ray was found
+  NeedsPrimal,  // dual: go on with the primal simplex
+  NeedsDual,    // primal: go on with the dual simplex
+  Cutoff,
+  Stopped,  // see Engine::stop
+  Trouble,  // numerical; the driver decides
+};
+
+// How far the working costs or bounds are from the true ones.
+enum class ShiftState : int { None = 0, Small = 1, Large = 2 };
+
+template <class Real>
+class Engine {
+ public:
+  // --- problem ---
+  ScaledLp<Real> lp;
+  SimplexOptions options;
+  Vec<Real> lower, upper;                 // working bounds, n + m
+  Vec<Real> cost;                         // working costs, n + m
+  Real primalTol = 1e-6, dualTol = 1e-6;  // in the scaled space
+
+  // --- basis ---
+  Vec<VarIndex> head;      // m
+  Vec<BasisPos> position;  // n + m, -1 when nonbasic
+  Vec<signed char> move;   // n + m
+  Vec<Real> value;         // n + m, of nonbasic variables
+  Vec<Real> dual;          // n + m, reduced costs; 0 for basic variables
+  Vec<Real> xB, lB, uB;    // m
+  Vec<double> rowWeight;   // m, dual steepest-edge weights
+  bool rowWeightsValid = false;
+  Factor<Real> factor;
+  RowMatrix<Real> rows;
+  bool factored = false;
+  int updates = 0;  // basis changes since the factorization
+  double markowitz = 0.0078125;
+  int singularRepairs = 0;
+
+  // --- shared scratch and running densities ---
+  SparseVec<Real> rho;       // BTRAN of a unit vector (pivot row multipliers)
+  SparseVec<Real> pivotRow;  // structurals' part of the pivot row
+  SparseVec<Real> column;    // FTRAN of the entering column
+  SparseVec<Real> work1, work2;
+  double rhoDensity = 0, rowDensity = 0, columnDensity = 0, weightDensity = 0, flipDensity = 0;
+
+  // --- shift bookkeeping ---
+  ShiftState costShift = ShiftState::None;
+  ShiftState boundShift = ShiftState::None;
+  bool costsPerturbed = false, boundsPerturbed = false;
+  Vec<double> randomValue;  // n + m, in [0, 1); fixed for the engine's life
+
+  // --- run state ---
+  SolveControl *control = nullptr;
+  double iterations = 0;
+  StopReason stop = StopReason::None;
+  SimplexProgress progress;
+  Vec<Real> certificateRow;  // dual ray of a proven infeasibility: multipliers by row
+  Vec<Real> rayDirection;    // primal ray, n + m
+
+  void load(const LpModel &model);
+  void slackBasis();
+  // Values and moves of nonbasic variables from the working bounds; keeps sides where possible.
+  void placeNonbasic(VarIndex j);
+  void resetWorkingBounds();  // true bounds into lower/upper; nonbasics follow
+  void resetWorkingCosts();
+  void rebuildRows();
+  bool canEnter(VarIndex j) const { return position[j] < 0 && lower[j] < upper[j]; }
+  void syncActive(VarIndex j) {
+    if (j < lp.n) rows.setActive(j, canEnter(j));
+  }
+
+  // Factors the basis; repairs a singular one. False when it cannot be repaired any more.
+  bool refactor();
+  void computePrimal();
+  void computeDual();
+  void loadBasicBounds();
+  Real primalInfeasibilitySum(int *count = nullptr) const;
+  Real dualInfeasibilitySum(int *count = nullptr) const;
+  Real dualInfeasibility(VarIndex j) const;
+  Real currentObjective() const;  // working costs, scaled space values, offset included
+  Real trueObjective() const;
+
+  void ftranColumn(VarIndex j, SparseVec<Real> &x, bool keepSpike);
+  void unitBtran(BasisPos p);  // rho = e_p' B^-1
+  void priceRow();             // pivotRow from rho
+  // The pivot row's entry for any nonbasic variable.
+  Real rowEntry(VarIndex j) const { return j < lp.n ? pivotRow.value[j] : rho.value[j - lp.n]; }
+
+  // Replaces the basic variable at p by q; the leaving variable goes to its bound by side (-1
+  // lower, +1 upper). Values, duals and weights are the algorithms' business.
+  UpdateResult changeBasis(VarIndex q, BasisPos p, int side, Real alpha);
+
+  void shiftCost(VarIndex j, Real amount);
+  // Checks that y'(A x + s) = 0 cannot hold within the true bounds; keeps y as the certificate.
+  bool proveInfeasible(const SparseVec<Real> &y);
+  bool poll();  // false: stop (reason in `stop`)
+  void chargeWork(double entries) { control->work.charge(entries * workRate); }
+  void log(bool force);
+  void logHeader();
+  void updateDensity(double &average, const SparseVec<Real> &x) const;
+
+  double workRate = 1.3;
+  double logSign = 1;
+
+ private:
+  void permuteWeights(const Vec<VarIndex> &oldHead);
+  bool applyRepair(const SingularRepair &repair);
+  double lastLogIteration_ = -1, nextLogSeconds_ = 0;
+  bool headerPrinted_ = false;
+  Vec<double> weightOf_;  // scratch by variable
+};
+
+extern template class Engine<double>;
+
+}  // namespace tarvik

@@ -1,0 +1,137 @@
+// Ratio tests of the primal simplex. Phase 2: two passes (Harris 1973), the second one taking the
+// largest pivot among rows that block within the tolerance; a row that is already past its bound
+// gets its bound shifted instead of a backward step. Phase 1: the sum of infeasibilities is
+// piecewise linear in the step; breakpoints are passed while its slope stays negative.
+#include <algorithm>
+#include <cmath>
+
+#include "simplex/primal_simplex.h"
+#include "simplex/tuning.h"
+
+namespace tarvik {
+
+using std::fabs;
+
+template <class Real>
+typename PrimalSimplex<Real>::Choice PrimalSimplex<Real>::ratioTest(VarIndex q, Real direction) {
+  const SparseVec<Real> &column = e_.column;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  const Real pivotTol = Real(e_.updates < tuning::kUsedUpdates  ? tuning::kRowPivotTolFresh
+                             : e_.updates < tuning::kOldUpdates ? tuning::kRowPivotTolUsed
+                                                                : tuning::kRowPivotTolOld);
+  const Real tol = e_.primalTol;
+  Real relaxed = kRealInf<Real>;
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    const Real a = direction * column.value[i];
+    if (a > pivotTol) {
+      if (e_.lB[i] != -kRealInf<Real>) relaxed = std::min(relaxed, (e_.xB[i] - e_.lB[i] + tol) / a);
+    } else if (a < -pivotTol) {
+      if (e_.uB[i] != kRealInf<Real>) relaxed = std::min(relaxed, (e_.xB[i] - e_.uB[i] - tol) / a);
+    }
+  }
+  e_.chargeWork(5.0 * count);
+  Choice choice;
+  const Real range = e_.upper[q] - e_.lower[q];
+  if (e_.move[q] != 0 && range <= relaxed && range < kRealInf<Real>) {
+    choice.flip = true;
+    choice.step = range;
+    return choice;
+  }
+  if (relaxed == kRealInf<Real>) return choice;
+  Real largest = 0;
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    const Real a = direction * column.value[i];
+    Real step;
+    int side;
+    if (a > pivotTol && e_.lB[i] != -kRealInf<Real>) {
+      step = (e_.xB[i] - e_.lB[i]) / a;
+      side = -1;
+    } else if (a < -pivotTol && e_.uB[i] != kRealInf<Real>) {
+      step = (e_.xB[i] - e_.uB[i]) / a;
+      side = 1;
+    } else {
+      continue;
+    }
+    if (step > relaxed || fabs(a) <= largest) continue;
+    largest = fabs(a);
+    choice.row = i;
+    choice.side = side;
+    choice.step = std::max(step, Real(0));
+  }
+  return choice;
+}
+
+template <class Real>
+typename PrimalSimplex<Real>::Choice PrimalSimplex<Real>::phaseOneRatioTest(VarIndex q,
+                                                                            Real direction) {
+  const SparseVec<Real> &column = e_.column;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  const Real pivotTol =
+      Real(e_.updates < tuning::kOldUpdates ? tuning::kRowPivotTolFresh : tuning::kRowPivotTolUsed);
+  const Real tol = e_.primalTol;
+  breakpoints_.clear();
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    const Real a = direction * column.value[i];
+    const Real size = fabs(a);
+    if (size <= pivotTol) continue;
+    const Real x = e_.xB[i], lo = e_.lB[i], up = e_.uB[i];
+    if (a > 0) {
+      if (x > up + tol) breakpoints_.push_back({(x - up) / size, size, i, 1});
+      if (x >= lo - tol && lo != -kRealInf<Real>)
+        breakpoints_.push_back({std::max(Real(0), x - lo) / size, size, i, -1});
+    } else {
+      if (x < lo - tol) breakpoints_.push_back({(lo - x) / size, size, i, -1});
+      if (x <= up + tol && up != kRealInf<Real>)
+        breakpoints_.push_back({std::max(Real(0), up - x) / size, size, i, 1});
+    }
+  }
+  e_.chargeWork(5.0 * count);
+  std::sort(breakpoints_.begin(), breakpoints_.end(), [](const Breakpoint &a, const Breakpoint &b) {
+    return a.step != b.step ? a.step < b.step : a.size != b.size ? a.size > b.size : a.row < b.row;
+  });
+  Choice choice;
+  const Real range = e_.move[q] != 0 ? e_.upper[q] - e_.lower[q] : kRealInf<Real>;
+  Real slope = -fabs(e_.dual[q]);
+  Real largest = 0;
+  int last = -1;
+  const int size = static_cast<int>(breakpoints_.size());
+  for (int k = 0; k < size && slope < 0; ++k) {
+    if (breakpoints_[k].step > range) break;
+    slope += breakpoints_[k].size;
+    largest = std::max(largest, breakpoints_[k].size);
+    last = k;
+  }
+  if (slope < 0 && range < kRealInf<Real>) {
+    choice.flip = true;
+    choice.step = range;
+    return choice;
+  }
+  if (last < 0) return choice;
+  int chosen = last;
+  while (chosen > 0 && breakpoints_[chosen].size < Real(0.1) * largest) --chosen;
+  const Breakpoint &point = breakpoints_[chosen];
+  choice.row = point.row;
+  choice.side = point.side;
+  choice.step = point.step;
+  return choice;
+}
+
+// The working bound that a blocking row has passed within the tolerance moves to the row's value,
+// so that the pivot makes no backward step.
+template <class Real>
+void PrimalSimplex<Real>::shiftBoundTo(BasisPos p, int side, Real target) {
+  const VarIndex j = e_.head[p];
+  Real &bound = side < 0 ? e_.lower[j] : e_.upper[j];
+  if (bound == target || e_.lower[j] == e_.upper[j]) return;
+  if ((side < 0 && target > bound) || (side > 0 && target < bound)) return;
+  bound = target;
+  (side < 0 ? e_.lB[p] : e_.uB[p]) = target;
+  if (e_.boundShift == ShiftState::None) e_.boundShift = ShiftState::Small;
+}
+
+template class PrimalSimplex<double>;
+
+}  // namespace tarvik

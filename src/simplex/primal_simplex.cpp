@@ -1,0 +1,363 @@
+#include "simplex/primal_simplex.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simplex/tuning.h"
+
+namespace tarvik {
+
+using std::fabs;
+
+namespace {
+constexpr int kMaxDisagreements = 200;
+constexpr int kRecomputeUpdates = 10;
+// Iterations without a step before the bounds are perturbed.
+constexpr int kStalledIterations = 300;
+}  // namespace
+
+template <class Real>
+PhaseResult PrimalSimplex<Real>::run(bool perturb) {
+  const int total = e_.lp.total();
+  e_.resetWorkingBounds();
+  e_.resetWorkingCosts();
+  queue_.resize(total);
+  weight_.assign(total, 1.0);
+  inReference_.assign(total, 0);
+  costChange_.resize(e_.lp.m);
+  costRow_.resize(e_.lp.n);
+  stalled_ = disagreements_ = 0;
+  resetDevex();
+  if (perturb) perturbBounds();
+  RebuildReason reason = RebuildReason::None;
+  while (true) {
+    if (!rebuild(reason)) return finish(PhaseResult::Trouble);
+    e_.log(false);
+    if (e_.stop != StopReason::None) return finish(PhaseResult::Stopped);
+    const double before = e_.iterations;
+    reason = iterate();
+    if (reason == RebuildReason::UpdateLimit) continue;
+    if (reason == RebuildReason::PivotDisagreement || reason == RebuildReason::UnsafeUpdate) {
+      if (++disagreements_ > kMaxDisagreements) return finish(PhaseResult::Trouble);
+      continue;
+    }
+    if (reason == RebuildReason::Limit) return finish(PhaseResult::Stopped);
+    if (e_.iterations != before) continue;
+    if (e_.boundsPerturbed && (phaseOne_ || reason == RebuildReason::PossiblyUnbounded)) {
+      // A verdict other than "optimal" must hold for the true bounds.
+      e_.resetWorkingBounds();
+      continue;
+    }
+    return finish(verdict(reason));
+  }
+}
+
+template <class Real>
+PhaseResult PrimalSimplex<Real>::verdict(RebuildReason reason) {
+  if (reason == RebuildReason::PossiblyUnbounded) {
+    if (phaseOne_) return PhaseResult::Trouble;
+    e_.rayDirection.assign(e_.lp.total(), Real(0));
+    e_.rayDirection[rayVar_] = rayDirection_;
+    for (int i = 0; i < e_.lp.m; ++i)
+      e_.rayDirection[e_.head[i]] = -rayDirection_ * e_.column.value[i];
+    return PhaseResult::Unbounded;
+  }
+  if (!phaseOne_) return PhaseResult::Optimal;
+  SparseVec<Real> &y = e_.work1;
+  y.clear();
+  for (int i = 0; i < e_.lp.m; ++i)
+    if (e_.cost[e_.head[i]] != Real(0)) y.set(i, e_.cost[e_.head[i]]);
+  e_.factor.btran(y, 1.0, e_.control->work);
+  const bool proven = e_.proveInfeasible(y);
+  y.count = -1;
+  y.clear();
+  return proven ? PhaseResult::Infeasible : PhaseResult::Trouble;
+}
+
+// Leaves the engine with true costs and bounds; an optimum that needs the dual says so.
+template <class Real>
+PhaseResult PrimalSimplex<Real>::finish(PhaseResult result) {
+  e_.resetWorkingCosts();
+  const bool shifted = e_.boundsPerturbed || e_.boundShift != ShiftState::None;
+  if (!shifted) {
+    if (phaseOne_) e_.computeDual();
+    return result;
+  }
+  e_.resetWorkingBounds();
+  e_.computePrimal();
+  e_.computeDual();
+  if (result != PhaseResult::Optimal) return result;
+  int count = 0;
+  e_.primalInfeasibilitySum(&count);
+  return count > 0 ? PhaseResult::NeedsDual : PhaseResult::Optimal;
+}
+
+template <class Real>
+bool PrimalSimplex<Real>::rebuild(RebuildReason reason) {
+  const bool verdictPending =
+      reason == RebuildReason::PossiblyOptimal || reason == RebuildReason::PossiblyUnbounded;
+  if (!e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
+                       !(verdictPending && e_.updates < kRecomputeUpdates))) {
+    if (reason == RebuildReason::UnsafeUpdate || reason == RebuildReason::PivotDisagreement)
+      if (disagreements_ > 3) e_.markowitz = std::min(0.5, e_.markowitz * 2);
+    if (!e_.refactor()) return false;
+  }
+  e_.loadBasicBounds();
+  e_.computePrimal();
+  phaseOne_ = false;
+  for (int i = 0; i < e_.lp.m && !phaseOne_; ++i) phaseOne_ = phaseOneCost(i) != 0;
+  if (phaseOne_) {
+    e_.cost.assign(e_.lp.total(), Real(0));
+    for (int i = 0; i < e_.lp.m; ++i) e_.cost[e_.head[i]] = Real(phaseOneCost(i));
+  } else {
+    e_.cost = e_.lp.cost;
+  }
+  e_.computeDual();
+  fillQueue();
+  return true;
+}
+
+template <class Real>
+int PrimalSimplex<Real>::phaseOneCost(BasisPos i) const {
+  if (e_.xB[i] < e_.lB[i] - e_.primalTol) return -1;
+  if (e_.xB[i] > e_.uB[i] + e_.primalTol) return 1;
+  return 0;
+}
+
+template <class Real>
+void PrimalSimplex<Real>::perturbBounds() {
+  e_.boundsPerturbed = true;
+  e_.boundShift = ShiftState::Large;
+  const double base = tuning::kBoundPerturbation;
+  for (int j = 0; j < e_.lp.total(); ++j) {
+    if (e_.lower[j] == e_.upper[j]) continue;
+    const double r = base * (1.0 + e_.randomValue[j]);
+    if (e_.lower[j] != -kRealInf<Real>)
+      e_.lower[j] -= Real(r) * std::max(Real(1), fabs(e_.lower[j]));
+    if (e_.upper[j] != kRealInf<Real>)
+      e_.upper[j] += Real(r) * std::max(Real(1), fabs(e_.upper[j]));
+    e_.placeNonbasic(j);
+  }
+}
+
+template <class Real>
+void PrimalSimplex<Real>::setDualMerit(VarIndex j) {
+  const Real violation = e_.dualInfeasibility(j);
+  queue_.set(
+      j, violation > e_.dualTol ? static_cast<double>(violation * violation) / weight_[j] : 0.0);
+}
+
+template <class Real>
+void PrimalSimplex<Real>::fillQueue() {
+  for (int j = 0; j < e_.lp.total(); ++j) setDualMerit(j);
+  e_.chargeWork(3.0 * e_.lp.total());
+}
+
+template <class Real>
+void PrimalSimplex<Real>::resetDevex() {
+  devexErrors_ = 0;
+  for (int j = 0; j < e_.lp.total(); ++j) {
+    weight_[j] = 1.0;
+    inReference_[j] = e_.position[j] < 0;
+  }
+}
+
+template <class Real>
+RebuildReason PrimalSimplex<Real>::iterate() {
+  while (true) {
+    if (!e_.poll()) return RebuildReason::Limit;
+    const VarIndex q = queue_.best();
+    e_.chargeWork(queue_.lastScan());
+    if (q < 0) return RebuildReason::PossiblyOptimal;
+    e_.ftranColumn(q, e_.column, true);
+    if (!enteringDualAgrees(q)) {
+      if (e_.updates > 0) return RebuildReason::PivotDisagreement;
+      continue;
+    }
+    const RebuildReason reason = step(q);
+    if (reason != RebuildReason::None) return reason;
+    if (!e_.boundsPerturbed && stalled_ > kStalledIterations) {
+      stalled_ = 0;
+      perturbBounds();
+      return RebuildReason::UpdateLimit;
+    }
+  }
+}
+
+// The reduced cost from the transformed column against the updated one. Takes the exact value;
+// false when it is no longer attractive.
+template <class Real>
+bool PrimalSimplex<Real>::enteringDualAgrees(VarIndex q) {
+  Real exact = e_.cost[q];
+  const SparseVec<Real> &column = e_.column;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    exact -= e_.cost[e_.head[i]] * column.value[i];
+  }
+  e_.dual[q] = exact;
+  setDualMerit(q);
+  return queue_.merit(q) > 0;
+}
+
+template <class Real>
+RebuildReason PrimalSimplex<Real>::step(VarIndex q) {
+  const Real direction = e_.dual[q] < 0 ? Real(1) : Real(-1);
+  const Choice choice = phaseOne_ ? phaseOneRatioTest(q, direction) : ratioTest(q, direction);
+  if (choice.flip) {
+    movePrimal(direction * choice.step);
+    e_.move[q] = static_cast<signed char>(-e_.move[q]);
+    e_.value[q] = e_.move[q] > 0 ? e_.lower[q] : e_.upper[q];
+    if (phaseOne_) updatePhaseOneCosts(-1);
+    setDualMerit(q);
+    ++e_.iterations;
+    stalled_ = 0;
+    return RebuildReason::None;
+  }
+  if (choice.row < 0) {
+    rayVar_ = q;
+    rayDirection_ = direction;
+    return RebuildReason::PossiblyUnbounded;
+  }
+  const BasisPos p = choice.row;
+  const Real alpha = e_.column.value[p];
+  e_.unitBtran(p);
+  e_.priceRow();
+  if (fabs(e_.rowEntry(q) - alpha) >
+          Real(tuning::kPivotAgreement) * std::max(Real(1e-2), fabs(alpha)) &&
+      e_.updates > 0)
+    return RebuildReason::PivotDisagreement;
+  const VarIndex out = e_.head[p];
+  if (choice.step == Real(0)) {
+    shiftBoundTo(p, choice.side, e_.xB[p]);
+    ++stalled_;
+  } else {
+    stalled_ = 0;
+  }
+  const Real entering = e_.value[q] + direction * choice.step;
+  movePrimal(direction * choice.step);
+  if (phaseOne_) updatePhaseOneCosts(p);
+  updateDuals(q, p, alpha);
+  updateDevex(q, p, alpha, out);
+  const Real leavingDual = e_.dual[out];
+  const UpdateResult updated = e_.changeBasis(q, p, choice.side, alpha);
+  if (updated == UpdateResult::RefactorNow) {
+    if (e_.updates == 0) {
+      weight_[q] = std::max(weight_[q], 1.0) * 1e6;
+      e_.markowitz = std::min(0.9, e_.markowitz * 4);
+    }
+    return RebuildReason::UnsafeUpdate;
+  }
+  e_.dual[out] = leavingDual;
+  e_.xB[p] = entering;
+  if (phaseOne_) e_.cost[q] = 0;
+  queue_.set(q, 0);
+  setDualMerit(out);
+  return updated == UpdateResult::RefactorSoon ? RebuildReason::UpdateLimit : RebuildReason::None;
+}
+
+template <class Real>
+void PrimalSimplex<Real>::movePrimal(Real signedStep) {
+  const SparseVec<Real> &column = e_.column;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  if (signedStep != Real(0)) {
+    for (int k = 0; k < count; ++k) {
+      const int i = column.valid() ? column.index[k] : k;
+      e_.xB[i] -= signedStep * column.value[i];
+    }
+  }
+  e_.chargeWork(3.0 * count);
+}
+
+// Basic variables that became feasible or infeasible change the phase-1 cost; the reduced costs
+// follow by one more BTRAN and price with the change. The leaving variable's cost becomes 0.
+template <class Real>
+void PrimalSimplex<Real>::updatePhaseOneCosts(BasisPos leavingRow) {
+  const SparseVec<Real> &column = e_.column;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  costChange_.clear();
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    if (column.value[i] == Real(0)) continue;
+    const Real wanted = i == leavingRow ? Real(0) : Real(phaseOneCost(i));
+    Real &kept = e_.cost[e_.head[i]];
+    if (wanted == kept) continue;
+    costChange_.set(i, wanted - kept);
+    kept = wanted;
+  }
+  e_.chargeWork(3.0 * count);
+  if (costChange_.count == 0) return;
+  e_.factor.btran(costChange_, e_.rhoDensity, e_.control->work);
+  if (!costChange_.valid()) costChange_.rebuild(Real(1e-14));
+  e_.rows.price(costChange_, costRow_, e_.rowDensity, e_.control->work);
+  for (int k = 0; k < costRow_.count; ++k) {
+    const int j = costRow_.index[k];
+    e_.dual[j] -= costRow_.value[j];
+    setDualMerit(j);
+  }
+  for (int k = 0; k < costChange_.count; ++k) {
+    const VarIndex j = e_.lp.n + costChange_.index[k];
+    if (e_.position[j] >= 0) continue;
+    e_.dual[j] -= costChange_.value[costChange_.index[k]];
+    setDualMerit(j);
+  }
+  e_.chargeWork(5.0 * (costRow_.count + costChange_.count));
+}
+
+template <class Real>
+void PrimalSimplex<Real>::updateDuals(VarIndex q, BasisPos p, Real alpha) {
+  const Real thetaD = e_.dual[q] / alpha;
+  for (int k = 0; k < e_.pivotRow.count; ++k) {
+    const int j = e_.pivotRow.index[k];
+    e_.dual[j] -= thetaD * e_.pivotRow.value[j];
+  }
+  for (int k = 0; k < e_.rho.count; ++k) {
+    const int i = e_.rho.index[k];
+    if (e_.position[e_.lp.n + i] < 0) e_.dual[e_.lp.n + i] -= thetaD * e_.rho.value[i];
+  }
+  e_.dual[e_.head[p]] = -thetaD;
+}
+
+// Devex reference weights, with the exact reference weight of the entering variable; too many
+// large errors start a new reference framework.
+template <class Real>
+void PrimalSimplex<Real>::updateDevex(VarIndex q, BasisPos p, Real alpha, VarIndex out) {
+  const SparseVec<Real> &column = e_.column;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  double exact = inReference_[q];
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    if (inReference_[e_.head[i]]) {
+      const double a = static_cast<double>(column.value[i]);
+      exact += a * a;
+    }
+  }
+  exact = std::max(exact, 1.0);
+  if (weight_[q] > tuning::kDevexErrorFactor * exact) ++devexErrors_;
+  const double pivotWeight = exact / static_cast<double>(alpha * alpha);
+  const auto raise = [&](VarIndex j, Real entry) {
+    const double a = static_cast<double>(entry);
+    weight_[j] = std::max(weight_[j], a * a * pivotWeight + inReference_[j]);
+    setDualMerit(j);
+  };
+  for (int k = 0; k < e_.pivotRow.count; ++k) {
+    const int j = e_.pivotRow.index[k];
+    raise(j, e_.pivotRow.value[j]);
+  }
+  for (int k = 0; k < e_.rho.count; ++k) {
+    const int i = e_.rho.index[k];
+    const VarIndex j = e_.lp.n + i;
+    if (e_.canEnter(j)) raise(j, e_.rho.value[i]);
+  }
+  weight_[out] = std::max(1.0, pivotWeight);
+  weight_[q] = 1.0;
+  e_.chargeWork(5.0 * (e_.pivotRow.count + e_.rho.count) + 3.0 * count);
+  if (devexErrors_ > tuning::kDevexMaxErrors) {
+    resetDevex();
+    fillQueue();
+  }
+}
+
+template class PrimalSimplex<double>;
+
+}  // namespace tarvik

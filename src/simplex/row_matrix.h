@@ -1,0 +1,44 @@
+// The row-wise copy of the scaled matrix for forming pivot rows. Each row is partitioned: the
+// entries of columns that can enter the basis (nonbasic and not fixed) stand first, the others
+// behind, so that a pivot row never touches what the ratio test would skip. Two cross-reference
+// arrays between the column-wise and the row-wise copy make a basis change cost O(column length).
+#pragma once
+
+#include "base/solve_control.h"
+#include "simplex/scaled_lp.h"
+#include "simplex/sparse_vec.h"
+
+namespace tarvik {
+
+template <class Real>
+class RowMatrix {
+ public:
+  // Copies the matrix; active[j] says whether column j belongs to the front part.
+  void build(const ScaledLp<Real> &lp, const Vec<char> &active);
+  // Moves a column's entries to the front (active) or back part of their rows.
+  void setActive(ColIndex j, bool active);
+  bool isActive(ColIndex j) const { return active_[j] != 0; }
+
+  // row = rho' A over the active columns. Rows of A when rho is sparse, columns otherwise.
+  void price(const SparseVec<Real> &rho, SparseVec<Real> &row, double expectedDensity,
+             WorkMeter &work) const;
+
+ private:
+  void priceByRows(const SparseVec<Real> &rho, SparseVec<Real> &row, bool keepList,
+                   WorkMeter &work) const;
+  void priceByCols(const SparseVec<Real> &rho, SparseVec<Real> &row, WorkMeter &work) const;
+  void swapEntries(NzIndex a, NzIndex b);
+
+  const ScaledLp<Real> *lp_ = nullptr;
+  Vec<NzIndex> start_, activeEnd_;  // per row: begin, and end of its active part
+  Vec<int> col_;
+  Vec<Real> value_;
+  Vec<NzIndex> place_;   // column-wise entry -> row-wise entry
+  Vec<NzIndex> origin_;  // row-wise entry -> column-wise entry
+  Vec<char> active_;
+};
+
+extern template class RowMatrix<double>;
+extern template class RowMatrix<long double>;
+
+}  // namespace tarvik

@@ -1,0 +1,53 @@
+// The problem inside the engine: a scaled copy of an LpModel in computational form
+//   min cost'x   subject to   A x + s = 0,   lower <= (x, s) <= upper,
+// where s_i = -(row activity) is the logical of row i, variable n + i. With x' = x / colScale and
+// A' = rowScale A colScale all of it scales consistently; the logical of row i scales by
+// 1 / rowScale_i. Bounds beyond kInfBound become +-infinity of Real.
+#pragma once
+
+#include <limits>
+
+#include "lp/lp_model.h"
+
+namespace tarvik {
+
+template <class Real>
+inline constexpr Real kRealInf = std::numeric_limits<Real>::infinity();
+
+template <class Real>
+class ScaledLp {
+ public:
+  int m = 0, n = 0;
+  SparseMatrix cols;             // pattern by columns; its value array is unused
+  Vec<Real> value;               // scaled values, parallel to cols.index
+  Vec<Real> lower, upper, cost;  // n + m entries
+  Vec<double> colScale, rowScale;
+  double offset = 0;
+
+  int total() const { return n + m; }
+
+  void load(const LpModel &lp, int scaleFlag);
+  void setColBounds(ColIndex col, double lo, double up);
+  void setRowBounds(RowIndex row, double lo, double up);
+  void setCost(ColIndex col, double c) { cost[col] = Real(c) * Real(colScale[col]); }
+  void addRows(int count, const NzIndex *start, const int *index, const double *val,
+               const double *lo, const double *up);
+  void deleteRows(const Vec<char> &mark);
+
+  // The factor from a variable's scaled value to its user value: x = scale * x'.
+  double varScale(VarIndex j) const { return j < n ? colScale[j] : 1.0 / rowScale[j - n]; }
+  // Applies a function to every entry (row, value) of a variable's column.
+  template <class F>
+  void forColumn(VarIndex j, F &&f) const {
+    if (j >= n) {
+      f(j - n, Real(1));
+      return;
+    }
+    for (NzIndex k = cols.start[j]; k < cols.start[j + 1]; ++k) f(cols.index[k], value[k]);
+  }
+};
+
+extern template class ScaledLp<double>;
+extern template class ScaledLp<long double>;
+
+}  // namespace tarvik

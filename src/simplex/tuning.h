@@ -1,0 +1,46 @@
+// Tuned constants of the simplex engine, each with what it trades.
+#pragma once
+
+namespace tarvik::tuning {
+
+// Weight of the newest solve in the running averages of result densities.
+inline constexpr double kDensityMemory = 0.05;
+
+// Pivots of row and column must agree to this relative difference; a larger one means that the
+// factors have lost accuracy and asks for a refactorization.
+inline constexpr double kPivotAgreement = 1e-7;
+
+// An updated steepest-edge weight is believed while it is at least this share of the exact one.
+inline constexpr double kWeightAgreement = 0.25;
+
+// Smallest entry of the dual pivot row that may become a pivot, by updates since factorization:
+// fresh factors allow smaller pivots.
+inline constexpr double kRowPivotTolFresh = 1e-9;
+inline constexpr double kRowPivotTolUsed = 3e-8;
+inline constexpr double kRowPivotTolOld = 1e-6;
+inline constexpr int kUsedUpdates = 10, kOldUpdates = 20;
+
+// Base of the cost perturbation relative to the (damped) largest cost; larger values remove more
+// degeneracy and leave more clean-up work.
+inline constexpr double kCostPerturbation = 5e-7;
+// PerturbValue at which the base applies unchanged.
+inline constexpr double kDefaultPerturbValue = 2e-4;
+
+// Bounds of the phase-1 problem: [-kFreeBox, kFreeBox] for free variables, [0, 1] and [-1, 0] for
+// one-sided ones.
+inline constexpr double kFreeBox = 1000.0;
+
+// Relative size of the random bound perturbation of the primal simplex.
+inline constexpr double kBoundPerturbation = 5e-7;
+
+// Devex weights are reset when an exact reference weight exceeds the kept one by this factor too
+// often (errors of the framework), see the primal simplex.
+inline constexpr double kDevexErrorFactor = 3.0;
+inline constexpr int kDevexMaxErrors = 25;
+
+// Rounds of "solve, remove perturbation, clean up" before the solve goes on without perturbation.
+inline constexpr int kMaxPerturbedRounds = 3;
+// Rounds in all before numerical trouble is reported.
+inline constexpr int kMaxRounds = 40;
+
+}  // namespace tarvik::tuning
