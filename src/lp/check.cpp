@@ -161,13 +161,19 @@ double farkasViolation(const LpModel &lp, const Vec<double> &farkas, double drop
     if (!std::isfinite(y)) return 0;
     largest = std::max(largest, std::fabs(y));
   }
-  Vec<double> ray(farkas);
-  for (double &y : ray)
-    if (std::fabs(y) < dropTol * largest) y = 0;
-  const double asRay = dualRayGap(lp, ray);
-  if (asRay > 0) return asRay;
-  for (double &y : ray) y = -y;
-  return std::max(asRay, dualRayGap(lp, ray));
+  // As it is first: with badly scaled rows small multipliers may matter. Then without noise.
+  double best = 0;
+  for (const double tol : {0.0, dropTol}) {
+    Vec<double> ray(farkas);
+    for (double &y : ray)
+      if (std::fabs(y) < tol * largest) y = 0;
+    best = std::max(best, dualRayGap(lp, ray));
+    if (best > 0) return best;
+    for (double &y : ray) y = -y;
+    best = std::max(best, dualRayGap(lp, ray));
+    if (best > 0) return best;
+  }
+  return best;
 }
 
 double rayImprovement(const LpModel &lp, const Vec<double> &ray, double tol) {

@@ -23,7 +23,8 @@ void DualSimplex<Real>::collectCandidates(Real sign) {
     const int move = e_.move[j];
     const Real alpha = move != 0 ? sign * entry * Real(move) : fabs(entry);
     if (alpha <= pivotTol) return;
-    const Real slack = move != 0 ? e_.dual[j] * Real(move) : Real(0);
+    // Drift beyond the tolerance counts as the tolerance, so that no ratio is negative.
+    const Real slack = move != 0 ? std::max(e_.dual[j] * Real(move), -e_.dualTol) : Real(0);
     candidates_.push_back({j, alpha, slack, e_.upper[j] - e_.lower[j]});
   };
   for (int k = 0; k < e_.pivotRow.count; ++k) {

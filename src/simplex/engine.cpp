@@ -362,43 +362,72 @@ void Engine<Real>::shiftCost(VarIndex j, Real amount) {
   if (static_cast<int>(state) > static_cast<int>(costShift)) costShift = state;
 }
 
+// Takes the rounding noise out of y on the basic variables, where y'(A x + s) should have zeros:
+// one step of refinement with the residual in extended precision.
+template <class Real>
+void Engine<Real>::refineRow(Vec<Real> &y) {
+  SparseVec<Real> &residual = work2;
+  for (int step = 0; step < 2; ++step) {
+    residual.clear();
+    for (int i = 0; i < lp.m; ++i) {
+      const VarIndex j = head[i];
+      long double t = 0;
+      lp.forColumn(j, [&](int r, Real a) {
+        t += static_cast<long double>(a) * static_cast<long double>(y[r]);
+      });
+      // The one basic variable that the row belongs to keeps its entry.
+      if (t != 0 && std::fabs(static_cast<double>(t)) < 1e-6) residual.value[i] = Real(-t);
+    }
+    residual.rebuild(Real(0));
+    factor.btran(residual, 1.0, control->work);
+    for (int i = 0; i < lp.m; ++i) y[i] += residual.value[i];
+    residual.count = -1;
+    residual.clear();
+  }
+}
+
 // Does the combination of rows y really exclude every point within the bounds? y'(A x + s) is
 // identically zero; the proof is that its range over the bounds excludes zero. Noise on
 // variables without the needed bound destroys the proof unless it is negligible.
 template <class Real>
-bool Engine<Real>::proveInfeasible(const SparseVec<Real> &y) {
+bool Engine<Real>::proveInfeasible(const SparseVec<Real> &multipliers) {
   const int total = lp.total();
   Real largest = 0;
-  for (int i = 0; i < lp.m; ++i) largest = std::max(largest, fabs(y.value[i]));
-  const Real noise = Real(1e-9) * std::max(largest, Real(1));
-  Real low = 0, high = 0, scale = 0;
+  for (int i = 0; i < lp.m; ++i) largest = std::max(largest, fabs(multipliers.value[i]));
+  if (!(largest > 0) || !std::isfinite(static_cast<double>(largest))) return false;
+  Vec<Real> y(lp.m);
+  for (int i = 0; i < lp.m; ++i) y[i] = multipliers.value[i];
+  refineRow(y);
+  const Real noise = Real(1e-9) * largest;
+  long double low = 0, high = 0, size = 0;
   bool lowFinite = true, highFinite = true;
   for (int j = 0; j < total; ++j) {
-    Real t = 0;
-    lp.forColumn(j, [&](int i, Real a) { t += a * y.value[i]; });
-    if (t == Real(0)) continue;
-    const Real atLower = t > 0 ? lp.lower[j] : lp.upper[j];
-    const Real atUpper = t > 0 ? lp.upper[j] : lp.lower[j];
-    if (std::isfinite(static_cast<double>(atLower))) {
+    long double t = 0;
+    lp.forColumn(j, [&](int i, Real a) {
+      t += static_cast<long double>(a) * static_cast<long double>(y[i]);
+    });
+    if (t == 0) continue;
+    const double atLower = static_cast<double>(t > 0 ? lp.lower[j] : lp.upper[j]);
+    const double atUpper = static_cast<double>(t > 0 ? lp.upper[j] : lp.lower[j]);
+    if (std::isfinite(atLower)) {
       low += t * atLower;
-      scale = std::max(scale, fabs(t * atLower));
-    } else if (fabs(t) > noise) {
+      size += std::fabs(t * atLower);
+    } else if (std::fabs(t) > noise) {
       lowFinite = false;
     }
-    if (std::isfinite(static_cast<double>(atUpper))) {
+    if (std::isfinite(atUpper)) {
       high += t * atUpper;
-      scale = std::max(scale, fabs(t * atUpper));
-    } else if (fabs(t) > noise) {
+      size += std::fabs(t * atUpper);
+    } else if (std::fabs(t) > noise) {
       highFinite = false;
     }
   }
-  const Real margin = std::max(primalTol, Real(1e-9) * scale);
+  const long double margin =
+      std::max(static_cast<long double>(Real(0.5) * primalTol), 1e-13L * size);
   if (!(lowFinite && low > margin) && !(highFinite && high < -margin)) return false;
-  // As multipliers y of the rows a_i x: y'Ax >= ... is violated from below or above alike; the
-  // sign is the one for which sum y_i (a_i x) has its minimum above what the rows allow.
-  certificateRow.assign(lp.m, Real(0));
-  const Real sign = (lowFinite && low > margin) ? Real(1) : Real(-1);
-  for (int i = 0; i < lp.m; ++i) certificateRow[i] = sign * y.value[i];
+  certificateRow = y;
+  if (!(lowFinite && low > margin))
+    for (Real &entry : certificateRow) entry = -entry;
   return true;
 }
 

@@ -138,6 +138,7 @@ class Engine {
   double logSign = 1;
 
  private:
+  void refineRow(Vec<Real> &y);
   void permuteWeights(const Vec<VarIndex> &oldHead);
   bool applyRepair(const SingularRepair &repair);
   double lastLogIteration_ = -1, nextLogSeconds_ = 0;
