@@ -97,6 +97,8 @@ int Env::effectiveThreads() const {
   return std::max(1, std::min(threads, state_->parallelCap));
 }
 
+const ThreadFunctions &Env::threadFunctions() const { return state_->threadFunctions; }
+
 int checkEnv(const TVKenv *env) {
   if (!env) return TVK_ERROR_NULL_ARGUMENT;
   if (env->marker() != kEnvMarker) return TVK_ERROR_INVALID_ARGUMENT;

@@ -11,6 +11,7 @@
 #include "base/error.h"
 #include "base/memory.h"
 #include "base/solve_control.h"
+#include "base/thread.h"
 #include "env/param_store.h"
 #include "tarvik.h"
 
@@ -79,6 +80,7 @@ class Env : public AccountAllocated {
   int logicalProcessors() const;
   int physicalCores() const;
   int effectiveThreads() const;
+  const ThreadFunctions &threadFunctions() const;
 
   EnvState &state() const { return *state_; }
   std::uint32_t marker() const { return marker_; }

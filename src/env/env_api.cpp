@@ -3,6 +3,7 @@
 
 #include "env/env_lifecycle.h"
 #include "env/exported_call.h"
+#include "env/module_hooks.h"
 #include "env/param_set.h"
 
 using namespace tarvik;
@@ -29,6 +30,20 @@ EnvOptions optionsOf(int apitype, int major, int minor, int technical) {
   options.technical = technical;
   return options;
 }
+
+// A user callback that is installed while an environment is loaded.
+class StartCallbackScope {
+ public:
+  StartCallbackScope(Env &env, TVKcallback callback, void *userData) : env_(env) {
+    if (callback) installUserCallback(env, callback, userData);
+  }
+  ~StartCallbackScope() { clearUserCallback(env_); }
+  StartCallbackScope(const StartCallbackScope &) = delete;
+  StartCallbackScope &operator=(const StartCallbackScope &) = delete;
+
+ private:
+  Env &env_;
+};
 
 void setStrIfGiven(Env &env, Str id, const char *value) {
   if (value) setStrParam(env, static_cast<int>(id), value, false);
@@ -80,6 +95,7 @@ int TVKloadenvadv(TVKenv **envP, const char *logfilename, int apitype, int major
     EnvState &state = env.state();
     state.log.callback = logcb;
     state.log.userData = logcbdata;
+    const StartCallbackScope callback(env, cb, cbdata);
     setLogFile(env, logfilename);
     setStrIfGiven(env, Str::ComputeServer, server);
     setStrIfGiven(env, Str::CSRouter, router);
@@ -105,13 +121,10 @@ int TVKfreeenv(TVKenv *env) {
   if (!env) return 0;
   if (const int code = checkEnv(env)) return code;
   env->clearErrorAtEntry();
-  try {
-    freeCallersEnv(env);
-    return 0;
-  } catch (const Error &error) {
-    env->recordError(error.code(), false, "%s", error.what());
-    return env->finishCall(error.code());
-  }
+  const char *refusal = freeCallersEnv(env);
+  if (!refusal) return 0;
+  env->recordError(TVK_ERROR_INVALID_ARGUMENT, false, "%s", refusal);
+  return env->finishCall(TVK_ERROR_INVALID_ARGUMENT);
 }
 
 int TVKcopyparams(TVKenv *dest, TVKenv *src) {

@@ -21,7 +21,7 @@ void destroyEnv(TVKenv *env) noexcept {
   EnvState &state = env->state();
   MemoryAccount *root = env->isMaster() ? state.root : nullptr;
   if (state.record.hooks) state.record.hooks->release(state.record.context);
-  if (state.callback.hooks) state.callback.hooks->release(state.callback.context);
+  clearUserCallback(*env);
   restoreInterrupt(*env);
   closeLogFile(*env);
   if (root) finishMaster(state);
@@ -38,7 +38,7 @@ void discardAllChildren(EnvState &state) noexcept {
 
 // Subtracts one from the master's count; true when nobody holds it any more.
 bool dropReference(EnvState &master) noexcept {
-  std::lock_guard lock(master.mutex);
+  const std::lock_guard lock(master.mutex);
   return --master.references == 0;
 }
 
@@ -98,7 +98,7 @@ TVKenv *copyEnv(Env &source, bool withLog) {
   auto *copy = new TVKenv(state.get(), source.params());
   state.release();
   {
-    std::lock_guard lock(master.mutex);
+    const std::lock_guard lock(master.mutex);
     ++master.references;
   }
   try {
@@ -127,17 +127,22 @@ void releaseEnv(TVKenv *env) noexcept {
   if (last) destroyEnv(master);
 }
 
-void freeCallersEnv(TVKenv *env) {
-  if (!env->isMaster())
-    throw Error(TVK_ERROR_INVALID_ARGUMENT, "Environment belongs to a model and is freed with it");
+const char *freeCallersEnv(TVKenv *env) noexcept {
+  if (!env->isMaster()) return "Environment copies are freed with the object they belong to";
   {
     EnvState &state = env->state();
-    std::lock_guard lock(state.mutex);
-    if (state.callerReleased)
-      throw Error(TVK_ERROR_INVALID_ARGUMENT, "Environment has already been freed");
+    const std::lock_guard lock(state.mutex);
+    if (state.callerReleased) return "Environment has already been freed";
     state.callerReleased = true;
   }
   releaseEnv(env);
+  return nullptr;
+}
+
+void clearUserCallback(Env &env) noexcept {
+  CallbackSlot &slot = env.state().callback;
+  if (slot.hooks) slot.hooks->release(slot.context);
+  slot = {};
 }
 
 TVKenv *childEnv(Env &parent, ChildList &list, int index) {

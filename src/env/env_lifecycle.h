@@ -28,8 +28,11 @@ int nextFreeIndex(const ChildList &list);
 void discardChild(ChildList &list, int index) noexcept;
 void discardChildEnvs(ChildList &list) noexcept;
 
-// Free of the caller's handle on a master. Throws Error for a copy, which belongs to its model,
-// and for a master that the caller has freed before.
-void freeCallersEnv(TVKenv *env);
+// Gives the caller's handle on a master back. A copy belongs to its model, and a master is given
+// back only once: the result is then the text that says so, else null.
+const char *freeCallersEnv(TVKenv *env) noexcept;
+
+// Takes a user callback off an environment.
+void clearUserCallback(Env &env) noexcept;
 
 }  // namespace tarvik

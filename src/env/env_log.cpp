@@ -31,6 +31,7 @@ unsigned destinationsOf(const Env &env) {
   if (level >= 0 && state.callback.hooks && !log.separate) to |= kToUserCallback;
   if (level > 0 && log.callback && !log.separate && (state.apiType != 0 || console))
     to |= kToLogCallback;
+  to &= ~log.muted;
   if (onWorkerThread) {
     if (log.workers == WorkerLog::FileOnly) to &= kToFile;
     if (log.workers == WorkerLog::Nothing && !log.separate) to = 0;

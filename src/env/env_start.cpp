@@ -6,6 +6,7 @@
 #include "base/types.h"
 #include "env/env_lifecycle.h"
 #include "env/env_log.h"
+#include "env/module_hooks.h"
 #include "env/param_file.h"
 #include "env/param_set.h"
 #include "env/platform.h"
@@ -50,11 +51,31 @@ void readProcessors(EnvState &state) {
   state.bindings.assign(static_cast<std::size_t>(state.logicalProcessors), -1);
 }
 
-// A caller who silenced the environment before the start sees nothing of the start either.
-void keepSilence(Env &env, const ParamStore &wanted) {
-  for (const Int id : {Int::OutputFlag, Int::LogToConsole})
-    if (wanted.getInt(static_cast<int>(id)) == 0) env.setSilently(id, 0);
-}
+// A caller who silenced the environment before the start sees nothing of the start either,
+// whatever the settings file says.
+class SilenceKeeper {
+ public:
+  SilenceKeeper(Env &env, const ParamStore &wanted) : env_(env) {
+    quiet_ = wanted.getInt(static_cast<int>(Param::OutputFlag)) == 0;
+    noConsole_ = wanted.getInt(static_cast<int>(Param::LogToConsole)) == 0;
+    unsigned &muted = env.state().log.muted;
+    if (noConsole_) muted |= kToConsole;
+    if (quiet_) muted |= kToConsole | kToFile | kToLogCallback;
+    setAgain();
+  }
+  ~SilenceKeeper() { env_.state().log.muted = 0; }
+  SilenceKeeper(const SilenceKeeper &) = delete;
+  SilenceKeeper &operator=(const SilenceKeeper &) = delete;
+
+  void setAgain() {
+    if (quiet_) env_.setSilently(Int::OutputFlag, 0);
+    if (noConsole_) env_.setSilently(Int::LogToConsole, 0);
+  }
+
+ private:
+  Env &env_;
+  bool quiet_, noConsole_;
+};
 
 void forbidLocalDisk(Env &env) {
   env.setSilently(Int::TARV_PAR_NOLOCALDISK, 1);
@@ -119,10 +140,11 @@ void readMemoryVariable(Env &env) {
 // The remote services are not part of this library: an environment that asks for one must not
 // quietly solve on this machine.
 void refuseRemoteServices(const Env &env) {
-  for (const Str id : {Str::ComputeServer, Str::CSManager, Str::CloudAccessID, Str::CloudPool,
-                       Str::CloudHost})
+  for (const Str id :
+       {Str::ComputeServer, Str::CSManager, Str::CloudAccessID, Str::CloudPool, Str::CloudHost})
     if (env.get(id)[0] != '\0')
-      throw Error(TVK_ERROR_NOT_SUPPORTED, "Remote services are not available (parameter %s is set)",
+      throw Error(TVK_ERROR_NOT_SUPPORTED,
+                  "Remote services are not available (parameter %s is set)",
                   paramRow(static_cast<int>(id)).name);
 }
 
@@ -144,11 +166,11 @@ void startEnv(Env &env) {
   params.reset();
   applyMemoryParams(env);
   params.setStr(kLogFileRow, wanted.getStr(kLogFileRow));
-  keepSilence(env, wanted);
+  SilenceKeeper silence(env, wanted);
   if (wanted.getInt(static_cast<int>(Param::TARV_PAR_NOLOCALDISK)) == 1) forbidLocalDisk(env);
   const bool settingsUsed = readSettingsFile(env);
   if (env.get(Int::TARV_PAR_NOLOCALDISK) == 1) forbidLocalDisk(env);
-  keepSilence(env, wanted);
+  silence.setAgain();
   replaySettings(env, wanted);
   refuseRemoteServices(env);
 
@@ -157,6 +179,7 @@ void startEnv(Env &env) {
   if (settingsUsed) env.log("Using %s file\n", kSettingsFile);
   params.addFlags(static_cast<int>(Param::Username), kSilent);
   readMemoryVariable(env);
+  if (env.get(Int::Record) == 1) beginRecording(env);
   state.life = LifeState::Started;
 }
 

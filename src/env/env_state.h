@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 
+#include "base/thread.h"
 #include "base/types.h"
 #include "env/env.h"
 
@@ -29,6 +30,7 @@ struct LogState {
 
   FILE *file = nullptr;
   AccountString fileName;
+  unsigned muted = 0;      // destinations that get nothing for the time being
   bool separate = false;  // writes a log of its own, as the arms of a concurrent solve may
   WorkerLog workers = WorkerLog::Everything;
   TVKlogcallback callback = nullptr;
@@ -74,12 +76,6 @@ struct ChildEnv {
   TVKenv *env;
 };
 using ChildList = Vec<ChildEnv>;
-
-struct ThreadFunctions {
-  TVKthreadcreatefn create = nullptr;
-  TVKthreadjoinfn join = nullptr;
-  void *userData = nullptr;
-};
 
 struct EnvState : public AccountAllocated {
   static constexpr int kMessageBytes = 513;

@@ -1,0 +1,13 @@
+#include "env/module_hooks.h"
+
+namespace tarvik {
+
+__attribute__((weak)) void beginRecording(Env &) {
+  throw Error(TVK_ERROR_NOT_SUPPORTED, "Recording is not available in this version");
+}
+
+__attribute__((weak)) void installUserCallback(Env &, TVKcallback, void *) {
+  throw Error(TVK_ERROR_NOT_SUPPORTED, "User callbacks are not available in this version");
+}
+
+}  // namespace tarvik
