@@ -26,7 +26,7 @@ double Limits::seconds() const { return wallSeconds() - startSeconds_; }
 
 StopReason Limits::poll(const WorkMeter &work, double iterations) {
   for (const volatile int *flag : stopFlags)
-    if (flag && *flag) return StopReason::Interrupted;
+    if (flag && __atomic_load_n(flag, __ATOMIC_RELAXED) != 0) return StopReason::Interrupted;
   if (iterations >= iterationLimit) return StopReason::IterationLimit;
   if (work.workUnits() >= workLimit) return StopReason::WorkLimit;
   if (work.counted() < nextClockUnits_) return StopReason::None;

@@ -6,6 +6,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "base/thread.h"
+
 namespace tarvik {
 
 // Deterministic work counter; one work unit is 1e9 counted units. Kernels charge per loop.
@@ -38,7 +40,7 @@ class Limits {
   double timeLimit = 1e100;       // seconds since the start of the solve
   double workLimit = 1e100;       // work units
   double iterationLimit = 1e100;  // simplex iterations of the whole solve
-  // Up to three stop flags; a nonzero one asks for termination.
+  // Up to three stop flags; a nonzero one asks for termination. Other threads set them.
   const volatile int *stopFlags[3] = {nullptr, nullptr, nullptr};
   const MemoryAccount *memory = nullptr;
 
@@ -93,6 +95,7 @@ class Progress {
 };
 
 struct SolveControl {
+  ThreadFunctions threads;  // how parallel algorithms make their threads
   WorkMeter work;
   Limits limits;
   Log *log = nullptr;            // never null once a solve runs
