@@ -7,30 +7,81 @@
 #include "env/exported_call.h"
 #include "model/model_data.h"
 #include "model/model_input.h"
+#include "model/name_index.h"
+#include "model/pending_changes.h"
 #include "model/solution_store.h"
 
 namespace tarvik {
 
-class PendingChanges;
+struct EnvReleaser {
+  void operator()(TVKenv *env) const { releaseEnv(env); }
+};
+
+// Values derived from the model data, made on demand and dropped when the data changes.
+struct DerivedData {
+  NameIndex varNames, constrNames, qconstrNames;
+  // Default texts of elements without a name, as long as the kind has unnamed elements.
+  NameList defaultVarNames, defaultConstrNames, defaultQConstrNames, defaultGenConstrNames;
+  bool hasFingerprint = false;
+  int fingerprint = 0;
+  bool hasStatistics = false;
+  Vec<double> statistics;  // in the order of attr/statistics.h
+};
 
 class Model {
  public:
   // Makes a model in a private copy of env; throws Error.
   static TVKmodel *create(Env &env, ModelInput &&input, bool warn);
+  // The same from complete model data, as copies and derived models do.
+  static TVKmodel *createFromData(Env &env, ModelData &&data);
+  // Ends a model; the environment copy goes last. Null is ignored.
+  static void destroy(TVKmodel *model) noexcept;
   ~Model();
+  Model(const Model &) = delete;
+  Model &operator=(const Model &) = delete;
 
   std::uint32_t marker() const { return marker_; }
+  bool hasEnv() const { return env_ != nullptr; }
   Env &env() const { return *env_; }
+  TVKenv *envHandle() const { return env_.get(); }
   ModelData &data() { return data_; }
   const ModelData &data() const { return data_; }
   SolutionStore &solution() { return solution_; }
   const SolutionStore &solution() const { return solution_; }
+  DerivedData &derived() { return derived_; }
+
+  // Runs change(PendingChanges &), making the record when there is none yet; when change throws,
+  // a record made for it disappears again.
+  template <class Change>
+  void edit(Change &&change) {
+    if (optimizing) throw Error(TVK_ERROR_OPTIMIZATION_IN_PROGRESS);
+    const bool fresh = !pending_;
+    if (fresh) openPending();
+    try {
+      change(*pending_);
+    } catch (...) {
+      if (fresh) pending_.reset();
+      throw;
+    }
+  }
+  const PendingChanges *pending() const { return pending_.get(); }
+  bool hasPending() const { return pending_ != nullptr; }
+  // The addition functions refuse to mix update modes in one record.
+  void checkUpdateMode() const;
 
   // Applies the pending changes; strong guarantee.
   void update();
-  bool hasPending() const { return pending_ != nullptr; }
-  // Discards every result of previous solves; with clearAll the start vectors too.
+  // Applies pending changes and discards every result of previous solves and the warm-start
+  // data; with clearAll the MIP start vectors too.
   void reset(bool clearAll);
+  // To be called after data() was changed directly.
+  void dataChanged() { derived_ = DerivedData(); }
+
+  // Names as attributes show them: the stored one, else the default; owned by the model.
+  const char *varName(int var);
+  const char *constrName(int constr);
+  const char *qconstrName(int qconstr);
+  const char *genConstrName(int genConstr);
 
   bool optimizing = false;      // an optimization runs: modifying calls get 10017
   bool insideCallback = false;  // a user callback of it runs
@@ -38,10 +89,15 @@ class Model {
  protected:
   Model() = default;
 
+ private:
+  static TVKmodel *open(Env &env);
+  void openPending();
+
   std::uint32_t marker_ = kModelMarker;
-  TVKenv *env_ = nullptr;
+  std::unique_ptr<TVKenv, EnvReleaser> env_;  // first, so that it is released last
   ModelData data_;
   SolutionStore solution_;
+  DerivedData derived_;
   std::unique_ptr<PendingChanges> pending_;
 };
 

@@ -1,4 +1,4 @@
-// The frame of every exported function on a model; see env/exported_call.h.
+// The frames of exported functions on a model; see env/exported_call.h.
 #pragma once
 
 #include "model/model.h"
@@ -7,7 +7,12 @@ namespace tarvik {
 
 template <class Body>
 int modelCall(TVKmodel *model, const char *context, Body &&body) noexcept {
-  if (const int code = checkModel(model)) return code;
+  if (const int code = checkModel(model)) {
+    if (code == TVK_ERROR_OPTIMIZATION_IN_PROGRESS && context && model->hasEnv()) {
+      model->env().recordError(code, true, "%s", context);
+    }
+    return code;
+  }
   model->env().clearErrorAtEntry();
   return framedCall(model->env(), context, [&] { body(static_cast<Model &>(*model)); });
 }

@@ -16,11 +16,11 @@ struct ModelInput {
   double objCon = 0;
   int numVars = 0;
   int numConstrs = 0;
-  SparseMatrix a;               // by columns, no repeated entries
-  Vec<double> obj, lb, ub;      // numVars entries each, or empty for the defaults 0, 0, infinity
-  Vec<char> vtype;              // numVars entries, or empty for all 'C'
-  Vec<double> rhs;              // numConstrs entries
-  Vec<char> sense;              // numConstrs entries
+  SparseMatrix a;                  // by columns, no repeated entries
+  Vec<double> obj, lb, ub;         // numVars entries each, or empty for the defaults 0, 0, infinity
+  Vec<char> vtype;                 // numVars entries, or empty for all 'C'
+  Vec<double> rhs;                 // numConstrs entries
+  Vec<char> sense;                 // numConstrs entries
   NameList varNames, constrNames;  // empty, or complete with empty texts for default names
   // Ranges: rangeLower[i] > -1e100 turns row i into rangeLower <= expression <= rhs with an
   // auxiliary variable appended after the others. Empty when there are none.

@@ -1,0 +1,122 @@
+#include "attr/fingerprint.h"
+
+#include <cstring>
+
+namespace tarvik {
+
+namespace {
+
+// Mixes words in sequence, so that order matters (the finaliser is Steele's splitmix64, 2014).
+class Hash {
+ public:
+  void add(std::uint64_t word) {
+    state_ = (state_ ^ word) * 0x9e3779b97f4a7c15u;
+    state_ ^= state_ >> 29;
+  }
+  void add(double value) {
+    if (value == 0) value = 0;  // the two zeros count as one
+    std::uint64_t word;
+    std::memcpy(&word, &value, sizeof word);
+    add(word);
+  }
+  void add(int value) { add(static_cast<std::uint64_t>(static_cast<std::uint32_t>(value))); }
+  void add(char value) { add(static_cast<int>(value)); }
+  template <class T>
+  void add(const Vec<T> &values) {
+    add(static_cast<std::uint64_t>(values.size()));
+    for (const T &value : values) add(value);
+  }
+  void add(const QuadTerms &q) {
+    add(q.row);
+    add(q.col);
+    add(q.val);
+  }
+  void add(const SparseChanges &changes) {
+    add(changes.index());
+    add(changes.value());
+  }
+  void add(const SparseMatrix &a) {
+    add(a.numMajor);
+    add(a.numMinor);
+    for (int j = 0; j < a.numMajor; ++j) add(a.length(j));
+    add(a.index);
+    add(a.value);
+  }
+  int folded() const {
+    std::uint64_t z = state_;
+    z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
+    z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
+    z ^= z >> 31;
+    return static_cast<int>(static_cast<std::uint32_t>(z ^ (z >> 32)));
+  }
+
+ private:
+  std::uint64_t state_ = 0x6a09e667f3bcc909u;
+};
+
+void addParts(Hash &hash, const ModelData &d) {
+  hash.add(d.q);
+  for (const QConstr &qc : d.qconstrs) {
+    hash.add(qc.lind);
+    hash.add(qc.lval);
+    hash.add(qc.quad);
+    hash.add(qc.sense);
+    hash.add(qc.rhs);
+  }
+  for (const Cone &cone : d.cones) hash.add(cone.members);
+  for (const Sos &sos : d.sos) {
+    hash.add(sos.type);
+    hash.add(sos.ind);
+    hash.add(sos.weight);
+  }
+  for (const GenConstr &g : d.genConstrs) {
+    for (const int value : {g.type, g.resVar, g.binVal}) hash.add(value);
+    hash.add(g.sense);
+    hash.add(g.constant);
+    hash.add(g.vars);
+    hash.add(g.coef);
+    hash.add(g.pwlY);
+  }
+  for (const PwlObjective &pwl : d.pwl) {
+    hash.add(pwl.var);
+    hash.add(pwl.x);
+    hash.add(pwl.y);
+  }
+}
+
+void addObjectives(Hash &hash, const ModelData &d) {
+  for (const Objective &objective : d.objectives) {
+    hash.add(objective.coef);
+    hash.add(objective.priority);
+    for (const double v : {objective.con, objective.weight, objective.absTol, objective.relTol})
+      hash.add(v);
+  }
+  for (const Scenario &scenario : d.scenarios)
+    for (const SparseChanges *changes : {&scenario.obj, &scenario.lb, &scenario.ub, &scenario.rhs})
+      hash.add(*changes);
+}
+
+}  // namespace
+
+int fingerprint(Model &model) {
+  DerivedData &derived = model.derived();
+  if (derived.hasFingerprint) return derived.fingerprint;
+  const ModelData &d = model.data();
+  Hash hash;
+  hash.add(d.objSense);
+  hash.add(d.objCon);
+  hash.add(d.obj);
+  hash.add(d.lb);
+  hash.add(d.ub);
+  hash.add(d.vtype);
+  hash.add(d.rhs);
+  hash.add(d.sense);
+  hash.add(d.a);
+  addParts(hash, d);
+  addObjectives(hash, d);
+  derived.fingerprint = hash.folded();
+  derived.hasFingerprint = true;
+  return derived.fingerprint;
+}
+
+}  // namespace tarvik

@@ -1,0 +1,22 @@
+#include "model/solution_store.h"
+
+#include <utility>
+
+namespace tarvik {
+
+void SolutionStore::clearResults() {
+  SolutionStore fresh;
+  fresh.vbasis = std::move(vbasis);
+  fresh.cbasis = std::move(cbasis);
+  fresh.userBasis = userBasis;
+  fresh.vDualNorm = std::move(vDualNorm);
+  fresh.cDualNorm = std::move(cDualNorm);
+  fresh.pstart = std::move(pstart);
+  fresh.dstart = std::move(dstart);
+  fresh.previousX = std::move(x.empty() ? previousX : x);
+  *this = std::move(fresh);
+}
+
+void SolutionStore::clearAll() { *this = SolutionStore(); }
+
+}  // namespace tarvik

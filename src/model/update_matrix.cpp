@@ -1,0 +1,190 @@
+#include "model/update_matrix.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <numeric>
+
+#include "model/growth.h"
+
+namespace tarvik {
+
+void MatrixUpdate::prepare(SparseMatrix &a, const PendingChanges &p, const Vec<int> &rangeRows,
+                           double tolerance) {
+  tolerance_ = tolerance;
+  const int numCols = p.allVars() + static_cast<int>(rangeRows.size());
+  const std::size_t numChanges = p.coefs.row.size();
+  std::size_t newEntries = p.cols.a.index.size() + p.rows.a.index.size() + rangeRows.size();
+  if (numChanges > 0) {
+    rowAt_.assign(p.allConstrs(), -1);
+    orderChanges(p.coefs, numCols);
+    const std::size_t insertions = countInsertions(a, p.coefs);
+    inserted_.reserve(insertions);
+    newEntries += insertions;
+  }
+  if (numChanges > 0 || !p.rows.a.index.empty()) gap_.assign(numCols, 0);
+  makeRoomFor(a.start, static_cast<std::size_t>(numCols) + 1);
+  makeRoom(a.index, newEntries);
+  makeRoom(a.value, newEntries);
+}
+
+void MatrixUpdate::orderChanges(const CoefChanges &changes, int numCols) {
+  const int count = static_cast<int>(changes.col.size());
+  order_.resize(count);
+  if (static_cast<std::size_t>(count) * 8 < static_cast<std::size_t>(numCols)) {
+    std::iota(order_.begin(), order_.end(), 0);
+    std::stable_sort(order_.begin(), order_.end(),
+                     [&](int x, int y) { return changes.col[x] < changes.col[y]; });
+    return;
+  }
+  Vec<int> next(static_cast<std::size_t>(numCols) + 1, 0);
+  for (const int j : changes.col) ++next[j + 1];
+  std::partial_sum(next.begin(), next.end(), next.begin());
+  for (int k = 0; k < count; ++k) order_[next[changes.col[k]]++] = k;
+}
+
+// At most so many changes concern entries that the matrix does not hold.
+std::size_t MatrixUpdate::countInsertions(const SparseMatrix &a, const CoefChanges &changes) {
+  std::size_t count = 0;
+  for (std::size_t from = 0; from < order_.size();) {
+    const int j = changes.col[order_[from]];
+    const bool present = j < a.numMajor;
+    for (NzIndex k = present ? a.start[j] : 0; present && k < a.start[j + 1]; ++k)
+      rowAt_[a.index[k]] = k;
+    for (; from < order_.size() && changes.col[order_[from]] == j; ++from)
+      count += rowAt_[changes.row[order_[from]]] < 0;
+    for (NzIndex k = present ? a.start[j] : 0; present && k < a.start[j + 1]; ++k)
+      rowAt_[a.index[k]] = -1;
+  }
+  return count;
+}
+
+void MatrixUpdate::commit(SparseMatrix &a, PendingChanges &p, const Vec<int> &rangeRows) noexcept {
+  appendColumns(a, p.cols, rangeRows);
+  a.numMinor = p.allConstrs();
+  if (!p.rows.a.index.empty()) insertRows(a, p.rows, p.baseConstrs);
+  if (!order_.empty()) applyChanges(a, p.coefs);
+}
+
+void MatrixUpdate::appendColumns(SparseMatrix &a, const PendingColumns &cols,
+                                 const Vec<int> &rangeRows) noexcept {
+  const NzIndex shift = a.numNz();
+  a.index.insert(a.index.end(), cols.a.index.begin(), cols.a.index.end());
+  a.value.insert(a.value.end(), cols.a.value.begin(), cols.a.value.end());
+  for (int j = 0; j < cols.count(); ++j) a.start.push_back(shift + cols.a.start[j + 1]);
+  for (const int row : rangeRows) {
+    a.index.push_back(row);
+    a.value.push_back(1.0);
+    a.start.push_back(static_cast<NzIndex>(a.index.size()));
+  }
+  a.numMajor += cols.count() + static_cast<int>(rangeRows.size());
+  work_ += static_cast<double>(cols.a.index.size());
+}
+
+// Columns move to the right, the last one first, so that each is followed by a gap of its size
+// in gap_; afterwards gap_ holds where the gaps begin.
+void MatrixUpdate::openGaps(SparseMatrix &a) noexcept {
+  NzIndex missing = std::accumulate(gap_.begin(), gap_.end(), NzIndex{0});
+  NzIndex end = a.numNz();
+  a.index.resize(end + missing);
+  a.value.resize(end + missing);
+  for (int j = a.numMajor - 1; j >= 0 && missing > 0; --j) {
+    const NzIndex begin = a.start[j], length = end - begin;
+    a.start[j + 1] = end + missing;
+    missing -= gap_[j];
+    if (missing > 0 && length > 0) {
+      std::memmove(&a.index[begin + missing], &a.index[begin], length * sizeof(int));
+      std::memmove(&a.value[begin + missing], &a.value[begin], length * sizeof(double));
+    }
+    gap_[j] = begin + missing + length;
+    end = begin;
+    work_ += static_cast<double>(length);
+  }
+}
+
+void MatrixUpdate::insertRows(SparseMatrix &a, const PendingRows &rows, int baseRows) noexcept {
+  for (const int j : rows.a.index) ++gap_[j];
+  openGaps(a);
+  for (int i = 0; i < rows.count(); ++i) {
+    for (NzIndex k = rows.a.start[i]; k < rows.a.start[i + 1]; ++k) {
+      const NzIndex at = gap_[rows.a.index[k]]++;
+      a.index[at] = baseRows + i;
+      a.value[at] = rows.a.value[k];
+    }
+  }
+}
+
+void MatrixUpdate::applyChanges(SparseMatrix &a, CoefChanges &changes) noexcept {
+  std::fill(gap_.begin(), gap_.end(), 0);
+  for (std::size_t from = 0; from < order_.size();) {
+    std::size_t to = from + 1;
+    while (to < order_.size() && changes.col[order_[to]] == changes.col[order_[from]]) ++to;
+    applyColumnChanges(a, changes, from, to);
+    from = to;
+  }
+  if (inserted_.empty()) return;
+  openGaps(a);
+  for (const int k : inserted_) {
+    if (std::abs(changes.val[k]) < tolerance_) continue;
+    const NzIndex at = gap_[changes.col[k]]++;
+    a.index[at] = changes.row[k];
+    a.value[at] = changes.val[k];
+  }
+}
+
+// Overwrites existing entries; the first change of an absent entry becomes its insertion and
+// later ones replace its value. Values below the tolerance remove the entry.
+void MatrixUpdate::applyColumnChanges(SparseMatrix &a, CoefChanges &changes, std::size_t from,
+                                      std::size_t to) noexcept {
+  const int j = changes.col[order_[from]];
+  for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k) rowAt_[a.index[k]] = k;
+  const std::size_t firstInserted = inserted_.size();
+  for (std::size_t c = from; c < to; ++c) {
+    const int change = order_[c];
+    NzIndex &at = rowAt_[changes.row[change]];
+    if (at >= 0) {
+      const bool small = std::abs(changes.val[change]) < tolerance_;
+      a.value[at] = small ? 0 : changes.val[change];
+      hasZeros_ = hasZeros_ || small;
+    } else if (at == -1) {
+      at = -2 - static_cast<NzIndex>(change);
+      inserted_.push_back(change);
+    } else {
+      changes.val[-2 - at] = changes.val[change];
+    }
+  }
+  for (std::size_t k = firstInserted; k < inserted_.size(); ++k)
+    gap_[j] += std::abs(changes.val[inserted_[k]]) >= tolerance_;
+  for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k) rowAt_[a.index[k]] = -1;
+  for (std::size_t c = from; c < to; ++c) rowAt_[changes.row[order_[c]]] = -1;
+  work_ += a.length(j);
+}
+
+void MatrixUpdate::removeMarked(SparseMatrix &a, const Vec<char> &dropCol, const Vec<char> &dropRow,
+                                const Vec<int> &newRow, int keptRows) noexcept {
+  if (dropCol.empty() && dropRow.empty() && !hasZeros_) return;
+  const bool keepAllRows = dropRow.empty();
+  NzIndex kept = 0, begin = 0;
+  int keptCols = 0;
+  for (int j = 0; j < a.numMajor; ++j) {
+    const NzIndex end = a.start[j + 1];
+    if (dropCol.empty() || !dropCol[j]) {
+      for (NzIndex k = begin; k < end; ++k) {
+        const int row = a.index[k];
+        if ((!keepAllRows && dropRow[row]) || a.value[k] == 0) continue;
+        a.index[kept] = keepAllRows ? row : newRow[row];
+        a.value[kept++] = a.value[k];
+      }
+      a.start[++keptCols] = kept;
+    }
+    begin = end;
+  }
+  work_ += static_cast<double>(a.numMajor) + static_cast<double>(begin);
+  a.numMajor = keptCols;
+  a.numMinor = keptRows;
+  a.start.resize(static_cast<std::size_t>(keptCols) + 1);
+  a.index.resize(kept);
+  a.value.resize(kept);
+}
+
+}  // namespace tarvik
