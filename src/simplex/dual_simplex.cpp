@@ -21,8 +21,8 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   e_.resetWorkingBounds();
   e_.resetWorkingCosts();
   queue_.resize(e_.lp.m);
-  blocked_.assign(e_.lp.m, 0);
-  blockedCount_ = 0;
+  unblockAll();
+  allowSmallPivots_ = false;
   if (!e_.factored && !e_.refactor()) return PhaseResult::Trouble;
   if (perturb) perturbCosts();
   e_.computeDual();
@@ -76,22 +76,27 @@ PhaseResult DualSimplex<Real>::phase(bool phaseOne) {
     // A verdict needs values computed from scratch: it counts only right after a rebuild.
     if (e_.iterations != before) continue;
     const PhaseResult result = verdict(reason, phaseOne);
-    const bool rowBlocked =
-        result == PhaseResult::Trouble && reason == RebuildReason::PossiblyInfeasible;
-    if (!rowBlocked) return result;
+    if (!retry_) return result;
   }
 }
 
 template <class Real>
 PhaseResult DualSimplex<Real>::verdict(RebuildReason reason, bool phaseOne) {
+  retry_ = false;
   switch (reason) {
     case RebuildReason::PossiblyOptimal:
-      return blockedCount_ > 0 ? PhaseResult::NeedsPrimal : PhaseResult::Optimal;
+      if (blockedCount_ == 0) return PhaseResult::Optimal;
+      if (allowSmallPivots_) return PhaseResult::NeedsPrimal;
+      // Nothing but small pivots is left: now they are welcome.
+      unblockAll();
+      allowSmallPivots_ = true;
+      retry_ = true;
+      return PhaseResult::Trouble;
     case RebuildReason::PossiblyInfeasible:
       if (phaseOne) return PhaseResult::NeedsPrimal;
       if (e_.proveInfeasible(e_.rho)) return PhaseResult::Infeasible;
-      blocked_[troubleRow_] = 1;
-      ++blockedCount_;
+      block(troubleRow_);
+      retry_ = true;
       return PhaseResult::Trouble;
     case RebuildReason::Cutoff:
       return PhaseResult::Cutoff;
@@ -112,9 +117,9 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
       if (disagreements_ > 3) e_.markowitz = std::min(0.5, e_.markowitz * 2);
     if (!e_.refactor()) return false;
   }
-  if (blockedCount_ > 0 && reason == RebuildReason::UpdateLimit) {
-    blocked_.assign(e_.lp.m, 0);
-    blockedCount_ = 0;
+  if (reason == RebuildReason::UpdateLimit) {
+    unblockAll();
+    allowSmallPivots_ = false;
   }
   e_.computeDual();
   correctDuals(!phaseOne);
@@ -212,6 +217,20 @@ void DualSimplex<Real>::setInfeasibility(BasisPos i) {
 }
 
 template <class Real>
+void DualSimplex<Real>::block(BasisPos p) {
+  if (!blocked_[p]) ++blockedCount_;
+  blocked_[p] = 1;
+  setInfeasibility(p);
+}
+
+template <class Real>
+void DualSimplex<Real>::unblockAll() {
+  if (static_cast<int>(blocked_.size()) == e_.lp.m && blockedCount_ == 0) return;
+  blocked_.assign(e_.lp.m, 0);
+  blockedCount_ = 0;
+}
+
+template <class Real>
 void DualSimplex<Real>::fillQueue() {
   for (int i = 0; i < e_.lp.m; ++i) setInfeasibility(i);
   e_.chargeWork(3.0 * e_.lp.m);
@@ -228,6 +247,10 @@ RebuildReason DualSimplex<Real>::iterate() {
     if (q < 0) {
       troubleRow_ = p;
       return RebuildReason::PossiblyInfeasible;
+    }
+    if (fabs(e_.rowEntry(q)) < Real(tuning::kSmallPivot) && !allowSmallPivots_) {
+      block(p);
+      continue;
     }
     const RebuildReason reason = pivot(p, q);
     if (reason != RebuildReason::None) return reason;
@@ -265,11 +288,7 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   if (difference > Real(tuning::kPivotAgreement) *
                        std::max(Real(1e-2), std::min(fabs(alpha), fabs(alphaRow))) &&
       (e_.updates > 0 || fabs(alpha) < Real(1e-9))) {
-    if (e_.updates == 0) {
-      blocked_[p] = 1;
-      ++blockedCount_;
-      setInfeasibility(p);
-    }
+    if (e_.updates == 0) block(p);
     return RebuildReason::PivotDisagreement;
   }
   const int side = e_.xB[p] < e_.lB[p] ? -1 : 1;
@@ -285,10 +304,7 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   const VarIndex out = e_.head[p];
   const UpdateResult updated = e_.changeBasis(q, p, side, alpha);
   if (updated == UpdateResult::RefactorNow) {
-    if (e_.updates == 0) {
-      blocked_[p] = 1;
-      ++blockedCount_;
-    }
+    if (e_.updates == 0) block(p);
     return RebuildReason::UnsafeUpdate;
   }
   dualObjective_ += thetaD_ * delta;

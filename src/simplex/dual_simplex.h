@@ -52,6 +52,8 @@ class DualSimplex {
   void updateWeights(BasisPos p, Real alpha);
   void setInfeasibility(BasisPos i);
   void fillQueue();
+  void block(BasisPos p);
+  void unblockAll();
 
   Engine<Real> &e_;
   CandidateQueue queue_;
@@ -62,6 +64,8 @@ class DualSimplex {
   Vec<Real> flipDelta_;
   Vec<char> blocked_;  // rows that may not leave until progress is made
   int blockedCount_ = 0;
+  bool allowSmallPivots_ = false;
+  bool retry_ = false;  // the verdict asks for another try without the row it blocked
   Real dualObjective_ = 0;
   Real thetaD_ = 0;
   BasisPos troubleRow_ = -1;

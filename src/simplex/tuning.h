@@ -20,6 +20,9 @@ inline constexpr double kRowPivotTolUsed = 3e-8;
 inline constexpr double kRowPivotTolOld = 1e-6;
 inline constexpr int kUsedUpdates = 10, kOldUpdates = 20;
 
+// A dual pivot smaller than this is put off: its row may not leave while other rows can.
+inline constexpr double kSmallPivot = 1e-5;
+
 // Base of the cost perturbation relative to the (damped) largest cost; larger values remove more
 // degeneracy and leave more clean-up work.
 inline constexpr double kCostPerturbation = 5e-7;
