@@ -89,6 +89,11 @@ class Presolve {
   // (then the simplex has to prove it again). To be checked as above.
   Vec<double> farkas() const;
 
+  // False when a dual argument was used that holds only if the model has an optimum: then an
+  // infeasible reduced model may come from an unbounded full one, unless a mapped certificate
+  // proves otherwise.
+  bool infeasibleMeansInfeasible() const;
+
   // Translates a basis of the full model for a warm start of the reduced one: statuses of what
   // is left, completed or thinned to exactly one basic variable a row. It may be singular; the
   // simplex repairs it. Returns false when there is nothing to translate.

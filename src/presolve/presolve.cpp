@@ -1,0 +1,40 @@
+#include "presolve/presolve.h"
+
+#include "presolve/presolve_run.h"
+
+namespace tarvik {
+
+Presolve::Presolve() : run_(std::make_unique<PresolveRun>()) {}
+Presolve::~Presolve() = default;
+Presolve::Presolve(Presolve &&) noexcept = default;
+Presolve &Presolve::operator=(Presolve &&) noexcept = default;
+
+PresolveStatus Presolve::run(const LpModel &lp, const PresolveOptions &options,
+                             SolveControl &control) {
+  return run_->run(lp, options, control);
+}
+
+const LpModel &Presolve::reduced() const { return run_->reduced; }
+LpModel Presolve::takeReduced() { return std::move(run_->reduced); }
+
+void Presolve::postsolve(const LpSolution &reducedSolution, LpSolution &full) const {
+  run_->postsolve(reducedSolution, full);
+}
+
+void Presolve::postsolveFarkas(const Vec<double> &reducedFarkas, Vec<double> &full) const {
+  run_->postsolveFarkas(reducedFarkas, full);
+}
+
+Vec<double> Presolve::farkas() const { return run_->farkas(); }
+
+bool Presolve::infeasibleMeansInfeasible() const { return !run_->ws.assumedOptimum; }
+
+bool Presolve::crushBasis(const Basis &full, Basis &reducedBasis) const {
+  return run_->crushBasis(full, reducedBasis);
+}
+
+const Vec<int> &Presolve::originalCol() const { return run_->cols; }
+const Vec<int> &Presolve::originalRow() const { return run_->rows; }
+const PresolveStats &Presolve::stats() const { return run_->ws.stats; }
+
+}  // namespace tarvik

@@ -1,0 +1,56 @@
+// The reductions, one file each. A try... function looks at one row or column and returns true
+// when it changed the model (the row or column may then be gone); the undo... function restores
+// what its record says. Files tell what is reduced, why that is right, and how it is undone.
+#pragma once
+
+#include "presolve/workspace.h"
+
+namespace tarvik::presolve {
+
+// fixed_col.cpp
+enum class FixedAt : int { Lower, Upper, Both, Nothing };
+void fixCol(Workspace &ws, int col, double value, FixedAt at);
+bool tryFixedOrEmptyCol(Workspace &ws, int col);
+void undoFixedCol(RecordReader record, PostsolveState &state);
+
+// redundant_row.cpp
+void dropRow(Workspace &ws, int row);
+bool tryRedundantRow(Workspace &ws, int row);
+void undoRedundantRow(RecordReader record, PostsolveState &state);
+
+// singleton_row.cpp
+bool trySingletonRow(Workspace &ws, int row);
+void undoSingletonRow(RecordReader record, PostsolveState &state);
+
+// forcing_row.cpp
+bool tryForcingRow(Workspace &ws, int row);
+void undoForcingRow(RecordReader record, PostsolveState &state);
+
+// dual_fixing.cpp
+bool tryDualFixing(Workspace &ws, int col);
+void undoUnconstrainedCol(RecordReader record, PostsolveState &state);
+
+// singleton_col.cpp
+bool tryFreeSingletonCol(Workspace &ws, int col);
+void undoFreeSingletonCol(RecordReader record, PostsolveState &state);
+bool trySlackCol(Workspace &ws, int col);
+void undoSlackCol(RecordReader record, PostsolveState &state);
+
+// doubleton.cpp
+bool tryDoubletonEquation(Workspace &ws, int row);
+void undoDoubleton(RecordReader record, PostsolveState &state);
+
+// substitution.cpp
+// Eliminates the column of an entry by the equation of its row; record and bounds are dealt with
+// by the caller.
+void eliminate(Workspace &ws, int position);
+// Both bounds of the column are implied by its rows.
+bool isImpliedFree(const Workspace &ws, int col);
+bool substituteImpliedFree(Workspace &ws);
+void undoSubstitution(RecordReader record, PostsolveState &state);
+
+// dominated_col.cpp
+bool fixDominatedCols(Workspace &ws);
+void undoEquationSide(RecordReader record, PostsolveState &state);
+
+}  // namespace tarvik::presolve

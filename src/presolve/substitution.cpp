@@ -1,0 +1,173 @@
+// Substitution of a column by an equation: rows that contain the column get a multiple of the
+// equation added, column and equation go. The column must be free, or its bounds implied by its
+// rows (then they are dropped first, which needs no undoing). Undoing: the column is basic, the
+// equation's dual follows from its zero reduced cost.
+
+#include "presolve/reductions.h"
+
+namespace tarvik::presolve {
+
+namespace {
+
+// Adds `factor` times the equation to a row that has lost the eliminated column.
+void addEquation(Workspace &ws, int i, const Vec<Entry> &equation, double factor, double side,
+                 Vec<int> &positionOf) {
+  WorkingModel &model = ws.model;
+  const bool mark = equation.size() > 2;
+  if (mark) {
+    for (auto it = model.rowEntries(i).begin(); it.position() >= 0; ++it)
+      positionOf[(*it).col] = it.position();
+  }
+  for (const Entry &entry : equation) {
+    const int position = mark ? positionOf[entry.col] : model.find(i, entry.col);
+    model.addToEntry(i, entry.col, position, factor * entry.value);
+    if (mark) positionOf[entry.col] = -1;
+    ++ws.stats.coefsChanged;
+  }
+  if (mark)
+    for (const Entry &entry : model.rowEntries(i)) positionOf[entry.col] = -1;
+  const Row &row = model.row(i);
+  if (side != 0 && !(isInf(row.lower) && isInf(row.upper))) {
+    const auto moved = [&](double bound) {
+      if (isInf(bound)) return bound;
+      const double sum = bound + factor * side;
+      return std::fabs(sum) <= 10 * ws.options.zeroTol * std::fabs(bound) ? 0.0 : sum;
+    };
+    const double lower = moved(row.lower);
+    model.setRowBounds(i, lower, row.isEquation() ? lower : moved(row.upper));
+  }
+}
+
+}  // namespace
+
+void eliminate(Workspace &ws, int position) {
+  WorkingModel &model = ws.model;
+  const Entry pivot = model.entry(position);
+  const double side = model.row(pivot.row).lower;
+  const double cost = model.col(pivot.col).cost;
+  Vec<Entry> equation, column;
+  for (const Entry &entry : model.rowEntries(pivot.row))
+    if (entry.col != pivot.col) equation.push_back(entry);
+  for (const Entry &entry : model.colEntries(pivot.col))
+    if (entry.row != pivot.row) column.push_back(entry);
+  model.removeRow(pivot.row);
+  model.removeCol(pivot.col);
+  ws.charge(static_cast<double>(20 * (equation.size() + 1) * (column.size() + 1)));
+
+  if (ws.positionOf.size() < static_cast<std::size_t>(model.numCols()))
+    ws.positionOf.assign(static_cast<std::size_t>(model.numCols()), -1);
+  for (const Entry &entry : column)
+    addEquation(ws, entry.row, equation, -entry.value / pivot.value, side, ws.positionOf);
+  if (cost == 0) return;
+  for (const Entry &entry : equation) {
+    const double old = model.col(entry.col).cost;
+    const double moved = old - cost / pivot.value * entry.value;
+    const bool vanishes = std::fabs(moved) <= 10 * ws.options.zeroTol * std::fabs(old);
+    model.setCost(entry.col, vanishes ? 0 : moved);
+  }
+  model.addOffset(cost / pivot.value * side);
+}
+
+namespace {
+
+bool lowerImplied(const Workspace &ws, int j) {
+  const Col &col = ws.model.col(j);
+  if (!col.hasLower()) return true;
+  for (const Entry &entry : ws.model.colEntries(j))
+    if (ws.model.impliedLower(entry) >= col.lower - ws.roundingTol(col.lower)) return true;
+  return false;
+}
+
+bool upperImplied(const Workspace &ws, int j) {
+  const Col &col = ws.model.col(j);
+  if (!col.hasUpper()) return true;
+  for (const Entry &entry : ws.model.colEntries(j))
+    if (ws.model.impliedUpper(entry) <= col.upper + ws.roundingTol(col.upper)) return true;
+  return false;
+}
+
+// The equation to substitute by: the shortest whose pivot is large enough, -1 if there is none.
+int choosePivot(const Workspace &ws, int j, int fillLimit) {
+  const WorkingModel &model = ws.model;
+  const Col &col = model.col(j);
+  double largestInCol = 0;
+  for (const Entry &entry : model.colEntries(j))
+    largestInCol = std::max(largestInCol, std::fabs(entry.value));
+  int best = -1, bestLength = kMaxInt;
+  for (auto it = model.colEntries(j).begin(); it.position() >= 0; ++it) {
+    const Row &row = model.row((*it).row);
+    if (!row.isEquation() || row.length >= bestLength || row.length < 2) continue;
+    const double pivot = std::fabs((*it).value);
+    if (pivot < kSubstitutionPivot * largestInCol) continue;
+    const double fill =
+        static_cast<double>(row.length - 1) * (col.length - 1) - (row.length + col.length - 1);
+    if (fill > fillLimit) continue;
+    double largestInRow = 0;
+    for (const Entry &entry : model.rowEntries((*it).row))
+      largestInRow = std::max(largestInRow, std::fabs(entry.value));
+    if (pivot < kSubstitutionPivot * largestInRow) continue;
+    best = it.position();
+    bestLength = row.length;
+  }
+  return best;
+}
+
+void substitute(Workspace &ws, int position) {
+  const Entry pivot = ws.model.entry(position);
+  ws.stack.begin(RecordKind::Substitution);
+  ws.stack.put(pivot.row);
+  ws.stack.put(pivot.col);
+  ws.stack.put(pivot.value);
+  ws.stack.put(ws.model.row(pivot.row).lower);
+  ws.stack.put(ws.model.col(pivot.col).cost);
+  ws.stack.putCol(ws.model, pivot.col, pivot.row);
+  ws.stack.putRow(ws.model, pivot.row, pivot.col);
+  eliminate(ws, position);
+}
+
+}  // namespace
+
+bool isImpliedFree(const Workspace &ws, int j) {
+  return lowerImplied(ws, j) && upperImplied(ws, j);
+}
+
+bool substituteImpliedFree(Workspace &ws) {
+  const int fillLimit = ws.options.aggFill;
+  constexpr int kMaxLength = 8;
+  bool found = false;
+  for (int length = 2; length <= kMaxLength; ++length) {
+    for (int j = 0; j < ws.model.numCols() && !ws.finished(); ++j) {
+      const Col &col = ws.model.col(j);
+      if (!col.alive || col.length != length || col.integer) continue;
+      const int position = choosePivot(ws, j, fillLimit);
+      if (position < 0 || !isImpliedFree(ws, j) || !ws.take()) continue;
+      substitute(ws, position);
+      found = true;
+    }
+    ws.charge(static_cast<double>(ws.model.numCols()));
+  }
+  return found;
+}
+
+void undoSubstitution(RecordReader record, PostsolveState &state) {
+  const int row = record.get<int>();
+  const int col = record.get<int>();
+  const double coef = record.get<double>();
+  const double side = record.get<double>();
+  const double cost = record.get<double>();
+  const StoredEntries column = record.entries();
+  const StoredEntries equation = record.entries();
+  if (state.hasPrimal) {
+    state.x[col] = (side - state.rowValue(equation)) / coef;
+    state.addToActivity(column, side / coef);
+    state.activity[row] = side;
+  }
+  if (state.hasDual) {
+    state.y[row] = state.reducedCost(cost, column) / coef;
+    state.d[col] = 0;
+  }
+  state.setCol(col, VarStatus::Basic);
+  state.setRow(row, VarStatus::AtLower);
+}
+
+}  // namespace tarvik::presolve

@@ -1,0 +1,65 @@
+// What every reduction gets: the working model, the stack it records on, options, statistics and
+// the verdict. A reduction first asks take() whether it may act (the reduction limit), pushes its
+// record, then changes the model. Once a verdict is reached everybody returns.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "presolve/postsolve_stack.h"
+#include "presolve/tolerances.h"
+
+namespace tarvik::presolve {
+
+enum class Verdict { None, Infeasible, Unbounded, InfeasibleOrUnbounded, Stopped };
+
+struct Workspace {
+  WorkingModel model;
+  PostsolveStack stack;
+  PresolveOptions options;
+  PresolveStats stats;
+  SolveControl *control = nullptr;
+  Verdict verdict = Verdict::None;
+  // A dual argument was used that holds only if an optimum exists: an infeasible remainder may
+  // then come from an unbounded model.
+  bool assumedOptimum = false;
+  // Multipliers of rows (as they are now) that prove infeasibility.
+  Vec<int> proofRows;
+  Vec<double> proofMultipliers;
+  Vec<int> positionOf;  // scratch: entry positions of one row by column, else -1
+
+  bool finished() const {
+    return verdict != Verdict::None || stats.reductions >= options.reductionLimit;
+  }
+  // Asks for permission for one reduction.
+  bool take() {
+    if (finished()) return false;
+    ++stats.reductions;
+    return true;
+  }
+  void charge(double units) { control->work.charge(units); }
+
+  // A row that cannot reach its lower (sign 1) or upper bound (sign -1) proves infeasibility.
+  void infeasibleRow(int row, int sign) {
+    verdict = Verdict::Infeasible;
+    proofRows.assign(1, row);
+    proofMultipliers.assign(1, sign);
+  }
+  void infeasible() {
+    verdict = Verdict::Infeasible;
+    proofRows.clear();
+  }
+  void dualInfeasible() { verdict = Verdict::InfeasibleOrUnbounded; }
+
+  double feasibilityTol(double bound) const {
+    return options.primalTol * std::max(1.0, 1e-3 * std::fabs(bound));
+  }
+  // Bounds so close that they are one: a column that rests on one of them rests on both.
+  static bool coincide(double lower, double upper) {
+    return upper - lower <= kCoincidence * std::max(1.0, std::fabs(lower));
+  }
+  // Two values that only rounding separates.
+  static double roundingTol(double value) { return kRounding * std::max(1.0, std::fabs(value)); }
+};
+
+}  // namespace tarvik::presolve

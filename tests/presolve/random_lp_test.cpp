@@ -1,0 +1,116 @@
+// Thousands of tiny LPs with and without presolve: statuses, objectives, optimality conditions
+// and bases must agree with an independent simplex.
+#include <gtest/gtest.h>
+
+#include "lp/check.h"
+#include "presolve/presolve.h"
+#include "support/lp_checks.h"
+#include "support/random_lp.h"
+#include "support/reference_lp.h"
+
+namespace tarvik {
+namespace {
+
+struct Counts {
+  int optimal = 0, infeasible = 0, unbounded = 0, undecided = 0, solved = 0;
+};
+
+LpStatus solvePresolved(const LpModel &lp, const PresolveOptions &options, LpSolution &full,
+                        Counts &counts) {
+  SilentLog log;
+  SolveControl control;
+  control.log = &log;
+  Presolve presolve;
+  const PresolveStatus status = presolve.run(lp, options, control);
+  if (status == PresolveStatus::InfeasibleOrUnbounded) return LpStatus::InfeasibleOrUnbounded;
+  if (status == PresolveStatus::Unbounded) return LpStatus::Unbounded;
+  if (status == PresolveStatus::Infeasible) {
+    full.farkas = presolve.farkas();
+    return presolve.infeasibleMeansInfeasible() ? LpStatus::Infeasible
+                                                : LpStatus::InfeasibleOrUnbounded;
+  }
+  EXPECT_NE(status, PresolveStatus::Stopped);
+  if (status == PresolveStatus::Solved) ++counts.solved;
+  const LpSolution reduced = test::solveReference(presolve.reduced());
+  if (reduced.status == LpStatus::Optimal) {
+    EXPECT_TRUE(test::isOptimal(presolve.reduced(), reduced, 1e-7));
+    EXPECT_TRUE(test::isBasicSolution(presolve.reduced(), reduced, 1e-7));
+    presolve.postsolve(reduced, full);
+    // Without a basis the restored point must be just as optimal.
+    LpSolution basisFree = reduced, restored;
+    basisFree.basis = Basis{};
+    presolve.postsolve(basisFree, restored);
+    EXPECT_TRUE(test::isOptimal(lp, restored, 1e-6)) << "without a basis";
+  }
+  if (reduced.status == LpStatus::Infeasible) {
+    presolve.postsolveFarkas(reduced.farkas, full.farkas);
+    if (!presolve.infeasibleMeansInfeasible()) return LpStatus::InfeasibleOrUnbounded;
+  }
+  return reduced.status;
+}
+
+void compare(const LpModel &lp, const PresolveOptions &options, Counts &counts) {
+  const LpSolution reference = test::solveReference(lp);
+  LpSolution full;
+  const LpStatus status = solvePresolved(lp, options, full, counts);
+  if (status == LpStatus::InfeasibleOrUnbounded) {
+    ++counts.undecided;
+    ASSERT_NE(reference.status, LpStatus::Optimal);
+    ASSERT_TRUE(options.dualReductions);
+    return;
+  }
+  ASSERT_EQ(status, reference.status);
+  counts.unbounded += status == LpStatus::Unbounded;
+  if (status == LpStatus::Infeasible) {
+    ++counts.infeasible;
+    ASSERT_GT(farkasViolation(lp, full.farkas), 0);
+  }
+  if (status != LpStatus::Optimal) return;
+  ++counts.optimal;
+  ASSERT_NEAR(full.objective, reference.objective,
+              1e-7 * std::max(1.0, std::fabs(reference.objective)));
+  ASSERT_TRUE(test::isOptimal(lp, full, 1e-6));
+  ASSERT_TRUE(test::isBasicSolution(lp, full, 1e-6));
+}
+
+Counts compareMany(std::uint64_t first, int count, const test::RandomLpOptions &shape,
+                   const PresolveOptions &options) {
+  Counts counts;
+  for (std::uint64_t seed = first; seed < first + count; ++seed) {
+    const LpModel lp = test::randomLp(seed, shape);
+    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + test::describe(lp));
+    compare(lp, options, counts);
+    if (::testing::Test::HasFailure()) break;
+  }
+  return counts;
+}
+
+TEST(RandomLp, TinyModels) {
+  const Counts counts = compareMany(1, 30000, {}, {});
+  EXPECT_GT(counts.optimal, 5000);
+  EXPECT_GT(counts.infeasible, 3000);
+  EXPECT_GT(counts.undecided, 3000);
+  EXPECT_GT(counts.solved, 2000);
+}
+
+TEST(RandomLp, LargerAndSparser) {
+  test::RandomLpOptions shape;
+  shape.maxRows = 14;
+  shape.maxCols = 18;
+  shape.density = 0.17;
+  shape.plantFeasible = 0.9;
+  const Counts counts = compareMany(100001, 10000, shape, {});
+  EXPECT_GT(counts.optimal, 2000);
+}
+
+TEST(RandomLp, KeepsInfeasibleAndUnboundedApart) {
+  PresolveOptions options;
+  options.dualReductions = false;
+  const Counts counts = compareMany(200001, 10000, {}, options);
+  EXPECT_GT(counts.infeasible, 1000);
+  EXPECT_GT(counts.unbounded, 1000);
+  EXPECT_EQ(counts.undecided, 0);
+}
+
+}  // namespace
+}  // namespace tarvik
