@@ -96,7 +96,7 @@ TVKenv *copyEnv(Env &source, bool withLog) {
   auto state = std::make_unique<EnvState>();
   copyState(*state, source.state());
   auto *copy = new TVKenv(state.get(), source.params());
-  state.release();
+  static_cast<void>(state.release());
   {
     const std::lock_guard lock(master.mutex);
     ++master.references;

@@ -74,7 +74,7 @@ bool takeLine(LogState &log, char *line, int &length) {
   return true;
 }
 
-void writeHeader(const Env &env, FILE *file, const char *tag) {
+void writeHeader(FILE *file, const char *tag) {
   char when[128] = "";
   const std::time_t now = std::time(nullptr);
   std::tm parts;
@@ -95,7 +95,7 @@ void openLogFile(Env &env, const char *name, const char *tag, bool withHeader) {
   closeLogFile(env);
   env.state().log.file = file;
   env.state().log.fileName.swap(nameCopy);
-  if (withHeader) writeHeader(env, file, tag);
+  if (withHeader) writeHeader(file, tag);
 }
 
 }  // namespace

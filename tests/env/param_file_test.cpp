@@ -1,6 +1,8 @@
 // Parameter files: reading, writing, several sets.
 #include <clocale>
+#include <vector>
 
+#include "base/random.h"
 #include "env_fixture.h"
 
 namespace {
@@ -102,6 +104,41 @@ TEST_F(ParamFileTest, SetsAreSeparated) {
   write("empty.prm", "# nothing\n");
   EXPECT_EQ(TVKreadtunebasesettings(env_, "empty.prm"), 0);
   EXPECT_EQ(takeLog(), "");
+}
+
+TEST_F(ParamFileTest, AnyBytesEndInAReadOrAReport) {
+  start();
+  ASSERT_EQ(TVKsetintparam(env_, "OutputFlag", 0), 0);
+  const std::vector<std::string> pieces = {"TimeLimit",
+                                           "Threads",
+                                           "Dummy",
+                                           "nonsense",
+                                           " ",
+                                           "\t",
+                                           "=",
+                                           "\n",
+                                           "\r",
+                                           std::string(1, '\0'),
+                                           "1e5",
+                                           "-inf",
+                                           "nan",
+                                           "PARAMETERSET",
+                                           "#",
+                                           "%s%n",
+                                           std::string(11000, '_'),
+                                           "\xff",
+                                           "1",
+                                           "MIPGap 2e400"};
+  tarvik::Random random(5);
+  for (int round = 0; round < 300; ++round) {
+    std::string text;
+    for (int k = random.below(60); k > 0; --k)
+      text += pieces[static_cast<std::size_t>(random.below(static_cast<int>(pieces.size())))];
+    write("random.prm", text);
+    ASSERT_EQ(TVKreadparams(env_, "random.prm"), 0) << round;
+    ASSERT_EQ(TVKreadtunebasesettings(env_, "random.prm"), 0) << round;
+    TVKdiscardtuneenvs(env_);
+  }
 }
 
 TEST_F(ParamFileTest, AnotherLocaleDoesNotMatter) {
