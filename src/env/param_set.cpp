@@ -136,15 +136,72 @@ bool acceptRecord(Env &env, int row) {
   return true;
 }
 
-void storeInt(Env &env, int row, int value) {
+int currentValue(const ParamStore &params, int row, int) { return params.getInt(row); }
+double currentValue(const ParamStore &params, int row, double) { return params.getDbl(row); }
+
+void storeValue(Env &env, int row, int value) {
   env.params().setInt(row, value);
   if (row == static_cast<int>(Param::TARV_PAR_NOMEMCOUNT)) applyMemoryParams(env);
 }
 
-void storeDbl(Env &env, int row, double value) {
+void storeValue(Env &env, int row, double value) {
   env.params().setDbl(row, value);
   if (row == static_cast<int>(Param::MemLimit) || row == static_cast<int>(Param::SoftMemLimit))
     applyMemoryParams(env);
+}
+
+// "parameter <name> to value <value> (<what> is <bound>)", as range messages say it.
+struct RangeText {
+  RangeText(const ParamRow &row, int value, const char *what, double bound) {
+    std::snprintf(text, sizeof text, "parameter %s to value %d (%s is %.0f)", row.name, value, what,
+                  bound);
+  }
+  RangeText(const ParamRow &row, double value, const char *what, double bound) {
+    std::snprintf(text, sizeof text, "parameter %s to value %g (%s is %g)", row.name, value, what,
+                  bound);
+  }
+  char text[160];
+};
+
+template <class Number>
+void requireInRange(const ParamRow &row, Number value) {
+  // Written so that a value that is not a number fails.
+  if (!(value >= row.min))
+    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE, "Unable to set %s",
+                RangeText(row, value, "minimum", row.min).text);
+  if (value > row.max)
+    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE, "Unable to set %s",
+                RangeText(row, value, "maximum", row.max).text);
+}
+
+// Some interfaces turn the console off as a matter of course; they get no line for it.
+bool turnsConsoleOffSilently(const Env &env, int row, double value) {
+  const int api = env.apiType();
+  return row == static_cast<int>(Param::LogToConsole) && value == 0 && (api == 4 || api == 5);
+}
+
+template <class Number>
+void setNumberParam(Env &env, int row, Number value, bool silent) {
+  const ParamRow &entry = paramRow(row);
+  ParamStore &params = env.params();
+  Env *other = passGuard(env, row);
+  markSet(params, row, silent);
+  if (value == currentValue(params, row, value)) return;
+  requireChangeable(env, row);
+  requireInRange(entry, value);
+  if (value > params.limit(row)) {
+    if (!silent)
+      env.log("Warning: Unable to set %s\n",
+              RangeText(entry, value, "limit", params.limit(row)).text);
+    return;
+  }
+  if (turnsConsoleOffSilently(env, row, value)) silent = true;
+  if (!passMasterRules(env, row) || isLocked(env, row)) return;
+  if (row == static_cast<int>(Param::Record) && !acceptRecord(env, row)) return;
+  storeValue(env, row, value);
+  if (other) storeValue(*other, row, value);
+  logChange(env, row, silent);
+  reportChanged(env, row);
 }
 
 [[noreturn]] void invalidValue(const char *text, const char *name) {
@@ -206,68 +263,13 @@ int requireParam(const char *name, ParamType type) {
 }
 
 void setIntParam(Env &env, int row, int value, bool silent) {
-  const ParamRow &entry = paramRow(row);
-  ParamStore &params = env.params();
-  Env *other = passGuard(env, row);
-  markSet(params, row, silent);
-  if (value == params.getInt(row)) return;
-  requireChangeable(env, row);
-  value = std::clamp(value, -kMaxInt, kMaxInt);
-  if (value < entry.min)
-    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE,
-                "Unable to set parameter %s to value %d (minimum is %.0f)", entry.name, value,
-                entry.min);
-  if (value > entry.max)
-    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE,
-                "Unable to set parameter %s to value %d (maximum is %.0f)", entry.name, value,
-                entry.max);
-  if (value > params.limit(row)) {
-    if (!silent)
-      env.log("Warning: Unable to set parameter %s to value %d (limit is %.0f)\n", entry.name,
-              value, params.limit(row));
-    return;
-  }
-  const int api = env.apiType();
-  if (row == static_cast<int>(Param::LogToConsole) && value == 0 && (api == 4 || api == 5))
-    silent = true;
-  if (!passMasterRules(env, row)) return;
-  if (isLocked(env, row)) return;
-  if (row == static_cast<int>(Param::Record) && !acceptRecord(env, row)) return;
-  storeInt(env, row, value);
-  if (other) storeInt(*other, row, value);
-  logChange(env, row, silent);
-  reportChanged(env, row);
+  setNumberParam(env, row, std::clamp(value, -kMaxInt, kMaxInt), silent);
 }
 
 void setDblParam(Env &env, int row, double value, bool silent) {
-  const ParamRow &entry = paramRow(row);
-  ParamStore &params = env.params();
-  Env *other = passGuard(env, row);
-  markSet(params, row, silent);
-  if (value == params.getDbl(row)) return;
-  requireChangeable(env, row);
   if (value > kUserInf) value = kUserInf;
   if (value < -kUserInf) value = -kUserInf;
-  if (!(value >= entry.min))
-    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE,
-                "Unable to set parameter %s to value %g (minimum is %g)", entry.name, value,
-                entry.min);
-  if (value > entry.max)
-    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE,
-                "Unable to set parameter %s to value %g (maximum is %g)", entry.name, value,
-                entry.max);
-  if (value > params.limit(row)) {
-    if (!silent)
-      env.log("Warning: Unable to set parameter %s to value %g (limit is %g)\n", entry.name, value,
-              params.limit(row));
-    return;
-  }
-  if (!passMasterRules(env, row)) return;
-  if (isLocked(env, row)) return;
-  storeDbl(env, row, value);
-  if (other) storeDbl(*other, row, value);
-  logChange(env, row, silent);
-  reportChanged(env, row);
+  setNumberParam(env, row, value, silent);
 }
 
 void setStrParam(Env &env, int row, const char *value, bool silent) {
