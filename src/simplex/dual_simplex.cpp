@@ -24,8 +24,11 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   unblockAll();
   allowSmallPivots_ = false;
   if (!e_.factored && !e_.refactor()) return PhaseResult::Trouble;
-  if (perturb) perturbCosts();
   e_.computeDual();
+  if (perturb && wantsPerturbation()) {
+    perturbCosts();
+    e_.computeDual();
+  }
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (correctDuals(false) == 0) {
       const PhaseResult result = phase(false);
@@ -43,6 +46,20 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
     e_.computeDual();
   }
   return PhaseResult::NeedsPrimal;
+}
+
+// Perturbation pays on the long way from the slack basis; a warm basis with few infeasibilities
+// left would be spoilt by it.
+template <class Real>
+bool DualSimplex<Real>::wantsPerturbation() {
+  int structurals = 0, primal = 0, dual = 0;
+  for (const VarIndex j : e_.head) structurals += j < e_.lp.n;
+  if (structurals == 0) return true;
+  e_.loadBasicBounds();
+  e_.computePrimal();
+  e_.primalInfeasibilitySum(&primal);
+  e_.dualInfeasibilitySum(&dual);
+  return primal + dual > std::max(tuning::kWarmInfeasibilities, e_.lp.m / 20);
 }
 
 // Removes perturbation and shifts at an optimum of the working costs.

@@ -35,6 +35,7 @@ class DualSimplex {
   RebuildReason iterate();
   RebuildReason pivot(BasisPos p, VarIndex q);
 
+  bool wantsPerturbation();
   void perturbCosts();
   void installPhaseOneBoxes();
   // Nonbasic variables to the side their reduced cost asks for; what no flip can mend is shifted

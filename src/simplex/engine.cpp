@@ -433,7 +433,8 @@ bool Engine<Real>::proveInfeasible(const SparseVec<Real> &multipliers) {
 
 template <class Real>
 bool Engine<Real>::poll() {
-  stop = control->limits.poll(control->work, iterations);
+  stop = iterations >= iterationCap ? StopReason::IterationLimit
+                                    : control->limits.poll(control->work, iterations);
   return stop == StopReason::None;
 }
 

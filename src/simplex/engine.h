@@ -87,6 +87,7 @@ class Engine {
   // --- run state ---
   SolveControl *control = nullptr;
   double iterations = 0;
+  double iterationCap = 1e100;  // an algorithm stops here too, with StopReason::IterationLimit
   StopReason stop = StopReason::None;
   SimplexProgress progress;
   Vec<Real> certificateRow;  // dual ray of a proven infeasibility: multipliers by row

@@ -57,6 +57,7 @@ class SimplexEngine {
   bool boundsCross();
   bool tightenIfViolated();
   bool recover();
+  void polish();
   void unscaledViolations(double &primal, double &dual) const;
 
   Engine<double> e_;
@@ -137,8 +138,9 @@ PhaseResult SimplexEngine::runRounds(SimplexMethod method) {
         method = SimplexMethod::Dual;
         break;
       case PhaseResult::Optimal:
-        if (!tightenIfViolated()) return result;
-        break;
+        if (tightenIfViolated()) break;
+        polish();
+        return result;
       case PhaseResult::Cutoff:
         // With perturbed costs the bound proves nothing: count again with the true ones.
         if (!e_.costsPerturbed && e_.costShift == ShiftState::None) return result;
@@ -179,6 +181,38 @@ bool SimplexEngine::tightenIfViolated() {
   tighten(e_.dualTol, e_.options.dualTol, dual);
   if (changed) ++tightenings_;
   return changed;
+}
+
+// Goes on with tight tolerances for a few iterations. What does not get better that way is taken
+// back: the optimum within the caller's tolerances stands.
+void SimplexEngine::polish() {
+  double primal, dual;
+  unscaledViolations(primal, dual);
+  if (primal <= tuning::kPolishTol && dual <= tuning::kPolishTol) return;
+  const Basis kept = basis();
+  const double primalTol = e_.primalTol, dualTol = e_.dualTol;
+  e_.primalTol = std::min(e_.primalTol, tuning::kPolishTol);
+  e_.dualTol = std::min(e_.dualTol, tuning::kPolishTol);
+  const double before = e_.iterations;
+  e_.iterationCap = before + tuning::kPolishIterations + tuning::kPolishShare * before;
+  PhaseResult result = PhaseResult::NeedsDual;
+  for (int round = 0; round < 4; ++round) {
+    if (result == PhaseResult::NeedsDual)
+      result = dual_.run(false);
+    else if (result == PhaseResult::NeedsPrimal)
+      result = primal_.run(false);
+  }
+  e_.iterationCap = 1e100;
+  e_.primalTol = primalTol;
+  e_.dualTol = dualTol;
+  if (result == PhaseResult::Optimal) return;
+  if (e_.stop == StopReason::IterationLimit) e_.stop = StopReason::None;
+  setBasis(kept, nullptr);
+  e_.resetWorkingBounds();
+  e_.resetWorkingCosts();
+  if (!e_.refactor()) return;
+  e_.computePrimal();
+  e_.computeDual();
 }
 
 // After numerical trouble: more stable factors first, then a fresh start from the slack basis.

@@ -33,6 +33,15 @@ inline constexpr double kDefaultPerturbValue = 2e-4;
 // one-sided ones.
 inline constexpr double kFreeBox = 1000.0;
 
+// A warm basis with at most so many infeasibilities is finished without perturbation.
+inline constexpr int kWarmInfeasibilities = 10;
+
+// An optimum is polished to this tolerance while that costs few iterations, so that objective
+// values do not carry the feasibility tolerance times large duals.
+inline constexpr double kPolishTol = 1e-9;
+inline constexpr int kPolishIterations = 100;
+inline constexpr double kPolishShare = 0.05;  // of the iterations made so far
+
 // Relative size of the random bound perturbation of the primal simplex.
 inline constexpr double kBoundPerturbation = 5e-7;
 
