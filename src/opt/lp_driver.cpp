@@ -1,0 +1,256 @@
+#include "opt/lp_driver.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tarvik {
+
+namespace {
+
+// How carefully each further attempt solves a model whose last result was refused.
+struct RepairStep {
+  double tolFactor;     // of both tolerances
+  double markowitzTol;  // at least
+  int numericFocus;     // at least
+  bool unscaled;
+  bool fromLastBasis;
+};
+constexpr RepairStep kRepairSteps[] = {
+    {1.0, 0.0, 0, false, true},  // clean-up
+    {0.5, 0.1, 1, true, true},   // the scaled model's tolerances hide a violation
+    {0.1, 0.5, 2, false, true},
+    {0.1, 0.9, 3, true, false},
+};
+
+// Optimal but for dual infeasibilities, or unbounded: the primal simplex goes on from there. In
+// all other cases the dual simplex either repairs or proves infeasibility.
+SimplexMethod repairMethod(const LpSolution &solution, const Verdict &verdict) {
+  const bool primal = solution.status == LpStatus::Unbounded ||
+                      (solution.status == LpStatus::Optimal && verdict.primalFeasible);
+  return primal ? SimplexMethod::Primal : SimplexMethod::Dual;
+}
+
+SimplexMethod other(SimplexMethod method) {
+  return method == SimplexMethod::Dual ? SimplexMethod::Primal : SimplexMethod::Dual;
+}
+
+bool isStop(LpStatus status) {
+  switch (status) {
+    case LpStatus::IterationLimit:
+    case LpStatus::TimeLimit:
+    case LpStatus::WorkLimit:
+    case LpStatus::MemoryLimit:
+    case LpStatus::Interrupted:
+    case LpStatus::Callback:
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+LpDriver::LpDriver(const LpModel &lp, const LpDriverOptions &options, SolveControl &control)
+    : lp_(lp), options_(options), control_(control) {
+  tolerances_ = {options.simplex.primalTol, options.simplex.dualTol};
+  if (options_.wantCertificates) options_.presolve.dualReductions = false;
+}
+
+LpOutcome LpDriver::run(const Basis *warmStart, const Vec<double> *superbasicValues) {
+  if (lp_.numRows == 0) return settle(solveWithoutRows());
+  if (options_.presolve.level != 0 && (!warmStart || options_.presolveWarmStart))
+    return settle(solvePresolved(warmStart));
+  return settle(solveSimplex(lp_, options_.simplex, options_.method, warmStart, superbasicValues));
+}
+
+// The result mapped back to the full model, where it is yet to be verified.
+LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
+  Presolve presolve;
+  const PresolveStatus status = presolve.run(lp_, options_.presolve, control_);
+  presolved_ = true;
+  logPresolve(presolve, status);
+  LpSolution full;
+  switch (status) {
+    case PresolveStatus::Stopped:
+      full.status = stopStatus();
+      return full;
+    case PresolveStatus::Infeasible:
+      full.status = LpStatus::Infeasible;
+      full.farkas = presolve.farkas();
+      return full;
+    case PresolveStatus::Unbounded:
+      full.status = LpStatus::Unbounded;
+      return full;
+    case PresolveStatus::InfeasibleOrUnbounded:
+      full.status = LpStatus::InfeasibleOrUnbounded;
+      return full;
+    case PresolveStatus::Unchanged:
+    case PresolveStatus::Reduced:
+    case PresolveStatus::Solved:
+      break;
+  }
+  LpSolution reduced;
+  if (status == PresolveStatus::Solved)
+    reduced.status = LpStatus::Optimal;
+  else
+    reduced = solveReduced(presolve, warmStart);
+  presolve.postsolve(reduced, full);
+  full.status = reduced.status;
+  full.ray.clear();
+  full.farkas.clear();
+  if (status == PresolveStatus::Unchanged) {
+    full.ray = std::move(reduced.ray);
+    full.farkas = std::move(reduced.farkas);
+  } else if (reduced.status == LpStatus::Infeasible && !reduced.farkas.empty()) {
+    presolve.postsolveFarkas(reduced.farkas, full.farkas);
+  }
+  return full;
+}
+
+LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmStart) {
+  Basis crushed;
+  const bool warm = warmStart && presolve.crushBasis(*warmStart, crushed);
+  return solveSimplex(presolve.reduced(), options_.simplex, options_.method,
+                      warm ? &crushed : nullptr, nullptr);
+}
+
+// What presolve achieved, as far as there is a reduced model to speak of.
+void LpDriver::logPresolve(const Presolve &presolve, PresolveStatus status) const {
+  const char *name = options_.presolve.name;
+  Log &log = *control_.log;
+  const PresolveStats &stats = presolve.stats();
+  const auto positive = [](int count) { return std::max(0, count); };
+  if (stats.rowsRemoved < 0 || stats.colsRemoved < 0)
+    log.print("%s added %d rows and %d columns\n", name, positive(-stats.rowsRemoved),
+              positive(-stats.colsRemoved));
+  if (stats.rowsRemoved > 0 || stats.colsRemoved > 0)
+    log.print("%s removed %d rows and %d columns\n", name, positive(stats.rowsRemoved),
+              positive(stats.colsRemoved));
+  log.print("%s time: %.2fs\n", name, stats.seconds);
+  if (status == PresolveStatus::Solved) log.print("%s: All rows and columns removed\n", name);
+  if (status != PresolveStatus::Reduced && status != PresolveStatus::Unchanged) return;
+  const LpModel &reduced = presolve.reduced();
+  log.print("%sd: %d rows, %d columns, %lu nonzeros\n\n", name, reduced.numRows, reduced.numCols,
+            static_cast<unsigned long>(reduced.a.numNz()));
+}
+
+LpSolution LpDriver::solveSimplex(const LpModel &lp, const SimplexOptions &options,
+                                  SimplexMethod method, const Basis *start,
+                                  const Vec<double> *superbasicValues) {
+  // Engines count their own iterations; the limit is on all of them together.
+  const double iterationLimit = control_.limits.iterationLimit;
+  control_.limits.iterationLimit = iterationLimit - iterations_;
+  Simplex simplex(options);
+  simplex.load(lp);
+  if (start) simplex.setBasis(*start, superbasicValues);
+  LpStatus status = simplex.solve(method, control_);
+  if (status == LpStatus::InfeasibleOrUnbounded)
+    status = simplex.solve(SimplexMethod::Primal, control_);
+  control_.limits.iterationLimit = iterationLimit;
+  LpSolution solution;
+  simplex.getSolution(solution);
+  solution.status = status;
+  iterations_ += simplex.iterations();
+  return solution;
+}
+
+// Every column sits at the bound its cost prefers.
+LpSolution LpDriver::solveWithoutRows() const {
+  LpSolution solution;
+  solution.status = LpStatus::Optimal;
+  solution.colValue.resize(lp_.numCols);
+  solution.colDual = lp_.cost;
+  solution.objective = lp_.offset;
+  solution.basis.col.resize(lp_.numCols);
+  for (int j = 0; j < lp_.numCols; ++j) {
+    const bool noLower = isInf(lp_.colLower[j]), noUpper = isInf(lp_.colUpper[j]);
+    const double cost = lp_.cost[j];
+    const bool atUpper = cost < 0 ? !noUpper : noLower && !noUpper;
+    double &x = solution.colValue[j];
+    x = atUpper ? lp_.colUpper[j] : noLower ? 0 : lp_.colLower[j];
+    solution.objective += cost * x;
+    solution.basis.col[j] = atUpper   ? VarStatus::AtUpper
+                            : noLower ? VarStatus::Free
+                                      : VarStatus::AtLower;
+    if (((cost < 0 && noUpper) || (cost > 0 && noLower)) && solution.ray.empty()) {
+      solution.status = LpStatus::Unbounded;
+      solution.ray.assign(lp_.numCols, 0);
+      solution.ray[j] = cost < 0 ? 1 : -1;
+    }
+  }
+  return solution;
+}
+
+// Which limit stopped a kernel that only says that one did.
+LpStatus LpDriver::stopStatus() {
+  switch (control_.limits.pollNow(control_.work, iterations_)) {
+    case StopReason::TimeLimit:
+      return LpStatus::TimeLimit;
+    case StopReason::WorkLimit:
+      return LpStatus::WorkLimit;
+    case StopReason::MemoryLimit:
+      return LpStatus::MemoryLimit;
+    case StopReason::IterationLimit:
+      return LpStatus::IterationLimit;
+    case StopReason::Callback:
+      return LpStatus::Callback;
+    case StopReason::Interrupted:
+    case StopReason::None:
+      break;
+  }
+  return LpStatus::Interrupted;
+}
+
+LpOutcome LpDriver::settle(LpSolution &&solution) {
+  // Presolve gave the distinction up, as it was allowed to.
+  const bool undecided = solution.status == LpStatus::InfeasibleOrUnbounded && presolved_ &&
+                         options_.presolve.dualReductions;
+  const Verdict verdict = verify(lp_, solution, tolerances_);
+  LpOutcome outcome;
+  if (verdict.proven || undecided)
+    outcome.solution = std::move(solution);
+  else
+    outcome = repair(std::move(solution), verdict);
+  outcome.solution.iterations = iterations_;
+  return outcome;
+}
+
+LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
+  const double iterationsBefore = iterations_;
+  LpOutcome best{std::move(doubtful), false};
+  Verdict bestVerdict = verdict, lastVerdict = verdict;
+  Basis lastBasis = best.solution.basis;
+  SimplexMethod method = repairMethod(best.solution, verdict);
+  for (const RepairStep &step : kRepairSteps) {
+    if (lp_.numRows == 0) break;
+    SimplexOptions options = options_.simplex;
+    options.primalTol = std::max(1e-9, options.primalTol * step.tolFactor);
+    options.dualTol = std::max(1e-9, options.dualTol * step.tolFactor);
+    options.markowitzTol = std::max(options.markowitzTol, step.markowitzTol);
+    options.numericFocus = std::max(options.numericFocus, step.numericFocus);
+    if (step.unscaled) options.scaleFlag = 0;
+    if (!step.fromLastBasis) method = other(options_.method);
+    const bool warm = step.fromLastBasis && !lastBasis.empty();
+    LpSolution next = solveSimplex(lp_, options, method, warm ? &lastBasis : nullptr, nullptr);
+    lastVerdict = verify(lp_, next, tolerances_);
+    method = repairMethod(next, lastVerdict);
+    const bool stopped = isStop(next.status);
+    if (!next.basis.empty()) lastBasis = next.basis;
+    const bool better =
+        stopped ? !bestVerdict.nearlyProven : lastVerdict.violation < bestVerdict.violation;
+    if (better || (lastVerdict.proven && !stopped)) {
+      best.solution = std::move(next);
+      bestVerdict = lastVerdict;
+    }
+    if (stopped || lastVerdict.proven) break;
+  }
+  if (presolved_ && iterations_ > iterationsBefore)
+    control_.log->print("Extra simplex iterations after uncrush: %.0f\n",
+                        iterations_ - iterationsBefore);
+  if (bestVerdict.proven || bestVerdict.nearlyProven) return best;
+  best.suboptimal = best.solution.status == LpStatus::Optimal && bestVerdict.primalFeasible;
+  if (!best.suboptimal) best.solution.status = LpStatus::Numeric;
+  return best;
+}
+
+}  // namespace tarvik

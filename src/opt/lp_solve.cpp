@@ -1,0 +1,213 @@
+#include "opt/lp_solve.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "lp/check.h"
+#include "opt/env_log.h"
+#include "opt/lp_driver.h"
+#include "opt/lp_from_model.h"
+#include "opt/options.h"
+#include "opt/solve_log.h"
+#include "opt/warm_start.h"
+
+namespace tarvik {
+
+namespace {
+
+enum Method { kPrimal = 0, kDual = 1, kBarrier = 2 };
+
+// The simplex variant that Method asks for. What this version lacks is replaced by the dual
+// simplex, and the log says so.
+SimplexMethod chooseMethod(Env &env) {
+  const int method = env.get(Int::Method);
+  if (method == kPrimal) return SimplexMethod::Primal;
+  if (method > kDual)
+    env.log("Warning: %s is not available in this version - using dual simplex\n",
+            method == kBarrier ? "barrier" : "the concurrent optimizer");
+  if (env.get(Int::NetworkAlg) == 1)
+    env.log("Warning: network simplex is not available in this version - using dual simplex\n");
+  return SimplexMethod::Dual;
+}
+
+int statusCode(const LpOutcome &outcome) {
+  if (outcome.suboptimal) return TVK_SUBOPTIMAL;
+  switch (outcome.solution.status) {
+    case LpStatus::Optimal:
+      return TVK_OPTIMAL;
+    case LpStatus::Infeasible:
+      return TVK_INFEASIBLE;
+    case LpStatus::Unbounded:
+      return TVK_UNBOUNDED;
+    case LpStatus::InfeasibleOrUnbounded:
+      return TVK_INF_OR_UNBD;
+    case LpStatus::Cutoff:
+      return TVK_CUTOFF;
+    case LpStatus::IterationLimit:
+      return TVK_ITERATION_LIMIT;
+    case LpStatus::TimeLimit:
+      return TVK_TIME_LIMIT;
+    case LpStatus::WorkLimit:
+      return TVK_WORK_LIMIT;
+    case LpStatus::MemoryLimit:
+      return TVK_MEM_LIMIT;
+    case LpStatus::Interrupted:
+    case LpStatus::Callback:
+      return TVK_INTERRUPTED;
+    case LpStatus::NotSolved:
+    case LpStatus::Numeric:
+      break;
+  }
+  return TVK_NUMERIC;
+}
+
+// What multipliers below this share of the largest one, and the coefficients they leave, say is
+// noise.
+constexpr double kFarkasNoise = 1e-9;
+
+// By how much the largest value of y'(Ax) within the variable bounds misses what the row bounds
+// ask of it; minus infinity when a bound that y needs does not exist.
+double farkasAmount(const LpModel &lp, const Vec<double> &y) {
+  double largest = 0;
+  for (const double value : y) largest = std::max(largest, std::fabs(value));
+  const double noise = kFarkasNoise * largest;
+  double amount = 0;
+  for (int i = 0; i < lp.numRows; ++i) {
+    if (std::fabs(y[i]) <= noise) continue;
+    const double bound = y[i] > 0 ? lp.rowLower[i] : lp.rowUpper[i];
+    if (isInf(bound)) return -kUserInf;
+    amount += y[i] * bound;
+  }
+  for (int j = 0; j < lp.numCols; ++j) {
+    double combined = 0, size = 1;
+    for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k) {
+      if (std::fabs(y[lp.a.index[k]]) <= noise) continue;
+      combined += y[lp.a.index[k]] * lp.a.value[k];
+      size = std::max(size, std::fabs(lp.a.value[k]));
+    }
+    if (std::fabs(combined) <= noise * size) continue;
+    const double bound = combined > 0 ? lp.colUpper[j] : lp.colLower[j];
+    if (isInf(bound)) return -kUserInf;
+    amount -= combined * bound;
+  }
+  return amount;
+}
+
+// Turns a certificate, which may come with either sign, into one with the signs of row duals;
+// returns the amount that it proves.
+double orientFarkas(const LpModel &lp, Vec<double> &y) {
+  const double amount = farkasAmount(lp, y);
+  Vec<double> negated(y);
+  for (double &value : negated) value = -value;
+  const double amountOfNegated = farkasAmount(lp, negated);
+  if (amountOfNegated > amount) y.swap(negated);
+  return std::max(amount, amountOfNegated);
+}
+
+class LinearSolve {
+ public:
+  LinearSolve(Model &model, SolveControl &control)
+      : model_(model), env_(model.env()), store_(model.solution()), control_(control) {}
+
+  void run() {
+    const WarmStart start = takeWarmStart(model_);
+    store_.clearResults();
+    summary_.status = TVK_NUMERIC;
+    if (!stoppedByBadBounds()) solve(start);
+    store_.status = summary_.status;
+    summary_.iterations = store_.iterCount;
+    summary_.seconds = control_.limits.seconds();
+    summary_.workUnits = control_.work.workUnits();
+    logLpSummary(env_, summary_);
+  }
+
+ private:
+  bool stoppedByBadBounds() {
+    const ModelData &data = model_.data();
+    const BadBounds bad = findBadBounds(data, env_.get(Dbl::FeasibilityTol));
+    if (bad.kind == BadBounds::Kind::None) return false;
+    if (bad.kind == BadBounds::Kind::Column)
+      env_.log("Warning: variable %s has bad bounds, lower = %g and upper = %g\n",
+               model_.varName(bad.index), data.lb[bad.index], data.ub[bad.index]);
+    else if (data.sense[bad.index] == TVK_EQUAL)
+      env_.log("Warning: equalities with rhs larger than 1e+20\n");
+    else
+      env_.log("Warning: constraint %s cannot hold, rhs = %g\n", model_.constrName(bad.index),
+               data.rhs[bad.index]);
+    summary_.status = bad.unbounded ? TVK_UNBOUNDED : TVK_INFEASIBLE;
+    return true;
+  }
+
+  void solve(const WarmStart &start) {
+    const ModelData &data = model_.data();
+    LpDriverOptions options;
+    options.simplex = simplexOptions(env_);
+    options.simplex.logSign = data.objSense;
+    options.presolve = presolveOptions(env_);
+    options.method = chooseMethod(env_);
+    options.presolveWarmStart = env_.get(Int::LPWarmStart) == 2;
+    options.wantCertificates = env_.get(Int::InfUnbdInfo) != 0;
+    const LpModel lp = lpFromModel(data);
+    LpDriver driver(lp, options, control_);
+    LpOutcome outcome = driver.run(start.basis.empty() ? nullptr : &start.basis,
+                                   start.values.empty() ? nullptr : &start.values);
+    summary_.status = statusCode(outcome);
+    store_.iterCount = store_.iterCount0 = outcome.solution.iterations;
+    if (summary_.status >= TVK_OPTIMAL && summary_.status <= TVK_CUTOFF)
+      store_.concurrentWinMethod = options.method == SimplexMethod::Primal ? kPrimal : kDual;
+    takeResults(lp, std::move(outcome.solution), options.wantCertificates);
+  }
+
+  void takeResults(const LpModel &lp, LpSolution &&solution, bool wantCertificates) {
+    if (summary_.status == TVK_INFEASIBLE && wantCertificates && !solution.farkas.empty())
+      store_.farkasProof = orientFarkas(lp, solution.farkas);
+    if (!wantCertificates) {
+      solution.farkas.clear();
+      solution.ray.clear();
+    }
+    const bool complete = static_cast<int>(solution.colValue.size()) == lp.numCols;
+    const bool hasPoint = complete && summary_.status != TVK_INFEASIBLE &&
+                          summary_.status != TVK_INF_OR_UNBD && summary_.status != TVK_NUMERIC;
+    if (!hasPoint) {
+      solution.colValue.clear();
+      solution.rowActivity.clear();
+    }
+    if (summary_.status != TVK_OPTIMAL && summary_.status != TVK_SUBOPTIMAL) {
+      solution.rowDual.clear();
+      solution.colDual.clear();
+    }
+    if (hasPoint) assess(lp, solution);
+    storeSolution(model_.data(), std::move(solution), store_);
+  }
+
+  // Objective, violations and what follows from them.
+  void assess(const LpModel &lp, const LpSolution &solution) {
+    const double tol = env_.get(Dbl::FeasibilityTol);
+    const SolutionQuality quality = checkSolution(lp, solution, tol);
+    summary_.primalViolation = std::max(quality.boundViolation, quality.rowViolation);
+    summary_.primalResidual = quality.activityResidual;
+    summary_.dualViolation = quality.dualViolation;
+    summary_.dualResidual = quality.dualResidual;
+    if (summary_.status == TVK_OPTIMAL && quality.objective > env_.get(Dbl::Cutoff))
+      summary_.status = TVK_CUTOFF;
+    if (summary_.status == TVK_UNBOUNDED) return;
+    store_.hasObjective = true;
+    store_.objVal = quality.objective;
+    if (summary_.status == TVK_OPTIMAL) store_.objBound = quality.objective;
+    if (summary_.primalViolation <= tol || summary_.status == TVK_OPTIMAL) store_.solCount = 1;
+    summary_.objective = model_.data().objSense * quality.objective;
+  }
+
+  Model &model_;
+  Env &env_;
+  SolutionStore &store_;
+  SolveControl &control_;
+  LpSummary summary_;
+};
+
+}  // namespace
+
+void solveLinearModel(Model &model, SolveControl &control) { LinearSolve(model, control).run(); }
+
+}  // namespace tarvik

@@ -1,0 +1,187 @@
+#include "opt/optimize.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "attr/fingerprint.h"
+#include "base/locale_scope.h"
+#include "env/interrupt.h"
+#include "opt/env_log.h"
+#include "opt/lp_solve.h"
+#include "opt/options.h"
+#include "opt/param_scope.h"
+#include "opt/result_file.h"
+#include "opt/solve_log.h"
+
+namespace tarvik {
+
+namespace {
+
+// Marks a model as being optimized, with fresh stop flags, until the scope ends.
+class RunningScope {
+ public:
+  explicit RunningScope(Model &model) : model_(model) {
+    model.env().resetTermination();
+    model.optimizing = true;
+  }
+  ~RunningScope() {
+    model_.optimizing = false;
+    restoreInterrupt(model_.env());
+  }
+  RunningScope(const RunningScope &) = delete;
+  RunningScope &operator=(const RunningScope &) = delete;
+
+ private:
+  Model &model_;
+};
+
+// Measures a solve; the model keeps its time and work on every exit path.
+class SolveClock {
+ public:
+  explicit SolveClock(Model &model) : model_(model), log_(model.env()) {
+    control_.log = &log_;
+    control_.limits = solveLimits(model.env());
+    control_.displayInterval = model.env().get(Int::DisplayInterval);
+  }
+  ~SolveClock() {
+    model_.solution().runtime = control_.limits.seconds();
+    model_.solution().work = control_.work.workUnits();
+  }
+  SolveClock(const SolveClock &) = delete;
+  SolveClock &operator=(const SolveClock &) = delete;
+
+  SolveControl &control() { return control_; }
+
+ private:
+  Model &model_;
+  EnvLog log_;
+  SolveControl control_;
+};
+
+bool isFinite(double limit) { return std::fabs(limit) < kUserInf; }
+
+// Keeps solutions whose objective equals the cutoff.
+double loosenedCutoff(double cutoff, int objSense) {
+  if (!isFinite(cutoff)) return cutoff;
+  const double margin = (std::fabs(cutoff) + 1) * 1e-10;
+  const double loose = cutoff + objSense * margin;
+  const double factor = (loose > 0) == (objSense > 0) ? 1.0000000000000002 : 0.9999999999999998;
+  return loose * factor;
+}
+
+// Every solve minimizes: limits on the objective change sides for a maximization.
+void adjustObjectiveLimits(ParamScope &params, const Env &env, int objSense) {
+  params.set(Dbl::Cutoff, loosenedCutoff(env.get(Dbl::Cutoff), objSense));
+  if (objSense > 0) return;
+  for (const Dbl limit : {Dbl::Cutoff, Dbl::BestBdStop, Dbl::BestObjStop})
+    if (isFinite(env.get(limit))) params.set(limit, -env.get(limit));
+}
+
+// Defaults that other settings imply for one solve.
+void adjustDefaults(ParamScope &params, const Env &env, bool isMip) {
+  const auto replace = [&](Int id, int from, int to) {
+    if (env.get(id) == from) params.set(id, to);
+  };
+  if (env.get(Int::Presolve) == 0 || env.get(Int::PoolSearchMode) > 1)
+    params.set(Int::DualReductions, 0);
+  replace(Int::AggFill, -1, isMip ? 0 : 10);
+  replace(Int::DegenMoves, -1, 5);
+  const int focus = env.get(Int::NumericFocus);
+  if (isMip && focus == 0 && env.get(Dbl::ObjScale) == 0) params.set(Dbl::ObjScale, -3.0);
+  if (env.get(Int::Symmetry) == 0)
+    replace(Int::TARV_PAR_PRESYMMPASSES, -1, 0);
+  else if (isMip)
+    replace(Int::TARV_PAR_PRESYMMPASSES, -1, -3);
+  params.set(Int::UpdateMode, 0);
+  if (focus == 0) return;
+  replace(Int::TARV_PAR_SIMPLEXENDFAC, 1, 2);
+  params.set(Dbl::MarkowitzTol, std::max(env.get(Dbl::MarkowitzTol), focus == 1 ? 0.5 : 0.9));
+  params.set(Dbl::TARV_PAR_AGGMULTLIMIT, focus == 1 ? 1e10 : 1e6);
+  if (focus == 1) return;
+  replace(Int::CutPasses, -1, focus == 2 ? 3 : 0);
+  replace(Int::CutAggPasses, -1, focus == 2 ? 1 : 0);
+  if (focus == 3) replace(Int::Quad, -1, 1);
+  replace(Int::GomoryPasses, -1, 0);
+}
+
+// Data moved by many small updates weighed against what the model holds.
+void warnOfUpdates(Env &env, ModelData &data) {
+  double terms = static_cast<double>(data.a.numNz()) + data.q.count();
+  for (const QConstr &constr : data.qconstrs) terms += constr.quad.count();
+  const double elements = static_cast<double>(data.numConstrs()) + data.numVars();
+  if (data.updateWork > 1000 * terms + 10 * elements + 1e7)
+    env.log(
+        "\nWarning: excessive time spent in model updates.\n"
+        "Consider calling update less frequently.\n\n");
+  data.updateWork = 0;
+}
+
+void logFingerprint(Model &model) {
+  const Env &env = model.env();
+  const int mode = env.get(Int::TARV_PAR_FINGERPRINT);
+  const SolutionStore &store = model.solution();
+  const bool warm = !store.vbasis.empty() || !store.pstart.empty() || !store.dstart.empty() ||
+                    !model.data().starts.empty();
+  if (mode == 0 || (mode < 0 && (warm || !env.logReachesAnybody()))) return;
+  model.env().log("Model fingerprint: 0x%08x\n", static_cast<unsigned>(fingerprint(model)));
+}
+
+// Refuses what this version has no algorithm for, before anything of the model is touched.
+void checkSupported(const ModelData &data) {
+  const char *feature = nullptr;
+  if (data.numNonContinuous > 0)
+    feature = "integer variables";
+  else if (data.numSos() > 0)
+    feature = "SOS constraints";
+  else if (data.numGenConstrs() > 0)
+    feature = "general constraints";
+  else if (data.numQConstrs() > 0 || !data.cones.empty())
+    feature = "quadratic constraints";
+  else if (data.q.count() > 0)
+    feature = "a quadratic objective";
+  else if (!data.pwl.empty())
+    feature = "piecewise-linear objective terms";
+  else if (data.objectives.size() > 1)
+    feature = "several objectives";
+  else if (!data.scenarios.empty())
+    feature = "scenarios";
+  if (feature)
+    throw Error(TVK_ERROR_NOT_SUPPORTED, "This version cannot solve models with %s", feature);
+}
+
+void solve(Model &model) {
+  Env &env = model.env();
+  if (!env.account().counting() && isFinite(env.get(Dbl::MemLimit)))
+    env.log("Warning: memory counting is disabled - MemLimit parameter ineffective\n");
+  SolveClock clock(model);
+  warnOfUpdates(env, model.data());
+  model.update();
+  const ModelData &data = model.data();
+  ParamScope params(env);
+  adjustObjectiveLimits(params, env, data.objSense);
+  logModelSize(env, data);
+  logFingerprint(model);
+  checkSupported(data);
+  adjustDefaults(params, env, data.isMip());
+  try {
+    solveLinearModel(model, clock.control());
+  } catch (const std::bad_alloc &) {
+    logOutOfMemory(env);
+    throw Error(TVK_ERROR_OUT_OF_MEMORY, "Optimization exhausted available memory");
+  }
+}
+
+}  // namespace
+
+void optimize(Model &model) {
+  Env &env = model.env();
+  const LocaleScope locale(env.get(Int::TARV_PAR_KEEPLOCALE) == 0);
+  {
+    const RunningScope running(model);
+    logHeader(env);
+    solve(model);
+  }
+  writeResultFile(model);
+}
+
+}  // namespace tarvik

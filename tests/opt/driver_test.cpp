@@ -1,0 +1,150 @@
+// The LP driver on thousands of tiny random models against an independent solver: the same
+// status and objective on every road, claims that carry their proof, warm starts of any quality.
+#include "opt/lp_driver.h"
+
+#include <gtest/gtest.h>
+
+#include "base/random.h"
+#include "support/lp_checks.h"
+#include "support/random_lp.h"
+#include "support/reference_lp.h"
+
+namespace tarvik {
+namespace {
+
+constexpr double kTol = 1e-6;
+
+struct Road {
+  const char *name;
+  SimplexMethod method;
+  int presolve;
+  bool certificates;
+  int scaleFlag;
+};
+constexpr Road kRoads[] = {
+    {"dual", SimplexMethod::Dual, 0, true, -1},
+    {"primal", SimplexMethod::Primal, 0, true, -1},
+    {"dual, unscaled", SimplexMethod::Dual, 0, false, 0},
+    {"presolve and dual", SimplexMethod::Dual, -1, false, -1},
+    {"presolve and primal", SimplexMethod::Primal, 2, false, -1},
+    {"presolve with certificates", SimplexMethod::Dual, -1, true, -1},
+};
+
+LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullptr,
+                bool presolveWarmStart = false) {
+  LpDriverOptions options;
+  options.method = road.method;
+  options.presolve.level = road.presolve;
+  options.presolveWarmStart = presolveWarmStart;
+  options.wantCertificates = road.certificates;
+  options.simplex.scaleFlag = road.scaleFlag;
+  SilentLog log;
+  SolveControl control;
+  control.log = &log;
+  control.limits.start();
+  return LpDriver(lp, options, control).run(start, nullptr);
+}
+
+// The status, with the freedom that presolve has when nobody asks for certificates.
+void expectStatus(LpStatus found, LpStatus expected, const Road &road) {
+  const bool undecided = found == LpStatus::InfeasibleOrUnbounded && road.presolve != 0 &&
+                         !road.certificates && expected != LpStatus::Optimal;
+  EXPECT_TRUE(found == expected || undecided)
+      << "found " << static_cast<int>(found) << ", expected " << static_cast<int>(expected);
+}
+
+void expectResult(const LpModel &lp, const LpSolution &expected, const LpOutcome &outcome,
+                  const Road &road) {
+  const LpSolution &found = outcome.solution;
+  EXPECT_FALSE(outcome.suboptimal);
+  expectStatus(found.status, expected.status, road);
+  if (expected.status == LpStatus::Optimal) {
+    EXPECT_TRUE(test::isOptimal(lp, found, kTol));
+    EXPECT_TRUE(test::isBasicSolution(lp, found, kTol));
+    EXPECT_NEAR(found.objective, expected.objective,
+                kTol * std::max(1.0, std::fabs(expected.objective)));
+  } else if (found.status == LpStatus::Infeasible && road.certificates) {
+    EXPECT_GT(farkasViolation(lp, found.farkas), 0);
+  } else if (found.status == LpStatus::Unbounded && road.certificates) {
+    EXPECT_LT(rayImprovement(lp, found.ray), 0);
+  }
+}
+
+TEST(LpDriver, AgreesWithTheReferenceOnEveryRoad) {
+  for (std::uint64_t seed = 0; seed < 3000 && !::testing::Test::HasFailure(); ++seed) {
+    const LpModel lp = test::randomLp(seed);
+    const LpSolution expected = test::solveReference(lp);
+    for (const Road &road : kRoads) {
+      SCOPED_TRACE(std::string(road.name) + ", seed " + std::to_string(seed) + "\n" +
+                   test::describe(lp));
+      expectResult(lp, expected, drive(lp, road), road);
+    }
+  }
+}
+
+// Statuses at random, whatever their number of basic variables and their bounds.
+Basis randomBasis(const LpModel &lp, std::uint64_t seed) {
+  Random random(seed);
+  const auto status = [&](double lower, double upper) {
+    if (random.uniform() < 0.5) return VarStatus::Basic;
+    if (isInf(lower) && isInf(upper)) return VarStatus::Free;
+    if (isInf(lower)) return VarStatus::AtUpper;
+    if (isInf(upper)) return VarStatus::AtLower;
+    return random.uniform() < 0.5 ? VarStatus::AtLower : VarStatus::AtUpper;
+  };
+  Basis basis;
+  for (int j = 0; j < lp.numCols; ++j) basis.col.push_back(status(lp.colLower[j], lp.colUpper[j]));
+  for (int i = 0; i < lp.numRows; ++i) basis.row.push_back(status(lp.rowLower[i], lp.rowUpper[i]));
+  return basis;
+}
+
+TEST(LpDriver, AnyWarmStartLeadsToTheSameResult) {
+  for (std::uint64_t seed = 0; seed < 1500 && !::testing::Test::HasFailure(); ++seed) {
+    const LpModel lp = test::randomLp(seed);
+    const LpSolution expected = test::solveReference(lp);
+    const Basis start = randomBasis(lp, seed);
+    for (const Road &road : kRoads) {
+      SCOPED_TRACE(std::string(road.name) + ", seed " + std::to_string(seed) + "\n" +
+                   test::describe(lp));
+      expectResult(lp, expected, drive(lp, road, &start, road.presolve != 0), road);
+    }
+  }
+}
+
+TEST(LpDriver, AnOptimalBasisNeedsNoIterations) {
+  int warm = 0;
+  for (std::uint64_t seed = 0; seed < 300; ++seed) {
+    const LpModel lp = test::randomLp(seed);
+    const LpOutcome first = drive(lp, kRoads[0]);
+    if (first.solution.status != LpStatus::Optimal) continue;
+    for (const Road &road : {kRoads[0], kRoads[1]}) {
+      const LpOutcome again = drive(lp, road, &first.solution.basis);
+      ASSERT_EQ(again.solution.status, LpStatus::Optimal) << test::describe(lp);
+      EXPECT_EQ(again.solution.iterations, 0) << test::describe(lp);
+    }
+    ++warm;
+  }
+  EXPECT_GT(warm, 100);
+}
+
+// The iteration limit holds for all engines of a solve together.
+TEST(LpDriver, IterationLimitSpansPresolveAndRepair) {
+  for (std::uint64_t seed = 0; seed < 300; ++seed) {
+    const LpModel lp = test::randomLp(seed);
+    LpDriverOptions options;
+    options.presolve.level = seed % 2 ? -1 : 0;
+    SilentLog log;
+    SolveControl control;
+    control.log = &log;
+    control.limits.start();
+    control.limits.iterationLimit = static_cast<double>(seed % 3);
+    const LpOutcome outcome = LpDriver(lp, options, control).run(nullptr, nullptr);
+    EXPECT_LE(outcome.solution.iterations, control.limits.iterationLimit);
+    if (outcome.solution.status == LpStatus::Optimal) {
+      EXPECT_TRUE(test::isOptimal(lp, outcome.solution, kTol));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tarvik
