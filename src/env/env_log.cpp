@@ -157,6 +157,12 @@ void openSeparateLog(Env &env, const char *base, int number, const char *tag) {
   env.params().setInt(static_cast<int>(Param::OutputFlag), 1);
 }
 
+LogMuteScope::LogMuteScope(Env &env, unsigned destinations)
+    : env_(env), previous_(env.state().log.muted) {
+  env.state().log.muted |= destinations;
+}
+LogMuteScope::~LogMuteScope() { env_.state().log.muted = previous_; }
+
 WorkerLogScope::WorkerLogScope() : previous_(onWorkerThread) { onWorkerThread = true; }
 WorkerLogScope::~WorkerLogScope() { onWorkerThread = previous_; }
 

@@ -18,6 +18,19 @@ void reopenLogFile(Env &env, const char *name);
 // Gives an arm of a concurrent solve a log of its own, named after base and number.
 void openSeparateLog(Env &env, const char *base, int number, const char *tag);
 
+// Keeps destinations (see LogDestination) silent for the life of the scope.
+class LogMuteScope {
+ public:
+  LogMuteScope(Env &env, unsigned destinations);
+  ~LogMuteScope();
+  LogMuteScope(const LogMuteScope &) = delete;
+  LogMuteScope &operator=(const LogMuteScope &) = delete;
+
+ private:
+  Env &env_;
+  unsigned previous_;
+};
+
 // Marks the calling thread as a worker for the life of the scope; see WorkerLog.
 class WorkerLogScope {
  public:

@@ -55,17 +55,14 @@ void readProcessors(EnvState &state) {
 // whatever the settings file says.
 class SilenceKeeper {
  public:
-  SilenceKeeper(Env &env, const ParamStore &wanted) : env_(env) {
-    quiet_ = wanted.getInt(static_cast<int>(Param::OutputFlag)) == 0;
-    noConsole_ = wanted.getInt(static_cast<int>(Param::LogToConsole)) == 0;
-    unsigned &muted = env.state().log.muted;
-    if (noConsole_) muted |= kToConsole;
-    if (quiet_) muted |= kToConsole | kToFile | kToLogCallback;
+  SilenceKeeper(Env &env, const ParamStore &wanted)
+      : env_(env),
+        quiet_(wanted.getInt(static_cast<int>(Param::OutputFlag)) == 0),
+        noConsole_(wanted.getInt(static_cast<int>(Param::LogToConsole)) == 0),
+        mute_(env, (quiet_ ? unsigned{kToConsole | kToFile | kToLogCallback} : 0u) |
+                       (noConsole_ ? unsigned{kToConsole} : 0u)) {
     setAgain();
   }
-  ~SilenceKeeper() { env_.state().log.muted = 0; }
-  SilenceKeeper(const SilenceKeeper &) = delete;
-  SilenceKeeper &operator=(const SilenceKeeper &) = delete;
 
   void setAgain() {
     if (quiet_) env_.setSilently(Int::OutputFlag, 0);
@@ -75,6 +72,7 @@ class SilenceKeeper {
  private:
   Env &env_;
   bool quiet_, noConsole_;
+  LogMuteScope mute_;
 };
 
 void forbidLocalDisk(Env &env) {

@@ -39,6 +39,11 @@ void forEachChanged(const Env &env, Put &&put) {
   }
 }
 
+unsigned silencedBy(const Env &env) {
+  if (env.get(Int::OutputFlag) <= 0) return kToConsole | kToFile | kToLogCallback;
+  return env.get(Int::LogToConsole) <= 0 ? unsigned{kToConsole} : 0u;
+}
+
 // While parameters are read, an environment that logs to its master's file reaches it although
 // it has no file of its own open.
 class MasterLogScope {
@@ -155,6 +160,8 @@ void readTuneBaseSettings(Env &env, const char *fileName) {
     TVKenv *child = childEnv(env, children, index);
     bool found = false;
     try {
+      // The reset turns all output on; a silent parent stays silent while the set is read.
+      const LogMuteScope silence(*child, silencedBy(env));
       resetParams(*child);
       found = reader.readSet(*child);
     } catch (...) {

@@ -196,6 +196,38 @@ TEST_F(LifecycleTest, TuningEnvironmentsAreChildren) {
   EXPECT_NE(TVKgettuneenv(env_, 0), nullptr);
 }
 
+TEST_F(LifecycleTest, ModelsHaveChildEnvironments) {
+  start();
+  TVKmodel *model = nullptr;
+  ASSERT_EQ(TVKnewmodel(env_, &model, "m", 0, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
+  ASSERT_EQ(TVKsetintparam(TVKgetenv(model), "Threads", 3), 0);
+  EXPECT_EQ(TVKgetconcurrentenv(model, 64), nullptr);
+  EXPECT_EQ(TVKgetconcurrentenv(model, -1), nullptr);
+  EXPECT_EQ(TVKgetconcurrentenv(nullptr, 0), nullptr);
+  EXPECT_EQ(TVKgetmultiobjenv(model, -1), nullptr);
+  TVKenv *last = TVKgetconcurrentenv(model, 63);
+  TVKenv *objective = TVKgetmultiobjenv(model, 1000000);
+  ASSERT_NE(last, nullptr);
+  ASSERT_NE(objective, nullptr);
+  EXPECT_NE(last, objective);
+  EXPECT_EQ(TVKgetconcurrentenv(model, 63), last);
+  for (TVKenv *child : {last, objective}) {
+    int threads = 0;
+    EXPECT_EQ(TVKgetintparam(child, "Threads", &threads), 0);
+    EXPECT_EQ(threads, 3);
+    unsigned flags = 0;
+    EXPECT_EQ(TVKgetparamflags(child, "LogFile", &flags), 0);
+    EXPECT_EQ(flags & 0x100u, 0x100u);
+  }
+  EXPECT_EQ(TVKfreeenv(TVKgetenv(model)), TVK_ERROR_INVALID_ARGUMENT);
+  TVKdiscardconcurrentenvs(model);
+  TVKdiscardmultiobjenvs(model);
+  TVKdiscardconcurrentenvs(nullptr);
+  TVKdiscardmultiobjenvs(nullptr);
+  EXPECT_NE(TVKgetconcurrentenv(model, 0), nullptr);
+  EXPECT_EQ(TVKfreemodel(model), 0);
+}
+
 TEST_F(LifecycleTest, VersionFillsWhatIsAsked) {
   int minor = -1, major = -1, technical = -1;
   EXPECT_EQ(TVKversion(nullptr, &minor, nullptr), 0);

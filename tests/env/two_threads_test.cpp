@@ -2,11 +2,13 @@
 #include <thread>
 
 #include "env_fixture.h"
+#include "small_program.h"
 
 namespace {
 
 using tarvik_test::collectLog;
 using tarvik_test::EnvTest;
+using tarvik_test::SmallProgram;
 
 void useEnvironment(int which, std::string &log) {
   const std::string logName = "thread" + std::to_string(which) + ".log";
@@ -21,6 +23,10 @@ void useEnvironment(int which, std::string &log) {
     TVKenv *child = TVKgettuneenv(env, round);
     ASSERT_NE(child, nullptr);
     ASSERT_NE(TVKsetintparam(child, "nonsense", 1), 0);
+    {
+      SmallProgram program(env);
+      ASSERT_EQ(program.run(), 0);
+    }
     ASSERT_EQ(TVKfreeenv(env), 0);
   }
 }
