@@ -64,6 +64,8 @@ AttrTable::AttrTable()
   registerObjectiveAttrs(*this);
   registerScenarioAttrs(*this);
   registerResultAttrs(*this);
+  registerStatisticsAttrs(*this);
+  registerQualityAttrs(*this);
 }
 
 const AttrRow *AttrTable::find(const char *name) const {

@@ -78,5 +78,7 @@ void registerSettingAttrs(AttrTable &table);
 void registerObjectiveAttrs(AttrTable &table);
 void registerScenarioAttrs(AttrTable &table);
 void registerResultAttrs(AttrTable &table);
+void registerStatisticsAttrs(AttrTable &table);
+void registerQualityAttrs(AttrTable &table);
 
 }  // namespace tarvik

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "env/exported_call.h"
 #include "model/model_data.h"
 #include "model/model_input.h"
+#include "model/measures.h"
 #include "model/name_index.h"
 #include "model/pending_changes.h"
 #include "model/solution_store.h"
@@ -24,8 +26,8 @@ struct DerivedData {
   NameList defaultVarNames, defaultConstrNames, defaultQConstrNames, defaultGenConstrNames;
   bool hasFingerprint = false;
   int fingerprint = 0;
-  bool hasStatistics = false;
-  Vec<double> statistics;  // in the order of attr/statistics.h
+  std::optional<ModelStatistics> statistics;
+  std::optional<SolutionQuality> quality;
 };
 
 class Model {

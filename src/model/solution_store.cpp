@@ -13,10 +13,17 @@ void SolutionStore::clearResults() {
   fresh.cDualNorm = std::move(cDualNorm);
   fresh.pstart = std::move(pstart);
   fresh.dstart = std::move(dstart);
+  fresh.runtime = runtime;
+  fresh.work = work;
+  fresh.generation = generation + 1;
   fresh.previousX = std::move(x.empty() ? previousX : x);
   *this = std::move(fresh);
 }
 
-void SolutionStore::clearAll() { *this = SolutionStore(); }
+void SolutionStore::clearAll() {
+  SolutionStore fresh;
+  fresh.generation = generation + 1;
+  *this = std::move(fresh);
+}
 
 }  // namespace tarvik

@@ -59,6 +59,9 @@ struct SolutionStore {
   // The last solve's x after the model changed, kUndefined for new variables.
   Vec<double> previousX;
 
+  // Counts the times that results were cleared, so that measures know when they are out of date.
+  std::uint64_t generation = 0;
+
   // True when any result of a solve is stored.
   bool hasResults() const { return status != 1 || hasIis || !x.empty(); }
   // A basis that attributes may show: of the last solve, or set by the caller.
