@@ -42,7 +42,7 @@ Vec<double> rowScales(const ModelData &data) {
 }
 
 void measurePrimal(const ModelData &data, const SolutionStore &s, const Vec<double> &scale,
-                   SolutionQuality &q) {
+                   QualityReport &q) {
   Collector bound, integrality, constr, constrS, residual, residualS;
   for (int j = 0; j < data.numVars(); ++j) {
     bound.add(j, boundViolation(data, j, s.x[j]));
@@ -118,7 +118,7 @@ Vec<double> quadraticGradient(const ModelData &data, const Vec<double> &x) {
 }
 
 void measureDual(const ModelData &data, const SolutionStore &s, const Vec<double> &scale,
-                 SolutionQuality &q) {
+                 QualityReport &q) {
   const bool hasDuals = !data.isMip() && data.qconstrs.empty() && data.cones.empty() &&
                         static_cast<int>(s.pi.size()) == data.numConstrs() &&
                         static_cast<int>(s.rc.size()) == data.numVars();
@@ -148,7 +148,7 @@ void measureDual(const ModelData &data, const SolutionStore &s, const Vec<double
   compl_.store(q[Quality::Compl]);
 }
 
-bool isCurrent(const std::optional<SolutionQuality> &q, const SolutionStore &s) {
+bool isCurrent(const std::optional<QualityReport> &q, const SolutionStore &s) {
   return q && q->generation == s.generation && q->objVal == s.objVal && q->runtime == s.runtime;
 }
 
@@ -173,14 +173,14 @@ void registerMeasure(AttrTable &t, Attr max, Attr sum, Attr index) {
 
 }  // namespace
 
-const SolutionQuality &solutionQuality(Model &model) {
+const QualityReport &solutionQuality(Model &model) {
   const SolutionStore &s = model.solution();
   const ModelData &data = model.data();
   if (static_cast<int>(s.x.size()) != data.numVars() || (s.x.empty() && !s.hasObjective))
     attrNotAvailable();
-  std::optional<SolutionQuality> &kept = model.derived().quality;
+  std::optional<QualityReport> &kept = model.derived().quality;
   if (isCurrent(kept, s)) return *kept;
-  SolutionQuality q;
+  QualityReport q;
   q.generation = s.generation;
   q.objVal = s.objVal;
   q.runtime = s.runtime;
@@ -210,7 +210,7 @@ void registerQualityAttrs(AttrTable &t) {
   registerMeasure<Quality::Int>(t, A::IntVio, A::IntVioSum, A::IntVioIndex);
   registerMeasure<Quality::Compl>(t, A::ComplVio, A::ComplVioSum, A::ComplVioIndex);
   t.handlers<double>(A::MaxVio).get = [](Model &m, const Elements &, double *out) {
-    const SolutionQuality &q = solutionQuality(m);
+    const QualityReport &q = solutionQuality(m);
     *out = std::max({q[Quality::Bound].max, q[Quality::Constr].max, q[Quality::Int].max});
   };
 }

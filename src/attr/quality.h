@@ -13,6 +13,6 @@
 namespace tarvik {
 
 // Throws 10005 without a solution. Computed once until the solution changes.
-const SolutionQuality &solutionQuality(Model &model);
+const QualityReport &solutionQuality(Model &model);
 
 }  // namespace tarvik

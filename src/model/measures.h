@@ -57,7 +57,7 @@ struct QualityMeasure {
   int index = -1;  // the first element that attains max; -1 without elements
 };
 
-struct SolutionQuality {
+struct QualityReport {
   std::array<QualityMeasure, static_cast<int>(Quality::Count)> measures;
   // Which solution was measured.
   std::uint64_t generation = 0;

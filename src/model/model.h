@@ -27,7 +27,7 @@ struct DerivedData {
   bool hasFingerprint = false;
   int fingerprint = 0;
   std::optional<ModelStatistics> statistics;
-  std::optional<SolutionQuality> quality;
+  std::optional<QualityReport> quality;
 };
 
 class Model {
