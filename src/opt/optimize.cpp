@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "attr/fingerprint.h"
+#include "attr/statistics.h"
 #include "base/locale_scope.h"
 #include "env/interrupt.h"
 #include "opt/env_log.h"
@@ -161,6 +162,7 @@ void solve(Model &model) {
   adjustObjectiveLimits(params, env, data.objSense);
   logModelSize(env, data);
   logFingerprint(model);
+  printStatistics(model);
   checkSupported(data);
   adjustDefaults(params, env, data.isMip());
   try {

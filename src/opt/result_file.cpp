@@ -1,6 +1,9 @@
 #include "opt/result_file.h"
 
+#include <new>
 #include <string>
+
+#include "io/dispatch.h"
 
 namespace tarvik {
 
@@ -18,20 +21,25 @@ void writeResultFile(Model &model) {
   Env &env = model.env();
   const std::string name = env.get(Str::ResultFile);
   if (name.empty()) return;
-  TVKmodel *handle = static_cast<TVKmodel *>(&model);
   const int status = model.solution().status;
-  int code = 0;
   if (isIisFile(name) && (status == TVK_INFEASIBLE || status == TVK_INF_OR_UNBD)) {
-    code = TVKcomputeIIS(handle);
+    const int code = TVKcomputeIIS(static_cast<TVKmodel *>(&model));
     if (code != 0) {
       env.log("Error: IIS computation stopped with error code %d\n", code);
       env.log("\nWarning: unable to write requested result file '%s'\n", name.c_str());
       return;
     }
   }
-  code = TVKwrite(handle, name.c_str());
-  env.log(code == 0 ? "\nWrote requested result file '%s'\n\n"
-                    : "\nWarning: unable to write requested result file '%s'\n\n",
+  bool written = true;
+  try {
+    writeFromModel(model, name.c_str());
+  } catch (const Error &) {
+    written = false;
+  } catch (const std::bad_alloc &) {
+    written = false;
+  }
+  env.log(written ? "\nWrote requested result file '%s'\n\n"
+                  : "\nWarning: unable to write requested result file '%s'\n\n",
           name.c_str());
 }
 

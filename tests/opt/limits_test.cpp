@@ -196,6 +196,23 @@ TEST(Optimize, ParametersOfTheSolveAreRestored) {
   EXPECT_EQ(markowitz, 0.0078125);
 }
 
+TEST(Optimize, WritesTheResultFileOrWarns) {
+  LoggedEnv env;
+  const auto directory = std::filesystem::temp_directory_path() / "tarvik_result_test";
+  std::filesystem::create_directories(directory);
+  const std::string good = directory / "plan.sol", bad = directory / "missing" / "plan.sol";
+  TinyModel model(env, smallMax());
+  model.set("ResultFile", good.c_str());
+  EXPECT_EQ(model.solve(), TVK_OPTIMAL);
+  EXPECT_TRUE(env.logged("\n\nWrote requested result file '" + good + "'\n\n")) << env.log();
+  EXPECT_TRUE(std::ifstream(good).good());
+  model.set("ResultFile", bad.c_str());
+  EXPECT_EQ(model.solve(), TVK_OPTIMAL);
+  EXPECT_TRUE(env.logged("\n\nWarning: unable to write requested result file '" + bad + "'\n\n"));
+  EXPECT_STREQ(TVKgetmerrormsg(model.get()), "");
+  std::filesystem::remove_all(directory);
+}
+
 TEST(Optimize, SameInputSameRoad) {
   double iterations[2], work[2];
   for (int run = 0; run < 2; ++run) {
