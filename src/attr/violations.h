@@ -2,30 +2,10 @@
 // Neumaier 1974) and the violation of every kind of constraint.
 #pragma once
 
-#include <cmath>
-
+#include "base/compensated_sum.h"
 #include "model/model_data.h"
 
 namespace tarvik {
-
-// A sum that carries its rounding error.
-class CompensatedSum {
- public:
-  void add(double value) {
-    const double sum = sum_ + value;
-    error_ += std::abs(sum_) >= std::abs(value) ? (sum_ - sum) + value : (value - sum) + sum_;
-    sum_ = sum;
-  }
-  void addProduct(double a, double b) {
-    const double product = a * b;
-    add(product);
-    error_ += std::fma(a, b, -product);
-  }
-  double value() const { return sum_ + error_; }
-
- private:
-  double sum_ = 0, error_ = 0;
-};
 
 // rhs - activity of every linear (quadratic) constraint.
 Vec<double> linearSlacks(const ModelData &data, const Vec<double> &x);

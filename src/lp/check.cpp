@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "lp/compensated_sum.h"
+#include "base/compensated_sum.h"
 
 namespace tarvik {
 

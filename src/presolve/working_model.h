@@ -8,7 +8,7 @@
 // know why a change is right and leave no record; that is the business of the reductions.
 #pragma once
 
-#include "lp/compensated_sum.h"
+#include "base/compensated_sum.h"
 #include "lp/lp_model.h"
 #include "presolve/presolve.h"
 

@@ -337,11 +337,12 @@ TEST_F(AttrTest, StatisticsAndTheirWarnings) {
   EXPECT_EQ(scalar("MaxObjCoeff"), 0);
   EXPECT_EQ(scalar("MinObjCoeff"), 1e100);
   tarvik::printStatistics(*model);
-  EXPECT_TRUE(logged("Coefficient statistics:\n  Matrix range     [1e-06, 1e+07]\n"
-                     "  Objective range  [0e+00, 0e+00]\n  Bounds range     [8e+00, 8e+00]\n"
-                     "  RHS range        [5e+00, 5e+00]\n"
-                     "Warning: Model contains large matrix coefficient range\n"
-                     "         Consider reformulating model or setting NumericFocus parameter\n"))
+  EXPECT_TRUE(
+      logged("Coefficient statistics:\n  Matrix range     [1e-06, 1e+07]\n"
+             "  Objective range  [0e+00, 0e+00]\n  Bounds range     [8e+00, 8e+00]\n"
+             "  RHS range        [5e+00, 5e+00]\n"
+             "Warning: Model contains large matrix coefficient range\n"
+             "         Consider reformulating model or setting NumericFocus parameter\n"))
       << log;
   log.clear();
   ASSERT_EQ(TVKsetintparam(modelEnv(), "NumericFocus", 1), 0);

@@ -152,8 +152,7 @@ TEST_F(LinearTest, DeletionsKeepOrderAndMayNamePendingElements) {
   addVars(4);
   const int ind[] = {0, 1, 2, 3};
   const double val[] = {1, 2, 3, 4};
-  for (int i = 0; i < 3; ++i)
-    ASSERT_EQ(TVKaddconstr(model, 4, ind, val, '<', 10 + i, nullptr), 0);
+  for (int i = 0; i < 3; ++i) ASSERT_EQ(TVKaddconstr(model, 4, ind, val, '<', 10 + i, nullptr), 0);
   update();
   addVar(5, 0, 1, 'C');
   addVar(6, 0, 1, 'C');

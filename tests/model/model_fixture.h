@@ -63,8 +63,8 @@ class ModelTest : public ::testing::Test {
   void update() const { ASSERT_EQ(TVKupdatemodel(model), 0) << error(); }
   // Adds n continuous variables without coefficients and without names.
   void addVars(int n) const {
-    ASSERT_EQ(TVKaddvars(model, n, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                         nullptr, nullptr),
+    ASSERT_EQ(TVKaddvars(model, n, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                         nullptr),
               0);
   }
   void addVar(double obj, double lb, double ub, char type, const char *name = nullptr) const {
