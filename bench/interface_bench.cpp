@@ -48,4 +48,45 @@ void getIntParam(benchmark::State &state) {
 }
 BENCHMARK(getIntParam);
 
+TVKmodel *smallModel(TVKenv *env) {
+  TVKmodel *model = nullptr;
+  if (TVKnewmodel(env, &model, "small", 1000, nullptr, nullptr, nullptr, nullptr, nullptr) != 0)
+    std::abort();
+  return model;
+}
+
+void getIntAttr(benchmark::State &state) {
+  TVKenv *env = silentEnv();
+  TVKmodel *model = smallModel(env);
+  int value = 0;
+  for (auto _ : state) benchmark::DoNotOptimize(TVKgetintattr(model, "NumVars", &value));
+  TVKfreemodel(model);
+  TVKfreeenv(env);
+}
+BENCHMARK(getIntAttr);
+
+void getDblAttr(benchmark::State &state) {
+  TVKenv *env = silentEnv();
+  TVKmodel *model = smallModel(env);
+  double value = 0;
+  for (auto _ : state) benchmark::DoNotOptimize(TVKgetdblattr(model, "ObjCon", &value));
+  TVKfreemodel(model);
+  TVKfreeenv(env);
+}
+BENCHMARK(getDblAttr);
+
+void getDblAttrElement(benchmark::State &state) {
+  TVKenv *env = silentEnv();
+  TVKmodel *model = smallModel(env);
+  double value = 0;
+  int element = 0;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(TVKgetdblattrelement(model, "UB", element, &value));
+    element = (element + 1) % 1000;
+  }
+  TVKfreemodel(model);
+  TVKfreeenv(env);
+}
+BENCHMARK(getDblAttrElement);
+
 }  // namespace
