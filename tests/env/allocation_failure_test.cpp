@@ -21,7 +21,7 @@ class AllocationFailureTest : public EnvTest {
   void SetUp() override {
     EnvTest::SetUp();
     write("tarvik.env", "NodefileDir nodes\nMethod 1\n");
-    write("more.prm", "ResultFile result.sol\nnonsense 3\nThreads 2.5\n");
+    write("more.prm", "WorkerPool pool\nnonsense 3\nThreads 2.5\n");
   }
 
   int useParameters(FailingHeap &heap) {

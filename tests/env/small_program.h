@@ -18,7 +18,8 @@ class SmallProgram {
 
   int run() {
     for (const auto step :
-         {&SmallProgram::build, &SmallProgram::extend, &SmallProgram::read, &SmallProgram::change})
+         {&SmallProgram::build, &SmallProgram::extend, &SmallProgram::read, &SmallProgram::change,
+          &SmallProgram::solve, &SmallProgram::solveAgain, &SmallProgram::useFiles})
       if (const int code = (this->*step)()) return code;
     return 0;
   }
@@ -80,6 +81,29 @@ class SmallProgram {
     if (const int code = TVKdelvars(model_, 1, gone)) return code;
     return TVKupdatemodel(model_);
   }
+  int solve() {
+    if (const int code = TVKoptimize(model_)) return code;
+    int status = 0;
+    if (const int code = TVKgetintattr(model_, "Status", &status)) return code;
+    EXPECT_EQ(status, TVK_OPTIMAL);
+    double objective = 0;
+    if (const int code = TVKgetdblattr(model_, "ObjVal", &objective)) return code;
+    EXPECT_NEAR(objective, 4, 1e-9);  // b = 2
+    return 0;
+  }
+  // The same without presolve, so that the simplex method has to work.
+  int solveAgain() {
+    if (const int code = TVKresetmodel(model_)) return code;
+    TVKsetintparam(TVKgetenv(model_), "Presolve", 0);
+    return solve();
+  }
+  int useFiles() {
+    if (const int code = TVKwrite(model_, "small.mps")) return code;
+    if (const int code = TVKwrite(second_, "second.mps")) return code;
+    TVKfreemodel(second_);
+    return TVKreadmodel(env_, "second.mps", &second_);
+  }
+
   TVKenv *env_;
   TVKmodel *model_ = nullptr, *second_ = nullptr;
 };
