@@ -45,7 +45,7 @@ class AllocationFailureTest : public EnvTest {
       return code;
     }
     {
-      SmallProgram small(program_);
+      SmallProgram small(program_, "a");
       if (const int code = small.run()) {
         expectOutOfMemory(small);
         return code;
@@ -117,7 +117,7 @@ TEST_F(AllocationFailureTest, ModelsAndEnvironmentsAreFreedInAnyOrder) {
     TVKsetintparam(env, "OutputFlag", 0);
     ASSERT_EQ(TVKstartenv(env), 0);
     {
-      SmallProgram first(env), second(env);
+      SmallProgram first(env, "1"), second(env, "2");
       ASSERT_EQ(first.run(), 0);
       ASSERT_EQ(second.run(), 0);
       ASSERT_NE(TVKgettuneenv(env, 0), nullptr);

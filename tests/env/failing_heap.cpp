@@ -9,13 +9,15 @@ namespace {
 std::atomic<long> newBudget{-1};  // -1: never fails
 std::atomic<bool> newFailed{false};
 
+void *plainNew(std::size_t size) { return std::malloc(size ? size : 1); }
+
 void *countedNew(std::size_t size) {
   if (newBudget.load() >= 0 && newBudget.fetch_sub(1) <= 0) {
     newBudget.store(0);
     newFailed.store(true);
     return nullptr;
   }
-  return std::malloc(size ? size : 1);
+  return plainNew(size);
 }
 
 // A mark in front of every block tells the heap's own blocks from others.
@@ -31,8 +33,9 @@ void *operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 void *operator new[](std::size_t size) { return operator new(size); }
-void *operator new(std::size_t size, const std::nothrow_t &) noexcept { return countedNew(size); }
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept { return countedNew(size); }
+// Who asks this way gets along without the memory; the calls succeed all the same.
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept { return plainNew(size); }
+void *operator new[](std::size_t size, const std::nothrow_t &) noexcept { return plainNew(size); }
 void operator delete(void *block) noexcept { std::free(block); }
 void operator delete[](void *block) noexcept { std::free(block); }
 void operator delete(void *block, std::size_t) noexcept { std::free(block); }

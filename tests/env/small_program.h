@@ -5,13 +5,20 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "tarvik.h"
 
 namespace tarvik_test {
 
 class SmallProgram {
  public:
-  explicit SmallProgram(TVKenv *env) : env_(env) {}
+  // Files that it writes begin with the prefix, a short one.
+  SmallProgram(TVKenv *env, const char *prefix)
+      : env_(env), firstFile_(prefix), secondFile_(prefix) {
+    firstFile_ += "first.mps";
+    secondFile_ += "second.mps";
+  }
   ~SmallProgram() { freeAll(); }
   SmallProgram(const SmallProgram &) = delete;
   SmallProgram &operator=(const SmallProgram &) = delete;
@@ -98,13 +105,14 @@ class SmallProgram {
     return solve();
   }
   int useFiles() {
-    if (const int code = TVKwrite(model_, "small.mps")) return code;
-    if (const int code = TVKwrite(second_, "second.mps")) return code;
+    if (const int code = TVKwrite(model_, firstFile_.c_str())) return code;
+    if (const int code = TVKwrite(second_, secondFile_.c_str())) return code;
     TVKfreemodel(second_);
-    return TVKreadmodel(env_, "second.mps", &second_);
+    return TVKreadmodel(env_, secondFile_.c_str(), &second_);
   }
 
   TVKenv *env_;
+  std::string firstFile_, secondFile_;
   TVKmodel *model_ = nullptr, *second_ = nullptr;
 };
 

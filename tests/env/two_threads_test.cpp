@@ -24,7 +24,7 @@ void useEnvironment(int which, std::string &log) {
     ASSERT_NE(child, nullptr);
     ASSERT_NE(TVKsetintparam(child, "nonsense", 1), 0);
     {
-      SmallProgram program(env);
+      SmallProgram program(env, which == 1 ? "1" : "2");
       ASSERT_EQ(program.run(), 0);
     }
     ASSERT_EQ(TVKfreeenv(env), 0);
