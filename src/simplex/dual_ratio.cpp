@@ -19,24 +19,36 @@ void DualSimplex<Real>::collectCandidates(Real sign) {
                              : e_.updates < tuning::kOldUpdates ? tuning::kRowPivotTolUsed
                                                                 : tuning::kRowPivotTolOld);
   candidates_.clear();
+  const Real tol = e_.dualTol;
+  // No step passes a variable without an opposite bound: what lies beyond the nearest one so far
+  // is not kept.
+  Real reach = kRealInf<Real>;
   const auto consider = [&](VarIndex j, Real entry) {
     const int move = e_.move[j];
     const Real alpha = move != 0 ? sign * entry * Real(move) : fabs(entry);
     if (alpha <= pivotTol) return;
     // Drift beyond the tolerance counts as the tolerance, so that no ratio is negative.
-    const Real slack = move != 0 ? std::max(e_.dual[j] * Real(move), -e_.dualTol) : Real(0);
-    candidates_.push_back({j, alpha, slack, e_.upper[j] - e_.lower[j]});
+    const Real slack = move != 0 ? std::max(e_.dual[j] * Real(move), -tol) : Real(0);
+    if (slack > reach * alpha) return;
+    candidates_.push_back({j, alpha, slack, width_[j]});
+    if (width_[j] == kRealInf<Real> && slack + tol < reach * alpha) reach = (slack + tol) / alpha;
   };
-  for (int k = 0; k < e_.pivotRow.count; ++k) {
-    const int j = e_.pivotRow.index[k];
-    consider(j, e_.pivotRow.value[j]);
+  if (e_.pivotRow.valid()) {
+    for (int k = 0; k < e_.pivotRow.count; ++k) {
+      const int j = e_.pivotRow.index[k];
+      consider(j, e_.pivotRow.value[j]);
+    }
+  } else {
+    const Real *row = e_.pivotRow.value.data();
+    for (int j = 0; j < e_.lp.n; ++j)
+      if (row[j] > pivotTol || row[j] < -pivotTol) consider(j, row[j]);
   }
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];
     const VarIndex j = e_.lp.n + i;
     if (e_.canEnter(j)) consider(j, e_.rho.value[i]);
   }
-  e_.chargeWork(4.0 * (e_.pivotRow.count + e_.rho.count));
+  e_.chargeWork(4.0 * (e_.pivotRow.passLength() + e_.rho.count));
 }
 
 // Orders the candidates that the step can reach into groups; returns the index of the group to

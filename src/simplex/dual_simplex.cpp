@@ -21,6 +21,7 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   e_.resetWorkingBounds();
   e_.resetWorkingCosts();
   queue_.resize(e_.lp.m);
+  width_.resize(e_.lp.total());
   unblockAll();
   allowSmallPivots_ = false;
   if (!e_.factored && !e_.refactor()) return PhaseResult::Trouble;
@@ -141,6 +142,7 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
   e_.computeDual();
   correctDuals(!phaseOne);
   e_.loadBasicBounds();
+  for (int j = 0; j < e_.lp.total(); ++j) width_[j] = e_.upper[j] - e_.lower[j];
   e_.computePrimal();
   dualObjective_ = phaseOne ? Real(0) : e_.currentObjective();
   fillQueue();
@@ -378,15 +380,22 @@ void DualSimplex<Real>::updatePrimal(BasisPos p, Real thetaP) {
 template <class Real>
 void DualSimplex<Real>::updateDuals(Real thetaD) {
   if (thetaD == Real(0)) return;
-  for (int k = 0; k < e_.pivotRow.count; ++k) {
-    const int j = e_.pivotRow.index[k];
-    e_.dual[j] -= thetaD * e_.pivotRow.value[j];
+  if (e_.pivotRow.valid()) {
+    for (int k = 0; k < e_.pivotRow.count; ++k) {
+      const int j = e_.pivotRow.index[k];
+      e_.dual[j] -= thetaD * e_.pivotRow.value[j];
+    }
+  } else {
+    // The row is zero on basic and fixed columns, so one plain pass does.
+    const Real *row = e_.pivotRow.value.data();
+    Real *dual = e_.dual.data();
+    for (int j = 0; j < e_.lp.n; ++j) dual[j] -= thetaD * row[j];
   }
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];
     if (e_.position[e_.lp.n + i] < 0) e_.dual[e_.lp.n + i] -= thetaD * e_.rho.value[i];
   }
-  e_.chargeWork(3.0 * (e_.pivotRow.count + e_.rho.count));
+  e_.chargeWork(3.0 * (e_.pivotRow.passLength() + e_.rho.count));
 }
 
 template class DualSimplex<double>;

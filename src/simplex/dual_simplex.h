@@ -58,6 +58,7 @@ class DualSimplex {
 
   Engine<Real> &e_;
   CandidateQueue queue_;
+  Vec<Real> width_;  // upper - lower, by variable
   Vec<Candidate> candidates_;
   Vec<int> groupStart_;
   Vec<Real> suffixTheta_;

@@ -225,10 +225,9 @@ void Engine<Real>::computeDual() {
   } else {
     rows.price(y, pivotRow, 1.0, control->work);
     for (int j = 0; j < lp.n; ++j) dual[j] = position[j] >= 0 ? Real(0) : cost[j];
-    for (int k = 0; k < pivotRow.count; ++k) {
-      const int j = pivotRow.index[k];
-      if (position[j] < 0) dual[j] -= pivotRow.value[j];
-    }
+    pivotRow.forEach([&](int j, Real entry) {
+      if (position[j] < 0) dual[j] -= entry;
+    });
   }
   for (int i = 0; i < lp.m; ++i) {
     const int j = lp.n + i;
@@ -319,8 +318,8 @@ void Engine<Real>::unitBtran(BasisPos p) {
 
 template <class Real>
 void Engine<Real>::priceRow() {
-  rows.price(rho, pivotRow, rowDensity, control->work);
-  updateDensity(rowDensity, pivotRow);
+  const double density = rows.price(rho, pivotRow, rowDensity, control->work);
+  rowDensity += tuning::kDensityMemory * (density - rowDensity);
 }
 
 template <class Real>

@@ -290,27 +290,23 @@ void PrimalSimplex<Real>::updatePhaseOneCosts(BasisPos leavingRow) {
   e_.factor.btran(costChange_, e_.rhoDensity, e_.control->work);
   if (!costChange_.valid()) costChange_.rebuild(Real(1e-14));
   e_.rows.price(costChange_, costRow_, e_.rowDensity, e_.control->work);
-  for (int k = 0; k < costRow_.count; ++k) {
-    const int j = costRow_.index[k];
-    e_.dual[j] -= costRow_.value[j];
+  costRow_.forEach([&](int j, Real entry) {
+    e_.dual[j] -= entry;
     setDualMerit(j);
-  }
+  });
   for (int k = 0; k < costChange_.count; ++k) {
     const VarIndex j = e_.lp.n + costChange_.index[k];
     if (e_.position[j] >= 0) continue;
     e_.dual[j] -= costChange_.value[costChange_.index[k]];
     setDualMerit(j);
   }
-  e_.chargeWork(5.0 * (costRow_.count + costChange_.count));
+  e_.chargeWork(5.0 * (costRow_.passLength() + costChange_.count));
 }
 
 template <class Real>
 void PrimalSimplex<Real>::updateDuals(VarIndex q, BasisPos p, Real alpha) {
   const Real thetaD = e_.dual[q] / alpha;
-  for (int k = 0; k < e_.pivotRow.count; ++k) {
-    const int j = e_.pivotRow.index[k];
-    e_.dual[j] -= thetaD * e_.pivotRow.value[j];
-  }
+  e_.pivotRow.forEach([&](int j, Real entry) { e_.dual[j] -= thetaD * entry; });
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];
     if (e_.position[e_.lp.n + i] < 0) e_.dual[e_.lp.n + i] -= thetaD * e_.rho.value[i];
@@ -340,10 +336,7 @@ void PrimalSimplex<Real>::updateDevex(VarIndex q, BasisPos p, Real alpha, VarInd
     weight_[j] = std::max(weight_[j], a * a * pivotWeight + inReference_[j]);
     setDualMerit(j);
   };
-  for (int k = 0; k < e_.pivotRow.count; ++k) {
-    const int j = e_.pivotRow.index[k];
-    raise(j, e_.pivotRow.value[j]);
-  }
+  e_.pivotRow.forEach([&](int j, Real entry) { raise(j, entry); });
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];
     const VarIndex j = e_.lp.n + i;
@@ -351,7 +344,7 @@ void PrimalSimplex<Real>::updateDevex(VarIndex q, BasisPos p, Real alpha, VarInd
   }
   weight_[out] = std::max(1.0, pivotWeight);
   weight_[q] = 1.0;
-  e_.chargeWork(5.0 * (e_.pivotRow.count + e_.rho.count) + 3.0 * count);
+  e_.chargeWork(5.0 * (e_.pivotRow.passLength() + e_.rho.count) + 3.0 * count);
   if (devexErrors_ > tuning::kDevexMaxErrors) {
     resetDevex();
     fillQueue();

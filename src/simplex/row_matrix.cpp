@@ -1,5 +1,6 @@
 #include "simplex/row_matrix.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarvik {
@@ -68,23 +69,21 @@ void RowMatrix<Real>::setActive(ColIndex j, bool active) {
 }
 
 template <class Real>
-void RowMatrix<Real>::price(const SparseVec<Real> &rho, SparseVec<Real> &row,
-                            double expectedDensity, WorkMeter &work) const {
+double RowMatrix<Real>::price(const SparseVec<Real> &rho, SparseVec<Real> &row,
+                              double expectedDensity, WorkMeter &work) const {
   row.clear();
-  if (!rho.valid() || rho.density() > kColumnWiseDensity)
-    priceByCols(rho, row, work);
-  else
-    priceByRows(rho, row, expectedDensity < kListDensity, work);
+  if (!rho.valid() || rho.density() > kColumnWiseDensity) return priceByCols(rho, row, work);
+  return priceByRows(rho, row, expectedDensity < kListDensity, work);
 }
 
 template <class Real>
-void RowMatrix<Real>::priceByRows(const SparseVec<Real> &rho, SparseVec<Real> &row, bool keepList,
-                                  WorkMeter &work) const {
+double RowMatrix<Real>::priceByRows(const SparseVec<Real> &rho, SparseVec<Real> &row, bool keepList,
+                                    WorkMeter &work) const {
   double touched = 0;
+  int k = 0;
   if (keepList) {
     // A vector that turns out dense is finished without its list.
     const int listLimit = row.size / 4;
-    int k = 0;
     for (; k < rho.count && row.count <= listLimit; ++k) {
       const int i = rho.index[k];
       const Real x = rho.value[i];
@@ -95,30 +94,26 @@ void RowMatrix<Real>::priceByRows(const SparseVec<Real> &rho, SparseVec<Real> &r
     if (k == rho.count) {
       row.tighten(Real(1e-14));
       work.charge(4 * touched + 2 * rho.count);
-      return;
-    }
-    for (; k < rho.count; ++k) {
-      const int i = rho.index[k];
-      const Real x = rho.value[i];
-      touched += static_cast<double>(activeEnd_[i] - start_[i]);
-      for (NzIndex p = start_[i]; p < activeEnd_[i]; ++p) row.value[col_[p]] += x * value_[p];
-    }
-  } else {
-    for (int k = 0; k < rho.count; ++k) {
-      const int i = rho.index[k];
-      const Real x = rho.value[i];
-      if (x == Real(0)) continue;
-      touched += static_cast<double>(activeEnd_[i] - start_[i]);
-      for (NzIndex p = start_[i]; p < activeEnd_[i]; ++p) row.value[col_[p]] += x * value_[p];
+      return row.density();
     }
   }
-  row.rebuild(Real(1e-14));
+  Real *sum = row.value.data();
+  for (; k < rho.count; ++k) {
+    const int i = rho.index[k];
+    const Real x = rho.value[i];
+    if (x == Real(0)) continue;
+    const NzIndex end = activeEnd_[i];
+    touched += static_cast<double>(end - start_[i]);
+    for (NzIndex p = start_[i]; p < end; ++p) sum[col_[p]] += x * value_[p];
+  }
+  row.count = -1;
   work.charge(3 * touched + row.size);
+  return std::min(1.0, touched / std::max(row.size, 1));
 }
 
 template <class Real>
-void RowMatrix<Real>::priceByCols(const SparseVec<Real> &rho, SparseVec<Real> &row,
-                                  WorkMeter &work) const {
+double RowMatrix<Real>::priceByCols(const SparseVec<Real> &rho, SparseVec<Real> &row,
+                                    WorkMeter &work) const {
   double touched = 0;
   for (int j = 0; j < lp_->n; ++j) {
     if (!active_[j]) continue;
@@ -127,12 +122,11 @@ void RowMatrix<Real>::priceByCols(const SparseVec<Real> &rho, SparseVec<Real> &r
     for (NzIndex k = lp_->cols.start[j]; k < end; ++k)
       sum += rho.value[lp_->cols.index[k]] * lp_->value[k];
     touched += static_cast<double>(end - lp_->cols.start[j]);
-    if (sum > Real(1e-14) || sum < Real(-1e-14)) {
-      row.value[j] = sum;
-      row.index[row.count++] = j;
-    }
+    row.value[j] = sum;
   }
+  row.count = -1;
   work.charge(2 * touched + lp_->n);
+  return 1.0;
 }
 
 template class RowMatrix<double>;

@@ -19,14 +19,16 @@ class RowMatrix {
   void setActive(ColIndex j, bool active);
   bool isActive(ColIndex j) const { return active_[j] != 0; }
 
-  // row = rho' A over the active columns. Rows of A when rho is sparse, columns otherwise.
-  void price(const SparseVec<Real> &rho, SparseVec<Real> &row, double expectedDensity,
-             WorkMeter &work) const;
+  // row = rho' A over the active columns. Rows of A when rho is sparse, columns otherwise. A dense
+  // result comes without its list and with rounding noise in place of some zeros. Returns an
+  // upper bound on the density of the result, for the caller's running average.
+  double price(const SparseVec<Real> &rho, SparseVec<Real> &row, double expectedDensity,
+               WorkMeter &work) const;
 
  private:
-  void priceByRows(const SparseVec<Real> &rho, SparseVec<Real> &row, bool keepList,
-                   WorkMeter &work) const;
-  void priceByCols(const SparseVec<Real> &rho, SparseVec<Real> &row, WorkMeter &work) const;
+  double priceByRows(const SparseVec<Real> &rho, SparseVec<Real> &row, bool keepList,
+                     WorkMeter &work) const;
+  double priceByCols(const SparseVec<Real> &rho, SparseVec<Real> &row, WorkMeter &work) const;
   void swapEntries(NzIndex a, NzIndex b);
 
   const ScaledLp<Real> *lp_ = nullptr;

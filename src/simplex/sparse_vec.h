@@ -46,16 +46,31 @@ struct SparseVec {
     if (value[i] == Real(0)) index[count++] = i;
     value[i] = x;
   }
+  // Calls f(position, value) for every nonzero.
+  template <class F>
+  void forEach(F &&f) const {
+    if (count < 0) {
+      for (int i = 0; i < size; ++i)
+        if (value[i] != Real(0)) f(i, value[i]);
+    } else {
+      for (int k = 0; k < count; ++k) f(index[k], value[index[k]]);
+    }
+  }
+  // Entries that a pass over the vector touches.
+  double passLength() const { return count < 0 ? size : count; }
   // Rebuilds the list from the values, dropping entries not above the tolerance.
   void rebuild(Real dropTol) {
-    count = 0;
+    int found = 0;
+    Real *values = value.data();
+    int *list = index.data();
     for (int i = 0; i < size; ++i) {
-      const Real a = value[i] < 0 ? -value[i] : value[i];
+      const Real a = values[i] < 0 ? -values[i] : values[i];
       if (a > dropTol)
-        index[count++] = i;
+        list[found++] = i;
       else
-        value[i] = Real(0);
+        values[i] = Real(0);
     }
+    count = found;
   }
   // Drops small entries from a valid list.
   void tighten(Real dropTol) {
