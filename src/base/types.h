@@ -5,10 +5,10 @@
 
 namespace tarvik {
 
-using ColIndex = int;   // a structural column of a model
-using RowIndex = int;   // a row of a model
-using VarIndex = int;   // a column (below the column count) or a row's logical (beyond it)
-using BasisPos = int;   // a position of the basis heading
+using ColIndex = int;          // a structural column of a model
+using RowIndex = int;          // a row of a model
+using VarIndex = int;          // a column (below the column count) or a row's logical (beyond it)
+using BasisPos = int;          // a position of the basis heading
 using NzIndex = std::int64_t;  // a position in a matrix's entry arrays
 
 // Infinity inside the kernels; a bound at or beyond kInfBound in magnitude is infinite.

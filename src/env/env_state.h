@@ -30,7 +30,7 @@ struct LogState {
 
   FILE *file = nullptr;
   AccountString fileName;
-  unsigned muted = 0;      // destinations that get nothing for the time being
+  unsigned muted = 0;     // destinations that get nothing for the time being
   bool separate = false;  // writes a log of its own, as the arms of a concurrent solve may
   WorkerLog workers = WorkerLog::Everything;
   TVKlogcallback callback = nullptr;

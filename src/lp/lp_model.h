@@ -32,14 +32,14 @@ enum class LpStatus {
   Infeasible,
   Unbounded,
   InfeasibleOrUnbounded,
-  Cutoff,          // the dual objective exceeds the cutoff
+  Cutoff,  // the dual objective exceeds the cutoff
   IterationLimit,
   TimeLimit,
   WorkLimit,
   MemoryLimit,
   Interrupted,
-  Callback,        // a user callback aborted the solve
-  Numeric,         // numerical trouble that could not be repaired
+  Callback,  // a user callback aborted the solve
+  Numeric,   // numerical trouble that could not be repaired
 };
 
 // Signs: with y = rowDual and d = colDual, d = cost - A'y. At an optimum of a minimization

@@ -6,9 +6,9 @@
 #include <optional>
 
 #include "env/exported_call.h"
+#include "model/measures.h"
 #include "model/model_data.h"
 #include "model/model_input.h"
-#include "model/measures.h"
 #include "model/name_index.h"
 #include "model/pending_changes.h"
 #include "model/solution_store.h"

@@ -23,13 +23,13 @@ struct FactorOptions {
 
 enum class UpdateResult {
   Ok,
-  RefactorSoon,     // accepted; limit, fill or work says it is time to refactor
-  RefactorNow,      // not accepted: numerically unsafe or no room; the factors are unchanged
+  RefactorSoon,  // accepted; limit, fill or work says it is time to refactor
+  RefactorNow,   // not accepted: numerically unsafe or no room; the factors are unchanged
 };
 
 struct FactorStats {
-  double factorWork = 0;   // counted units of the last factorization
-  double solveWork = 0;    // counted units of solves and updates since then, above fresh ones
+  double factorWork = 0;  // counted units of the last factorization
+  double solveWork = 0;   // counted units of solves and updates since then, above fresh ones
   NzIndex basisNz = 0, factorNz = 0, freshNz = 0;
   int updates = 0, kernelDim = 0;
 };
