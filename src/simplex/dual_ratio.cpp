@@ -6,12 +6,50 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/multiversion.h"
 #include "simplex/dual_simplex.h"
 #include "simplex/tuning.h"
 
 namespace tarvik {
 
 using std::fabs;
+
+namespace {
+
+constexpr int kBlock = 32;
+constexpr int kChunkBlocks = 64;
+
+// Whether any of a block of variables at their bounds lies within reach of the step: the ratio
+// test's filter without a branch per variable.
+template <class Real>
+inline bool blockInReach(const Real *row, const Real *dual, const signed char *move, Real sign,
+                         Real pivotTol, Real reach) {
+  int hits = 0;
+  for (int k = 0; k < kBlock; ++k) {
+    const Real direction = sign * Real(move[k]);
+    const Real alpha = row[k] * direction;
+    hits += static_cast<int>((alpha > pivotTol) & (dual[k] * Real(move[k]) <= reach * alpha));
+  }
+  return hits != 0;
+}
+
+// Marks the blocks that hold candidates; reach may be infinite.
+TARVIK_SIMD void findBlocks(const double *row, const double *dual, const signed char *move,
+                            int blocks, double sign, double pivotTol, double reach, char *mark) {
+  for (int b = 0; b < blocks; ++b)
+    mark[b] =
+        blockInReach(row + b * kBlock, dual + b * kBlock, move + b * kBlock, sign, pivotTol, reach);
+}
+
+[[maybe_unused]] void findBlocks(const long double *row, const long double *dual,
+                                 const signed char *move, int blocks, long double sign,
+                                 long double pivotTol, long double reach, char *mark) {
+  for (int b = 0; b < blocks; ++b)
+    mark[b] =
+        blockInReach(row + b * kBlock, dual + b * kBlock, move + b * kBlock, sign, pivotTol, reach);
+}
+
+}  // namespace
 
 template <class Real>
 void DualSimplex<Real>::collectCandidates(Real sign) {
@@ -39,9 +77,24 @@ void DualSimplex<Real>::collectCandidates(Real sign) {
       consider(j, e_.pivotRow.value[j]);
     }
   } else {
+    // Chunk by chunk, so that the reach found so far filters what follows.
     const Real *row = e_.pivotRow.value.data();
-    for (int j = 0; j < e_.lp.n; ++j)
-      if (row[j] > pivotTol || row[j] < -pivotTol) consider(j, row[j]);
+    char mark[kChunkBlocks];
+    int j = 0;
+    for (; j + kChunkBlocks * kBlock <= e_.lp.n; j += kChunkBlocks * kBlock) {
+      findBlocks(row + j, e_.dual.data() + j, e_.move.data() + j, kChunkBlocks, sign, pivotTol,
+                 reach, mark);
+      for (int b = 0; b < kChunkBlocks; ++b) {
+        if (!mark[b]) continue;
+        const int first = j + b * kBlock;
+        for (int k = first; k < first + kBlock; ++k)
+          if (row[k] != Real(0) && e_.move[k] != 0) consider(k, row[k]);
+      }
+    }
+    for (; j < e_.lp.n; ++j)
+      if (row[j] != Real(0) && e_.move[j] != 0) consider(j, row[j]);
+    for (const VarIndex free : freeNonbasic_)
+      if (e_.canEnter(free)) consider(free, row[free]);
   }
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/multiversion.h"
 #include "simplex/tuning.h"
 
 namespace tarvik {
@@ -14,6 +15,13 @@ namespace {
 constexpr int kMaxDisagreements = 200;
 // Up to this many updates a verdict is checked with recomputed values on the old factors.
 constexpr int kRecomputeUpdates = 10;
+
+TARVIK_SIMD void axpy(int n, double factor, const double *x, double *y) {
+  for (int j = 0; j < n; ++j) y[j] += factor * x[j];
+}
+[[maybe_unused]] void axpy(int n, long double factor, const long double *x, long double *y) {
+  for (int j = 0; j < n; ++j) y[j] += factor * x[j];
+}
 }  // namespace
 
 template <class Real>
@@ -142,7 +150,11 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
   e_.computeDual();
   correctDuals(!phaseOne);
   e_.loadBasicBounds();
-  for (int j = 0; j < e_.lp.total(); ++j) width_[j] = e_.upper[j] - e_.lower[j];
+  freeNonbasic_.clear();
+  for (int j = 0; j < e_.lp.total(); ++j) {
+    width_[j] = e_.upper[j] - e_.lower[j];
+    if (j < e_.lp.n && e_.move[j] == 0 && e_.canEnter(j)) freeNonbasic_.push_back(j);
+  }
   e_.computePrimal();
   dualObjective_ = phaseOne ? Real(0) : e_.currentObjective();
   fillQueue();
@@ -387,9 +399,7 @@ void DualSimplex<Real>::updateDuals(Real thetaD) {
     }
   } else {
     // The row is zero on basic and fixed columns, so one plain pass does.
-    const Real *row = e_.pivotRow.value.data();
-    Real *dual = e_.dual.data();
-    for (int j = 0; j < e_.lp.n; ++j) dual[j] -= thetaD * row[j];
+    axpy(e_.lp.n, -thetaD, e_.pivotRow.value.data(), e_.dual.data());
   }
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];

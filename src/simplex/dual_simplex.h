@@ -58,7 +58,8 @@ class DualSimplex {
 
   Engine<Real> &e_;
   CandidateQueue queue_;
-  Vec<Real> width_;  // upper - lower, by variable
+  Vec<Real> width_;             // upper - lower, by variable
+  Vec<VarIndex> freeNonbasic_;  // structurals that may leave their value both ways
   Vec<Candidate> candidates_;
   Vec<int> groupStart_;
   Vec<Real> suffixTheta_;

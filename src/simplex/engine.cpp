@@ -446,16 +446,17 @@ void Engine<Real>::logHeader() {
 
 template <class Real>
 void Engine<Real>::log(bool force) {
-  if (!options.logging && !control->progress) return;
+  const double seconds = options.logging ? control->limits.seconds() : 0;
+  const bool due =
+      options.logging && iterations != lastLogIteration_ && (force || seconds >= nextLogSeconds_);
+  if (!due && !control->progress) return;
   progress.iterations = iterations;
   progress.objective = static_cast<double>(trueObjective());
   progress.primalInfeasibility = static_cast<double>(primalInfeasibilitySum());
   progress.dualInfeasibility = static_cast<double>(dualInfeasibilitySum());
   progress.perturbed = std::max(static_cast<int>(costShift), static_cast<int>(boundShift));
   if (control->progress && !control->progress->onSimplex(progress)) stop = StopReason::Callback;
-  if (!options.logging || iterations == lastLogIteration_) return;
-  const double seconds = control->limits.seconds();
-  if (!force && seconds < nextLogSeconds_) return;
+  if (!due) return;
   logHeader();
   nextLogSeconds_ = (std::floor(seconds / control->displayInterval) + 1) * control->displayInterval;
   lastLogIteration_ = iterations;
