@@ -54,8 +54,8 @@ double dataBytes(const tarvik::ModelData &d) {
 }
 
 void report(benchmark::State &state, double elements) {
-  state.counters["ns_per_element"] = benchmark::Counter(
-      elements * 1e-9, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+  state.counters["per_element"] = benchmark::Counter(
+      elements, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void singleVariableAdds(benchmark::State &state) {
