@@ -39,8 +39,8 @@ void RowMatrix<Real>::build(const ScaledLp<Real> &lp, const Vec<char> &active) {
       const NzIndex to = active_[j] ? activeEnd_[i]++ : --back[i];
       col_[to] = j;
       value_[to] = lp.value[k];
-      place_[k] = to;
-      origin_[to] = k;
+      place_[k] = static_cast<std::uint32_t>(to);
+      origin_[to] = static_cast<std::uint32_t>(k);
     }
   }
 }
@@ -51,8 +51,8 @@ void RowMatrix<Real>::swapEntries(NzIndex a, NzIndex b) {
   std::swap(col_[a], col_[b]);
   std::swap(value_[a], value_[b]);
   std::swap(origin_[a], origin_[b]);
-  place_[origin_[a]] = a;
-  place_[origin_[b]] = b;
+  place_[origin_[a]] = static_cast<std::uint32_t>(a);
+  place_[origin_[b]] = static_cast<std::uint32_t>(b);
 }
 
 template <class Real>

@@ -35,8 +35,9 @@ class RowMatrix {
   Vec<NzIndex> start_, activeEnd_;  // per row: begin, and end of its active part
   Vec<int> col_;
   Vec<Real> value_;
-  Vec<NzIndex> place_;   // column-wise entry -> row-wise entry
-  Vec<NzIndex> origin_;  // row-wise entry -> column-wise entry
+  // 32 bits suffice: an interface error stops models with two billion entries long before.
+  Vec<std::uint32_t> place_;   // column-wise entry -> row-wise entry
+  Vec<std::uint32_t> origin_;  // row-wise entry -> column-wise entry
   Vec<char> active_;
 };
 
