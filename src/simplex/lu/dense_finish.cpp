@@ -47,27 +47,45 @@ void DenseFinish<Real>::factorPlain(Real pivotTol) {
   pivotCols_.clear();
   dependent_.clear();
   for (int col = 0; col < numCols; ++col) {
+    Real *const target = column(col);
+    applyPivots(target);
     const int k = static_cast<int>(pivotCols_.size());
-    Real *const pivotCol = column(col);
     int best = k;
     for (int i = k + 1; i < numRows; ++i)
-      if (std::abs(pivotCol[i]) > std::abs(pivotCol[best])) best = i;
-    if (k == numRows || std::abs(pivotCol[best]) < pivotTol) {
+      if (std::abs(target[i]) > std::abs(target[best])) best = i;
+    if (k == numRows || std::abs(target[best]) < pivotTol) {
       dependent_.push_back(col);
       continue;
     }
     if (best != k) exchangeRows(k, best);
-    const Real pivot = pivotCol[k];
-    for (int i = k + 1; i < numRows; ++i) pivotCol[i] /= pivot;
-    for (int next = col + 1; next < numCols; ++next) {
-      Real *const target = column(next);
-      const Real factor = target[k];
-      if (factor == Real(0)) continue;
-      for (int i = k + 1; i < numRows; ++i) target[i] -= factor * pivotCol[i];
-    }
+    for (int i = k + 1; i < numRows; ++i) target[i] /= target[k];
     pivotCols_.push_back(col);
   }
   factored_ = true;
+}
+
+// Eliminates the pivots so far from a column, four at a time: that reads and writes the
+// column once for four pivots.
+template <class Real>
+void DenseFinish<Real>::applyPivots(Real *target) {
+  const int numRows = static_cast<int>(rows_.size());
+  const int numPivots = static_cast<int>(pivotCols_.size());
+  int k = 0;
+  for (; k + 4 <= numPivots; k += 4) {
+    const Real *const a = column(pivotCols_[k]), *const b = column(pivotCols_[k + 1]);
+    const Real *const c = column(pivotCols_[k + 2]), *const d = column(pivotCols_[k + 3]);
+    const Real ta = target[k];
+    const Real tb = target[k + 1] -= ta * a[k + 1];
+    const Real tc = target[k + 2] -= ta * a[k + 2] + tb * b[k + 2];
+    const Real td = target[k + 3] -= ta * a[k + 3] + tb * b[k + 3] + tc * c[k + 3];
+    for (int i = k + 4; i < numRows; ++i)
+      target[i] -= (ta * a[i] + tb * b[i]) + (tc * c[i] + td * d[i]);
+  }
+  for (; k < numPivots; ++k) {
+    const Real *const a = column(pivotCols_[k]);
+    const Real ta = target[k];
+    for (int i = k + 1; i < numRows; ++i) target[i] -= ta * a[i];
+  }
 }
 
 template <class Real>

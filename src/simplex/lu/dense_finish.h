@@ -1,6 +1,6 @@
 // The dense end of an elimination. The active submatrix, copied into a dense column-major
 // array, is factored with partial pivoting: by LAPACK's dgetrf when it is large and in double
-// precision, else by a plain right-looking loop. dgetrf does not know dependent columns; when
+// precision, else by a plain left-looking loop. dgetrf does not know dependent columns; when
 // it meets a pivot below the tolerance, the array is filled again and the plain loop, which
 // passes over such columns, takes over.
 #pragma once
@@ -61,6 +61,7 @@ class DenseFinish {
   bool useLapack() const;
   bool factorLapack(Real pivotTol);
   void factorPlain(Real pivotTol);
+  void applyPivots(Real *target);
   void exchangeRows(int a, int b);
   void handColumn(int k, Real dropTol, LuFactors<Real> &factors);
 

@@ -1,18 +1,24 @@
 // Tuned constants of the factorization, each with what it trades.
 #pragma once
 
+#include <cstddef>
+
 namespace tarvik::lu {
 
 // Candidate rows and columns that the Markowitz search looks at before it takes the best pivot
 // found: more search, less fill (Suhl and Suhl, 1990, advise 4).
 inline constexpr int kSearchLimit = 4;
 
+// With so few multipliers, their rows are looked for in a column one by one, by comparisons
+// that vectorize; with more, the column is scanned once.
+inline constexpr std::size_t kFewMultipliers = 3;
+
 // The active submatrix is finished densely from this density and dimension on: no more
 // searching and linking, but zeros are worked on.
 inline constexpr double kDenseDensity = 0.6;
 inline constexpr int kDenseMinDim = 12;
 // From this dimension on LAPACK is worth its start-up.
-inline constexpr int kLapackMinDim = 160;
+inline constexpr int kLapackMinDim = 1001;
 
 // Spare room of a vector that is moved because it is full: a share of its length and a few.
 // More room, fewer moves; the garbage left behind stays within a constant factor.

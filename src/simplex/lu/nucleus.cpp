@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "simplex/lu/find_index.h"
+
 namespace tarvik::lu {
 
 template <class Real>
@@ -44,17 +46,15 @@ void Nucleus<Real>::load(const BasisMatrix<Real> &matrix) {
       if (value == Real(0)) continue;
       index_[used_] = row;
       value_[used_] = value;
-      if (factors_->pivoted(row)) {
-        std::swap(index_[used_], index_[column.active]);
-        std::swap(value_[used_], value_[column.active]);
-        ++column.active;
-      } else {
-        ++row_[row].count;
-      }
       ++used_;
+      if (factors_->pivoted(row))
+        settleEntry(column, used_ - 1);
+      else
+        ++row_[row].count;
     }
     column.end = column.limit = used_;
-    activeNz_ += column.count();
+    column.count = static_cast<int>(column.end - column.active);
+    activeNz_ += column.count;
     touched_ += static_cast<double>(to - from);
   }
   loadRows(matrix.numRows);
@@ -79,12 +79,11 @@ void Nucleus<Real>::loadRows(int numRows) {
   colLists_.reset(numCols, numRows);
   rowLists_.reset(numRows, numCols);
   maxCount_ = std::max(numCols, numRows);
-  for (int col = numCols - 1; col >= 0; --col) colLists_.link(col, column_[col].count());
+  for (int col = numCols - 1; col >= 0; --col) colLists_.link(col, column_[col].count);
   for (int row = numRows - 1; row >= 0; --row)
     if (row_[row].count > 0) rowLists_.link(row, row_[row].count);
   multiplier_.assign(static_cast<std::size_t>(numRows), Real(0));
-  hit_.assign(static_cast<std::size_t>(numRows), 0);
-  stamp_ = 0;
+  state_.assign(static_cast<std::size_t>(numRows), kActive);
   touched_ += static_cast<double>(activeNz_) + numRows;
 }
 
@@ -132,8 +131,8 @@ template <class Real>
 void Nucleus<Real>::searchColumn(int col) {
   const Column &column = column_[col];
   const Real least = std::max(tol_.markowitz * largest_[col], tol_.pivot);
-  const double others = column.count() - 1;
-  touched_ += column.count();
+  const double others = column.count - 1;
+  touched_ += column.count;
   for (NzIndex k = column.active; k < column.end; ++k) {
     const Real size = std::abs(value_[k]);
     if (size >= least) consider(index_[k], col, others * (row_[index_[k]].count - 1), size);
@@ -148,16 +147,14 @@ bool Nucleus<Real>::searchRow(int row) {
   for (int n = 0; n < r.count; ++n) {
     const int col = rowCol_[r.begin + n];
     const Column &column = column_[col];
-    const double merit = double(r.count - 1) * (column.count() - 1);
+    const double merit = double(r.count - 1) * (column.count - 1);
     if (merit >= choice_.merit) {
       acceptable = true;  // not known, but of no interest now
       continue;
     }
-    touched_ += column.count();
+    touched_ += column.count;
     if (!refreshMax(col)) continue;
-    NzIndex k = column.active;
-    while (index_[k] != row) ++k;
-    const Real size = std::abs(value_[k]);
+    const Real size = std::abs(value_[find(column, row)]);
     // The only entry of a row is a substitution: nothing is eliminated, nothing can grow.
     const Real least =
         r.count == 1 ? tol_.pivot : std::max(tol_.markowitz * largest_[col], tol_.pivot);
@@ -168,16 +165,21 @@ bool Nucleus<Real>::searchRow(int row) {
   return acceptable;
 }
 
-// Makes the largest entry of a column known; false when all are too small for pivots.
+// Makes the largest entry of a column known, and settles entries of pivoted rows on the way;
+// false when all are too small for pivots.
 template <class Real>
 bool Nucleus<Real>::refreshMax(int col) {
   if (largest_[col] < Real(0)) {
-    const Column &column = column_[col];
+    Column &column = column_[col];
     Real largest = 0;
-    for (NzIndex k = column.active; k < column.end; ++k)
-      largest = std::max(largest, std::abs(value_[k]));
+    for (NzIndex k = column.active; k < column.end; ++k) {
+      if (state_[index_[k]] == kPivoted)
+        settleEntry(column, k);
+      else
+        largest = std::max(largest, std::abs(value_[k]));
+    }
     largest_[col] = largest;
-    touched_ += column.count();
+    touched_ += column.count;
   }
   return largest_[col] >= tol_.pivot;
 }
@@ -188,24 +190,48 @@ void Nucleus<Real>::dropColumn(int col) {
   colLists_.unlink(col);
   for (NzIndex k = column.active; k < column.end; ++k) {
     const int row = index_[k];
+    if (state_[row] == kPivoted) continue;
     const bool linked = rowLists_.linked(row);
     if (linked) rowLists_.unlink(row);
     removeFromRow(row, col);
     if (linked && row_[row].count > 0) rowLists_.link(row, row_[row].count);
   }
-  activeNz_ -= column.count();
-  column.end = column.active;
+  activeNz_ -= column.count;
   factors_->dropped.push_back(var_[col]);
   --colsLeft_;
+}
+
+// Moves an active entry to the part of its column that belongs to U.
+template <class Real>
+void Nucleus<Real>::settleEntry(Column &column, NzIndex at) {
+  std::swap(index_[at], index_[column.active]);
+  std::swap(value_[at], value_[column.active]);
+  ++column.active;
+}
+
+template <class Real>
+NzIndex Nucleus<Real>::find(const Column &column, int row) const {
+  return column.active + findIndex(index_.data() + column.active,
+                                   static_cast<int>(column.end - column.active), row);
 }
 
 template <class Real>
 void Nucleus<Real>::eliminate(int row, int col) {
   openPivotColumn(row, col);
   const Row pivotRow = row_[row];
-  for (int n = 0; n < pivotRow.count; ++n) updateColumn(rowCol_[pivotRow.begin + n], row);
+  state_[row] = kPivoted;
+  activeNz_ -= pivotRow.count;
+  for (int n = 0; n < pivotRow.count; ++n) {
+    const int other = rowCol_[pivotRow.begin + n];
+    colLists_.unlink(other);
+    --column_[other].count;
+    largest_[other] = Real(-1);
+    if (!multiplierRow_.empty()) updateColumn(other, row);
+    colLists_.link(other, column_[other].count);
+  }
   for (const int i : multiplierRow_) {
     multiplier_[i] = Real(0);
+    state_[i] = kActive;
     if (rowLists_.linked(i)) rowLists_.unlink(i);
     if (row_[i].count > 0) rowLists_.link(i, row_[i].count);
   }
@@ -220,8 +246,7 @@ void Nucleus<Real>::openPivotColumn(int row, int col) {
   colLists_.unlink(col);
   if (rowLists_.linked(row)) rowLists_.unlink(row);
   removeFromRow(row, col);
-  NzIndex at = column.active;
-  while (index_[at] != row) ++at;
+  const NzIndex at = find(column, row);
   const Real pivot = value_[at];
   factors_->openPivot(row, var_[col], pivot);
   for (NzIndex k = column.begin; k < column.active; ++k) factors_->pushU(index_[k], value_[k]);
@@ -232,75 +257,82 @@ void Nucleus<Real>::openPivotColumn(int row, int col) {
     const Real multiplier = value_[k] / pivot;
     removeFromRow(i, col);
     multiplier_[i] = multiplier;
+    state_[i] = kMultiplier;
     multiplierRow_.push_back(i);
     factors_->pushL(i, multiplier);
   }
   factors_->closePivot(row);
-  activeNz_ -= column.count();
+  activeNz_ -= column.count;
   touched_ += static_cast<double>(column.end - column.begin);
   --colsLeft_;
 }
 
-// Moves the entry in the pivot row over to U and subtracts its multiple of the pivot column.
+// Updates one entry; false when it vanished and another one took its place.
+template <class Real>
+inline bool Nucleus<Real>::updateEntry(int col, NzIndex k, Real factor) {
+  Column &column = column_[col];
+  const int row = index_[k];
+  value_[k] -= multiplier_[row] * factor;
+  if (std::abs(value_[k]) > tol_.drop) return true;
+  removeFromRow(row, col);
+  --column.end;
+  --column.count;
+  --activeNz_;
+  index_[k] = index_[column.end];
+  value_[k] = value_[column.end];
+  return false;
+}
+
+// Subtracts from a column its entry in the pivot row times the multipliers.
 template <class Real>
 void Nucleus<Real>::updateColumn(int col, int pivotRow) {
   Column &column = column_[col];
-  NzIndex at = column.active;
-  while (index_[at] != pivotRow) ++at;
+  const NzIndex at = find(column, pivotRow);
   const Real factor = value_[at];
-  std::swap(index_[at], index_[column.active]);
-  std::swap(value_[at], value_[column.active]);
-  ++column.active;
-  --activeNz_;
-  touched_ += column.count() + 1;
-  colLists_.unlink(col);
-  if (multiplierRow_.empty()) {
-    if (std::abs(factor) >= largest_[col]) largest_[col] = Real(-1);
-  } else {
-    ++stamp_;
-    std::size_t hits = 0;
-    Real largest = 0;
-    for (NzIndex k = column.active; k < column.end;) {
-      const int i = index_[k];
-      if (multiplier_[i] != Real(0)) {
-        ++hits;
-        hit_[i] = stamp_;
-        value_[k] -= multiplier_[i] * factor;
-        if (std::abs(value_[k]) <= tol_.drop) {
-          removeFromRow(i, col);
-          --column.end;
-          --activeNz_;
-          index_[k] = index_[column.end];
-          value_[k] = value_[column.end];
-          continue;
-        }
-      }
-      largest = std::max(largest, std::abs(value_[k]));
-      ++k;
+  settleEntry(column, at);
+  touched_ += column.count + 1;
+  std::size_t hits = 0;
+  if (multiplierRow_.size() <= kFewMultipliers) {
+    for (const int i : multiplierRow_) {
+      const NzIndex k = find(column, i);
+      if (k == column.end) continue;
+      ++hits;
+      state_[i] = kHit;
+      updateEntry(col, k, factor);
     }
-    largest_[col] = largest;
-    if (hits < multiplierRow_.size()) addFill(col, factor);
+  } else {
+    for (NzIndex k = column.active; k < column.end;) {
+      if (state_[index_[k]] != kMultiplier) {
+        ++k;
+        continue;
+      }
+      ++hits;
+      state_[index_[k]] = kHit;
+      if (updateEntry(col, k, factor)) ++k;
+    }
   }
-  colLists_.link(col, column.count());
+  addFill(col, factor, hits);
 }
 
-// Entries of the updated column in rows where it had none.
+// Entries of the updated column in rows where it had none, and the marks of the others reset.
 template <class Real>
-void Nucleus<Real>::addFill(int col, Real factor) {
-  makeRoom(col, static_cast<int>(multiplierRow_.size()));
+void Nucleus<Real>::addFill(int col, Real factor, std::size_t hits) {
+  if (hits < multiplierRow_.size()) makeRoom(col, static_cast<int>(multiplierRow_.size() - hits));
   Column &column = column_[col];
-  touched_ += static_cast<double>(multiplierRow_.size());
   for (const int i : multiplierRow_) {
-    if (hit_[i] == stamp_) continue;
+    if (state_[i] == kHit) {
+      state_[i] = kMultiplier;
+      continue;
+    }
     const Real value = -multiplier_[i] * factor;
-    const Real size = std::abs(value);
-    if (size <= tol_.drop) continue;
+    if (std::abs(value) <= tol_.drop) continue;
     index_[column.end] = i;
     value_[column.end++] = value;
+    ++column.count;
     ++activeNz_;
-    largest_[col] = std::max(largest_[col], size);
     addToRow(i, col);
   }
+  touched_ += static_cast<double>(multiplierRow_.size());
 }
 
 template <class Real>
@@ -317,7 +349,10 @@ void Nucleus<Real>::finishDense() {
   for (int row = 0; row < numRows; ++row)
     if (row_[row].count > 0) dense_.addRow(row, numRows);
   for (int col = 0; col < numCols; ++col)
-    if (colLists_.linked(col)) dense_.addCol(col);
+    if (colLists_.linked(col)) {
+      refreshMax(col);  // settles all entries of pivoted rows
+      dense_.addCol(col);
+    }
   dense_.allocate();
   const auto fill = [this](int col, Real *to) {
     for (NzIndex k = column_[col].active; k < column_[col].end; ++k)
@@ -336,9 +371,8 @@ template <class Real>
 void Nucleus<Real>::removeFromRow(int row, int col) {
   Row &r = row_[row];
   int *const first = rowCol_.data() + r.begin;
-  int n = 0;
-  while (first[n] != col) ++n;
-  first[n] = first[--r.count];
+  const int at = findIndex(first, r.count, col);
+  first[at] = first[--r.count];
 }
 
 template <class Real>

@@ -7,7 +7,9 @@
 // rows for the entry with the smallest (row count - 1)(column count - 1) among those that are not
 // smaller than the threshold times the largest of their column. In a column's storage its
 // entries in pivoted rows, which belong to U, come first, then the active ones: an entry
-// goes over to U by one exchange. When the active submatrix has become dense, it is finished as
+// goes over to U by one exchange. A pivot without multipliers changes no value, so that the columns
+// in its row are not even looked at: their entries go over when the column is scanned next.
+// When the active submatrix has become dense, it is finished as
 // a dense matrix.
 //
 // A column whose active entries are all below the pivot tolerance is dependent and dropped.
@@ -35,13 +37,16 @@ class Nucleus {
     NzIndex active = 0;  // active entries
     NzIndex end = 0;
     NzIndex limit = 0;  // end of the room
-    int count() const { return static_cast<int>(end - active); }
+    int count = 0;      // active entries of rows without pivot
   };
   struct Row {
     NzIndex begin = 0;
     int count = 0;
     int room = 0;
   };
+  // A row without pivot, one with a multiplier of the current pivot, such a row that the column
+  // in work has too, and a pivoted row.
+  enum RowState : char { kActive, kMultiplier, kHit, kPivoted };
   struct Choice {
     double merit = 1e300;
     Real size = 0;
@@ -59,7 +64,10 @@ class Nucleus {
   void eliminate(int row, int col);
   void openPivotColumn(int row, int col);
   void updateColumn(int col, int pivotRow);
-  void addFill(int col, Real pivotRowValue);
+  bool updateEntry(int col, NzIndex k, Real factor);
+  void addFill(int col, Real factor, std::size_t hits);
+  void settleEntry(Column &column, NzIndex at);
+  NzIndex find(const Column &column, int row) const;
   bool worthDense() const;
   void finishDense();
   void removeFromRow(int row, int col);
@@ -88,8 +96,7 @@ class Nucleus {
   Choice choice_;
   Vec<Real> multiplier_;  // of the rows of the pivot column, else 0
   Vec<int> multiplierRow_;
-  Vec<int> hit_;  // stamp of the last column in which a row was updated
-  int stamp_ = 0;
+  Vec<RowState> state_;
   DenseFinish<Real> dense_;
 };
 

@@ -12,6 +12,7 @@
 
 #include "base/memory.h"
 #include "base/types.h"
+#include "simplex/lu/find_index.h"
 #include "simplex/lu/lu_constants.h"
 
 namespace tarvik::lu {
@@ -72,8 +73,7 @@ class PackedVectors {
   void remove(int i, int index) {
     Slice &slice = slice_[i];
     int *const first = index_.data() + slice.start;
-    NzIndex at = 0;
-    while (first[at] != index) ++at;
+    const int at = findIndex(first, slice.length, index);
     --slice.length;
     --numNz_;
     first[at] = first[slice.length];
