@@ -124,12 +124,23 @@ double Factor<Real>::Impl::btran(SparseVec<Real> &y, double expectedDensity) {
   return chargeSolve(lWork, rWork, uWork);
 }
 
-// Makes the list of a result that plain loops have left without one, if it is worth having.
+// Makes the list of a result that plain loops have left without one, if it is worth having. The
+// loop is written without a branch on the values, which nobody could predict.
 template <class Real>
 void Factor<Real>::Impl::settle(SparseVec<Real> &x, double &work) const {
   if (x.valid()) return;
-  x.rebuild(static_cast<Real>(options.dropTol));
-  if (x.count > lu::kListDensity * m) x.count = -1;
+  const Real dropTol = static_cast<Real>(options.dropTol);
+  Real *const value = x.value.data();
+  int *const index = x.index.data();
+  const int size = m;
+  int count = 0;
+  for (int i = 0; i < size; ++i) {
+    const int keep = static_cast<int>(!(std::abs(value[i]) <= dropTol));
+    index[count] = i;
+    count += keep;
+    value[i] *= static_cast<Real>(keep);
+  }
+  x.count = count > lu::kListDensity * m ? -1 : count;
   work += m;
 }
 

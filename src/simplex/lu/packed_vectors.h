@@ -29,10 +29,14 @@ class PackedVectors {
   // Makes m empty vectors.
   void reset(int m) {
     slice_.assign(static_cast<std::size_t>(m), Slice());
+    filled_.assign(static_cast<std::size_t>(m), 0);
     used_ = 0;
     numNz_ = 0;
   }
   const Slice &operator[](int i) const { return slice_[i]; }
+  const Slice *slices() const { return slice_.data(); }
+  // A mark per vector, nonzero unless it is empty: a byte where a slice is a cache line.
+  const char *filled() const { return filled_.data(); }
   const int *index() const { return index_.data(); }
   const Real *value() const { return value_.data(); }
   Real *value() { return value_.data(); }
@@ -49,10 +53,12 @@ class PackedVectors {
     Slice &slice = slice_[i];
     slice.length = slice.room = static_cast<int>(used_ - slice.start);
     numNz_ += slice.length;
+    filled_[i] = slice.length > 0;
   }
   // Reserves an empty slice of the given room.
   void allot(int i, int room) {
     slice_[i] = {used_, 0, room};
+    filled_[i] = 0;
     if (used_ + room > static_cast<NzIndex>(index_.size())) grow(room);
     used_ += room;
   }
@@ -62,6 +68,7 @@ class PackedVectors {
     const NzIndex at = slice.start + slice.length++;
     index_[at] = index;
     value_[at] = value;
+    filled_[i] = 1;
     ++numNz_;
   }
   // Adds an entry and moves the vector when it is full.
@@ -76,12 +83,14 @@ class PackedVectors {
     const int at = findIndex(first, slice.length, index);
     --slice.length;
     --numNz_;
+    filled_[i] = slice.length > 0;
     first[at] = first[slice.length];
     value_[slice.start + at] = value_[slice.start + slice.length];
   }
   void clear(int i) {
     numNz_ -= slice_[i].length;
     slice_[i].length = 0;
+    filled_[i] = 0;
   }
   // Sees to it that the (empty) vector can take so many entries without moving.
   void makeRoom(int i, int room) {
@@ -102,9 +111,11 @@ class PackedVectors {
     std::copy_n(index_.begin() + old.start, old.length, index_.begin() + slice.start);
     std::copy_n(value_.begin() + old.start, old.length, value_.begin() + slice.start);
     slice.length = old.length;
+    filled_[i] = old.length > 0;
   }
 
   Vec<Slice> slice_;
+  Vec<char> filled_;
   Vec<int> index_;
   Vec<Real> value_;
   NzIndex used_ = 0;   // end of the occupied part of the pool

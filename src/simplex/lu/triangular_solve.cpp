@@ -4,13 +4,24 @@
 
 namespace tarvik::lu {
 
+namespace {
+
+// result -= factor * (a sparse vector).
+template <class Real>
+inline void subtractMultiple(const int *__restrict index, const Real *__restrict value, int length,
+                             Real factor, Real *__restrict result) {
+#pragma GCC unroll 4
+  for (int k = 0; k < length; ++k) result[index[k]] -= value[k] * factor;
+}
+
+}  // namespace
+
 template <class Real>
 void TriangularSolver<Real>::resize(int m) {
   const std::size_t size = static_cast<std::size_t>(m);
   mark_.assign(size, 0);
   pattern_.resize(size);
-  stackNode_.resize(size);
-  stackNext_.resize(size);
+  stack_.resize(size);
 }
 
 template <class Real>
@@ -23,7 +34,7 @@ double TriangularSolver<Real>::solve(const Triangle<Real> &triangle, const Real 
   if (x.valid() && x.count <= kSparseRhsDensity * x.size &&
       expectedDensity <= kSparseResultDensity) {
     const double budget = kSearchBudget * length + kSearchBudget * kSearchBudget * x.size;
-    const bool found = findPattern(triangle, x, budget);
+    const bool found = findPattern(triangle.vectors, x, budget);
     work = searched_;
     if (found) return work + solvePattern(triangle.vectors, pivot, dropTol, x);
   }
@@ -33,14 +44,18 @@ double TriangularSolver<Real>::solve(const Triangle<Real> &triangle, const Real 
 // Finds the positions that the entries of x reach; false, and nothing marked, when the search
 // has taken more than its budget.
 template <class Real>
-bool TriangularSolver<Real>::findPattern(const Triangle<Real> &triangle, const SparseVec<Real> &x,
-                                         double budget) {
+bool TriangularSolver<Real>::findPattern(const PackedVectors<Real> &vectors,
+                                         const SparseVec<Real> &x, double budget) {
+  const char *const filled = vectors.filled();
   patternBegin_ = x.size;
   searched_ = 0;
   for (int k = 0; k < x.count; ++k) {
     const int root = x.index[k];
     if (mark_[root]) continue;
-    if (!visit(triangle.vectors, root, budget)) {
+    mark_[root] = 1;
+    if (!filled[root]) {
+      pattern_[--patternBegin_] = root;
+    } else if (!visit(vectors, root, budget)) {
       undoMarks();
       return false;
     }
@@ -50,50 +65,58 @@ bool TriangularSolver<Real>::findPattern(const Triangle<Real> &triangle, const S
 }
 
 // Depth-first search from one position; false when the budget is used up, with the open nodes
-// on the stack.
+// on the stack. Members are copied to locals because a store to a mark may alias them.
 template <class Real>
 bool TriangularSolver<Real>::visit(const PackedVectors<Real> &vectors, int root, double budget) {
   const int *const index = vectors.index();
-  mark_[root] = 1;
-  depth_ = 0;
-  stackNode_[0] = root;
-  stackNext_[0] = vectors[root].start;
-  while (depth_ >= 0) {
-    const int node = stackNode_[depth_];
-    const NzIndex begin = stackNext_[depth_];
-    const NzIndex end = vectors[node].start + vectors[node].length;
-    NzIndex k = begin;
+  const char *const filled = vectors.filled();
+  const auto *const slice = vectors.slices();
+  char *const mark = mark_.data();
+  int *pattern = pattern_.data() + patternBegin_;
+  OpenNode *const bottom = stack_.data();
+  OpenNode *top = bottom;
+  NzIndex left = static_cast<NzIndex>(budget - searched_);
+  top->node = root;
+  top->next = slice[root].start;
+  top->end = top->next + slice[root].length;
+  left -= slice[root].length;
+  while (top >= bottom && left >= 0) {
+    NzIndex k = top->next;
+    const NzIndex end = top->end;
     int child = -1;
-    for (; k < end && child < 0; ++k) {
+    for (; k < end; ++k) {
       const int i = index[k];
-      if (mark_[i]) continue;
-      mark_[i] = 1;
-      if (vectors[i].length == 0)
-        pattern_[--patternBegin_] = i;
-      else
+      if (mark[i]) continue;
+      mark[i] = 1;
+      if (filled[i]) {
         child = i;
+        ++k;
+        break;
+      }
+      *--pattern = i;
     }
-    searched_ += static_cast<double>(k - begin);
     if (child < 0) {
-      pattern_[--patternBegin_] = node;
-      --depth_;
-    } else if (searched_ > budget) {
-      mark_[child] = 0;
-      return false;
+      *--pattern = top->node;
+      --top;
     } else {
-      stackNext_[depth_] = k;
-      ++depth_;
-      stackNode_[depth_] = child;
-      stackNext_[depth_] = vectors[child].start;
+      top->next = k;
+      ++top;
+      top->node = child;
+      top->next = slice[child].start;
+      top->end = top->next + slice[child].length;
+      left -= slice[child].length;
     }
   }
-  return searched_ <= budget;
+  patternBegin_ = static_cast<int>(pattern - pattern_.data());
+  depth_ = static_cast<int>(top - bottom);
+  searched_ = budget - static_cast<double>(left);
+  return left >= 0;
 }
 
 template <class Real>
 void TriangularSolver<Real>::undoMarks() {
   for (std::size_t k = patternBegin_; k < pattern_.size(); ++k) mark_[pattern_[k]] = 0;
-  for (; depth_ >= 0; --depth_) mark_[stackNode_[depth_]] = 0;
+  for (; depth_ >= 0; --depth_) mark_[stack_[depth_].node] = 0;
 }
 
 template <class Real>
@@ -101,12 +124,13 @@ double TriangularSolver<Real>::solvePattern(const PackedVectors<Real> &vectors, 
                                             Real dropTol, SparseVec<Real> &x) {
   const int *const index = vectors.index();
   const Real *const value = vectors.value();
+  const char *const filled = vectors.filled();
   Real *const result = x.value.data();
-  double touched = 0;
-  int count = 0;
+  int *listed = x.index.data();
+  NzIndex touched = 0;
+  for (int n = patternBegin_; n < x.size; ++n) mark_[pattern_[n]] = 0;
   for (int n = patternBegin_; n < x.size; ++n) {
     const int p = pattern_[n];
-    mark_[p] = 0;
     Real xp = result[p];
     if (pivot != nullptr) xp /= pivot[p];
     if (std::abs(xp) <= dropTol) {
@@ -114,14 +138,14 @@ double TriangularSolver<Real>::solvePattern(const PackedVectors<Real> &vectors, 
       continue;
     }
     result[p] = xp;
-    x.index[count++] = p;
+    *listed++ = p;
+    if (!filled[p]) continue;
     const auto slice = vectors[p];
-    for (NzIndex k = slice.start; k < slice.start + slice.length; ++k)
-      result[index[k]] -= value[k] * xp;
+    subtractMultiple(index + slice.start, value + slice.start, slice.length, xp, result);
     touched += slice.length;
   }
-  x.count = count;
-  return touched + (x.size - patternBegin_);
+  x.count = static_cast<int>(listed - x.index.data());
+  return static_cast<double>(touched + (x.size - patternBegin_));
 }
 
 template <class Real>
@@ -146,8 +170,7 @@ double TriangularSolver<Real>::solvePlain(const Triangle<Real> &triangle, const 
     }
     result[p] = xp;
     const auto slice = vectors[p];
-    for (NzIndex k = slice.start; k < slice.start + slice.length; ++k)
-      result[index[k]] -= value[k] * xp;
+    subtractMultiple(index + slice.start, value + slice.start, slice.length, xp, result);
     touched += slice.length;
   }
   x.count = -1;

@@ -31,7 +31,13 @@ class TriangularSolver {
                double expectedDensity, SparseVec<Real> &x);
 
  private:
-  bool findPattern(const Triangle<Real> &triangle, const SparseVec<Real> &x, double budget);
+  // A node of the search whose entries are not all looked at.
+  struct OpenNode {
+    NzIndex next, end;
+    int node;
+  };
+
+  bool findPattern(const PackedVectors<Real> &vectors, const SparseVec<Real> &x, double budget);
   bool visit(const PackedVectors<Real> &vectors, int root, double budget);
   void undoMarks();
   double solvePattern(const PackedVectors<Real> &vectors, const Real *pivot, Real dropTol,
@@ -43,8 +49,7 @@ class TriangularSolver {
   Vec<char> mark_;    // positions found by the current search
   Vec<int> pattern_;  // filled from the end, so that it reads in topological order
   int patternBegin_ = 0;
-  Vec<int> stackNode_;
-  Vec<NzIndex> stackNext_;  // next entry of the node to look at
+  Vec<OpenNode> stack_;
   int depth_ = 0;
   double searched_ = 0;  // entries looked at by the current search
 };
