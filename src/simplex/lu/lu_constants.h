@@ -52,9 +52,13 @@ inline constexpr double kMaxGrowth = 3.0;
 
 // Counted units (about nanoseconds) for one entry in the phases of a factorization and in
 // solves.
-inline constexpr double kUnitsGather = 4.0;
+inline constexpr double kUnitsGather = 6.0;
 inline constexpr double kUnitsNucleus = 3.0;
 inline constexpr double kUnitsDense = 0.5;
 inline constexpr double kUnitsSolve = 1.5;
+// In the nucleus, the price of a pivot's search and linking in entries, and that of an entry
+// passed by comparisons that vectorize.
+inline constexpr double kEntriesPerPivot = 20;
+inline constexpr double kVectorShare = 0.2;
 
 }  // namespace tarvik::lu

@@ -21,7 +21,11 @@ void Nucleus<Real>::factor(const BasisMatrix<Real> &matrix, const Vec<VarIndex> 
       finishDense();
       break;
     }
-    if (choosePivot()) eliminate(choice_.row, choice_.col);
+    if (!choosePivot()) {
+      dropOpenColumns();
+      break;
+    }
+    eliminate(choice_.row, choice_.col);
   }
   factors.work += kUnitsNucleus * touched_;
 }
@@ -53,6 +57,7 @@ void Nucleus<Real>::load(const BasisMatrix<Real> &matrix) {
         ++row_[row].count;
     }
     column.end = column.limit = used_;
+    column.open = true;
     column.count = static_cast<int>(column.end - column.active);
     activeNz_ += column.count;
     touched_ += static_cast<double>(to - from);
@@ -88,12 +93,12 @@ void Nucleus<Real>::loadRows(int numRows) {
 }
 
 // Chooses the pivot with the best merit among the first few shortest columns and rows. False
-// when none was found because columns had to be dropped.
+// when no column has an entry that may be one.
 template <class Real>
 bool Nucleus<Real>::choosePivot() {
   choice_ = Choice();
   int searched = 0;
-  for (int col = colLists_.first(0); col >= 0; col = colLists_.first(0)) dropColumn(col);
+  for (int col = colLists_.first(0); col >= 0; col = colLists_.first(0)) colLists_.unlink(col);
   for (int count = 1; count <= maxCount_; ++count) {
     const double least = double(count - 1) * (count - 1);
     if (choice_.row >= 0 && choice_.merit <= least) return true;
@@ -101,8 +106,9 @@ bool Nucleus<Real>::choosePivot() {
     if (count < static_cast<int>(row_.size()) + 1) {
       for (int col = colLists_.first(count); col >= 0; col = next) {
         next = colLists_.next(col);
+        // A column with tiny entries only is set aside until it changes.
         if (!refreshMax(col)) {
-          dropColumn(col);
+          colLists_.unlink(col);
           continue;
         }
         searchColumn(col);
@@ -185,20 +191,10 @@ bool Nucleus<Real>::refreshMax(int col) {
 }
 
 template <class Real>
-void Nucleus<Real>::dropColumn(int col) {
-  Column &column = column_[col];
-  colLists_.unlink(col);
-  for (NzIndex k = column.active; k < column.end; ++k) {
-    const int row = index_[k];
-    if (state_[row] == kPivoted) continue;
-    const bool linked = rowLists_.linked(row);
-    if (linked) rowLists_.unlink(row);
-    removeFromRow(row, col);
-    if (linked && row_[row].count > 0) rowLists_.link(row, row_[row].count);
-  }
-  activeNz_ -= column.count;
-  factors_->dropped.push_back(var_[col]);
-  --colsLeft_;
+void Nucleus<Real>::dropOpenColumns() {
+  for (std::size_t col = 0; col < column_.size(); ++col)
+    if (column_[col].open) factors_->dropped.push_back(var_[col]);
+  colsLeft_ = 0;
 }
 
 // Moves an active entry to the part of its column that belongs to U.
@@ -221,9 +217,10 @@ void Nucleus<Real>::eliminate(int row, int col) {
   const Row pivotRow = row_[row];
   state_[row] = kPivoted;
   activeNz_ -= pivotRow.count;
+  touched_ += kEntriesPerPivot + 2.0 * (pivotRow.count + static_cast<int>(multiplierRow_.size()));
   for (int n = 0; n < pivotRow.count; ++n) {
     const int other = rowCol_[pivotRow.begin + n];
-    colLists_.unlink(other);
+    if (colLists_.linked(other)) colLists_.unlink(other);
     --column_[other].count;
     largest_[other] = Real(-1);
     if (!multiplierRow_.empty()) updateColumn(other, row);
@@ -242,8 +239,9 @@ void Nucleus<Real>::eliminate(int row, int col) {
 // out of the lists.
 template <class Real>
 void Nucleus<Real>::openPivotColumn(int row, int col) {
+  column_[col].open = false;
   const Column column = column_[col];
-  colLists_.unlink(col);
+  if (colLists_.linked(col)) colLists_.unlink(col);
   if (rowLists_.linked(row)) rowLists_.unlink(row);
   removeFromRow(row, col);
   const NzIndex at = find(column, row);
@@ -290,9 +288,9 @@ void Nucleus<Real>::updateColumn(int col, int pivotRow) {
   const NzIndex at = find(column, pivotRow);
   const Real factor = value_[at];
   settleEntry(column, at);
-  touched_ += column.count + 1;
   std::size_t hits = 0;
   if (multiplierRow_.size() <= kFewMultipliers) {
+    touched_ += kVectorShare * column.count * static_cast<double>(multiplierRow_.size() + 1);
     for (const int i : multiplierRow_) {
       const NzIndex k = find(column, i);
       if (k == column.end) continue;
@@ -301,6 +299,7 @@ void Nucleus<Real>::updateColumn(int col, int pivotRow) {
       updateEntry(col, k, factor);
     }
   } else {
+    touched_ += column.count;
     for (NzIndex k = column.active; k < column.end;) {
       if (state_[index_[k]] != kMultiplier) {
         ++k;
@@ -349,7 +348,7 @@ void Nucleus<Real>::finishDense() {
   for (int row = 0; row < numRows; ++row)
     if (row_[row].count > 0) dense_.addRow(row, numRows);
   for (int col = 0; col < numCols; ++col)
-    if (colLists_.linked(col)) {
+    if (column_[col].open) {
       refreshMax(col);  // settles all entries of pivoted rows
       dense_.addCol(col);
     }

@@ -12,7 +12,9 @@
 // When the active submatrix has become dense, it is finished as
 // a dense matrix.
 //
-// A column whose active entries are all below the pivot tolerance is dependent and dropped.
+// A column whose active entries are all below the pivot tolerance has no pivot now, but
+// elimination in its rows may give it one: it is set aside, and dropped as dependent only if it
+// is still without one at the end.
 #pragma once
 
 #include "simplex/lu/count_lists.h"
@@ -38,6 +40,7 @@ class Nucleus {
     NzIndex end = 0;
     NzIndex limit = 0;  // end of the room
     int count = 0;      // active entries of rows without pivot
+    bool open = false;  // neither pivoted nor dropped
   };
   struct Row {
     NzIndex begin = 0;
@@ -60,7 +63,7 @@ class Nucleus {
   bool searchRow(int row);
   void consider(int row, int col, double merit, Real size);
   bool refreshMax(int col);
-  void dropColumn(int col);
+  void dropOpenColumns();
   void eliminate(int row, int col);
   void openPivotColumn(int row, int col);
   void updateColumn(int col, int pivotRow);
