@@ -36,14 +36,14 @@ inline constexpr double kListDensity = 0.30;
 
 // The new diagonal of an update, computed twice, must agree to this relative error; with a
 // fresh factorization a larger one is borne, because factoring again would not help.
-inline constexpr double kUpdateTol = 1e-6;
+inline constexpr double kUpdateTol = 1e-7;
 inline constexpr double kFreshUpdateTol = 1e-4;
 // The row kept from BTRAN serves the update up to this diagonal.
 inline constexpr double kMaxKeptPivot = 1e3;
 // A diagonal that small is refused in any case.
 inline constexpr double kMinUpdatePivot = 1e-13;
 // A disagreement above this is accepted, but the factors are better renewed soon.
-inline constexpr double kUpdateWarnTol = 1e-9;
+inline constexpr double kUpdateWarnTol = 1e-10;
 
 // Refactorization by work is not asked for before this many updates.
 inline constexpr int kMinUpdates = 20;
