@@ -23,7 +23,8 @@ struct SparseVec {
     size = n;
     count = 0;
     value.assign(static_cast<std::size_t>(n), Real(0));
-    index.resize(static_cast<std::size_t>(n));
+    // One more than entries: rebuild() writes a place ahead.
+    index.resize(static_cast<std::size_t>(n) + 1);
   }
   bool valid() const { return count >= 0; }
   double density() const { return size > 0 ? (valid() ? double(count) / size : 1.0) : 0.0; }
@@ -63,12 +64,13 @@ struct SparseVec {
     int found = 0;
     Real *values = value.data();
     int *list = index.data();
+    // No branch on the values: they are unpredictable.
     for (int i = 0; i < size; ++i) {
-      const Real a = values[i] < 0 ? -values[i] : values[i];
-      if (a > dropTol)
-        list[found++] = i;
-      else
-        values[i] = Real(0);
+      const Real v = values[i];
+      const bool kept = v > dropTol || -v > dropTol;
+      list[found] = i;
+      found += kept;
+      values[i] = kept ? v : Real(0);
     }
     count = found;
   }
