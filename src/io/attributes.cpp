@@ -8,6 +8,11 @@ void checkCall(Model &model, int code) {
   if (code != 0) throw Error(code, "%s", model.env().errorMessage());
 }
 
+void failInstead(Model &model, int code, const char *message) {
+  model.env().clearErrorAtEntry();
+  throw Error(code, "%s", message);
+}
+
 Vec<double> getDoubles(Model &model, const char *attribute, int count) {
   Vec<double> values(count);
   checkCall(model, TVKgetdblattrarray(handleOf(model), attribute, 0, count, values.data()));

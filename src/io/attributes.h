@@ -9,6 +9,8 @@ namespace tarvik {
 TVKmodel *handleOf(Model &model);
 // Throws when code is not 0, with the model's pending message.
 void checkCall(Model &model, int code);
+// Throws with a message of the caller in place of the one that the attribute layer left.
+[[noreturn]] void failInstead(Model &model, int code, const char *message);
 
 Vec<double> getDoubles(Model &model, const char *attribute, int count);
 Vec<int> getInts(Model &model, const char *attribute, int count);

@@ -146,7 +146,7 @@ void writeBasisFile(Model &model, const char *filename) {
     basis.vars = getInts(model, "VBasis", data.numVars());
     basis.constrs = getInts(model, "CBasis", data.numConstrs());
   } catch (const Error &error) {
-    throw Error(error.code(), "Unable to retrieve basis for current model");
+    failInstead(model, error.code(), "Unable to retrieve basis for current model");
   }
   WriteStream stream(filename, kCannotOpenForOutput);
   WriterNames names(model, false);

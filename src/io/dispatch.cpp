@@ -5,12 +5,18 @@
 #include "base/locale_scope.h"
 #include "base/random.h"
 #include "base/solve_control.h"
+#include "io/attribute_file.h"
 #include "io/attributes.h"
 #include "io/basis_file.h"
 #include "io/file_streams.h"
 #include "io/file_types.h"
+#include "io/json_report.h"
+#include "io/lp/lp_reader.h"
+#include "io/lp/lp_writer.h"
 #include "io/mps/mps_reader.h"
 #include "io/mps/mps_writer.h"
+#include "io/opb/opb_reader.h"
+#include "io/opb/opb_writer.h"
 #include "io/permutation.h"
 #include "io/value_files.h"
 
@@ -28,10 +34,6 @@ class DerivedModel {
 
   TVKmodel *handle = nullptr;
 };
-
-[[noreturn]] void failUnavailable(const char *filename) {
-  throw Error(TVK_ERROR_NOT_SUPPORTED, "Format of file '%s' is not available", filename);
-}
 
 const char *formatWord(int type) {
   switch (type) {
@@ -62,9 +64,9 @@ ParsedModel parseModelFile(Env &env, const std::string &name, const std::string 
   TextReader text(file);
   ParsedModel parsed;
   try {
-    if (word != "MPS")
-      throw Error(TVK_ERROR_NOT_SUPPORTED, "Reading %s files is not available", word.c_str());
-    parsed = readMps(env, text);
+    parsed = word == "MPS"  ? readMps(env, text)
+             : word == "LP" ? readLp(env, text, name)
+                            : readOpb(env, text, name);
   } catch (const std::bad_alloc &) {
     if (word == "MPS") env.log("Error: out of memory.\n");
     env.recordError(TVK_ERROR_OUT_OF_MEMORY, true, "Out of memory in %s reader", word.c_str());
@@ -75,11 +77,11 @@ ParsedModel parseModelFile(Env &env, const std::string &name, const std::string 
 }
 
 void writeModelFile(Model &model, const char *filename, int type) {
-  if (type != TVK_FILETYPE_MPS && type != TVK_FILETYPE_REW && type != TVK_FILETYPE_DUA)
-    failUnavailable(filename);
   WriteStream stream(filename, kCannotWrite);
   if (type == TVK_FILETYPE_MPS || type == TVK_FILETYPE_REW || type == TVK_FILETYPE_DUA)
     writeMps(model, stream.text(), type == TVK_FILETYPE_REW);
+  else
+    writeLp(model, stream.text(), type);
   stream.close();
 }
 
@@ -120,13 +122,13 @@ void writeByType(Model &model, const char *filename, int type) {
     case TVK_FILETYPE_SUM:
       return writeSummaryFile(model, filename);
     case TVK_FILETYPE_OPB:
-      return failUnavailable(filename);
+      return writeOpb(model, filename);
     case TVK_FILETYPE_HNT:
       return writeHintFile(model, filename);
     case TVK_FILETYPE_ATTR:
-      return failUnavailable(filename);
+      return writeAttributeFile(model, filename);
     case TVK_FILETYPE_JSON:
-      return failUnavailable(filename);
+      return writeJsonFile(model, filename);
     case TVK_FILETYPE_DUA:
     case TVK_FILETYPE_DLP:
       return writeDualFile(model, filename, type);
@@ -171,7 +173,7 @@ void readByType(Model &model, const char *filename, int type) {
     case TVK_FILETYPE_HNT:
       return readHintFile(model, filename);
     default:
-      return failUnavailable(filename);
+      return readAttributeFile(model, filename);
   }
 }
 

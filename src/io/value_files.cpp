@@ -29,11 +29,11 @@ void readValueFile(const char *filename, const char *context, Read &&read) {
 
 // Fetches what a writer needs; a failure becomes `message`.
 template <class Fetch>
-auto fetchOr(const char *message, Fetch &&fetch) {
+auto fetchOr(Model &model, const char *message, Fetch &&fetch) {
   try {
     return fetch();
   } catch (const Error &error) {
-    throw Error(error.code(), "%s", message);
+    failInstead(model, error.code(), message);
   }
 }
 
@@ -84,7 +84,8 @@ void writeStartFile(Model &model, const char *filename) {
     try {
       x = getDoubles(model, "X", model.data().numVars());
     } catch (const Error &) {
-      if (starts.empty()) throw Error(TVK_ERROR_DATA_NOT_AVAILABLE, "No MIP start available");
+      if (starts.empty())
+        failInstead(model, TVK_ERROR_DATA_NOT_AVAILABLE, "No MIP start available");
     }
   }
   WriteStream stream(filename, kCannotOpenForOutput);
@@ -103,7 +104,7 @@ void writeStartFile(Model &model, const char *filename) {
 
 void writeHintFile(Model &model, const char *filename) {
   const int count = model.data().numVars();
-  const auto [values, priorities] = fetchOr("No MIP hints available", [&] {
+  const auto [values, priorities] = fetchOr(model, "No MIP hints available", [&] {
     return std::pair(getDoubles(model, "VarHintVal", count), getInts(model, "VarHintPri", count));
   });
   WriteStream stream(filename, kCannotOpenForOutput);
@@ -119,8 +120,8 @@ void writeHintFile(Model &model, const char *filename) {
 
 void writePriorityFile(Model &model, const char *filename) {
   const int count = model.data().numVars();
-  const Vec<int> priorities =
-      fetchOr("No priorities available", [&] { return getInts(model, "BranchPriority", count); });
+  const Vec<int> priorities = fetchOr(model, "No priorities available",
+                                      [&] { return getInts(model, "BranchPriority", count); });
   WriteStream stream(filename, kCannotOpenForOutput);
   WriterNames names(model, false, false);
   names.announce("MIP branching priority", false);

@@ -1,4 +1,5 @@
 #include "io/written_names.h"
+#include "io/numbered.h"
 
 namespace tarvik {
 
@@ -18,7 +19,7 @@ std::string freeConstraintName(const ModelData &data, WriterNames &names,
     return false;
   };
   std::string name = wanted;
-  for (int k = 1; taken(name); ++k) name = wanted + "_" + std::to_string(k);
+  for (int k = 1; taken(name); ++k) name = wanted + numbered("_", k);
   return name;
 }
 

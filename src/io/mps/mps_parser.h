@@ -108,7 +108,7 @@ class MpsParser {
   // --- quadratic sections, SOS, piecewise-linear objectives (mps_quadratic.cpp) ---
   void parseSos();
   void parseQuadObj(QuadForm form);
-  bool hasMirroredPair(QuadTerms &terms);
+  bool hasMirroredPair(QuadTerms terms);
   void parseQcMatrix(std::string_view rest);
   void parseBilinear(std::string_view rest);
   // The quadratic constraint that a row becomes.

@@ -89,7 +89,7 @@ void MpsParser::symmetrize(QuadTerms &terms) {
   terms = std::move(half);
 }
 
-bool MpsParser::hasMirroredPair(QuadTerms &terms) {
+bool MpsParser::hasMirroredPair(QuadTerms terms) {
   sortPairs(terms);
   for (int k = 1; k < terms.count(); ++k)
     if (terms.row[k] != terms.col[k] && terms.row[k] == terms.col[k - 1] &&
@@ -117,9 +117,10 @@ void MpsParser::parseQuadObj(QuadForm form) {
   } else {
     for (int k = 0; k < terms.count(); ++k)
       if (terms.row[k] > terms.col[k]) std::swap(terms.row[k], terms.col[k]);
-    sortPairs(terms);
-    for (int k = 1; k < terms.count(); ++k)
-      if (terms.row[k] == terms.row[k - 1] && terms.col[k] == terms.col[k - 1])
+    QuadTerms sorted = terms;
+    sortPairs(sorted);
+    for (int k = 1; k < sorted.count(); ++k)
+      if (sorted.row[k] == sorted.row[k - 1] && sorted.col[k] == sorted.col[k - 1])
         failWith("Duplicate quadratic elements", "Error: duplicate quadratic elements\n");
   }
   for (int k = 0; k < terms.count(); ++k)

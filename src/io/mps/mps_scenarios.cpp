@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "io/mps/mps_parser.h"
+#include "io/numbered.h"
 
 namespace tarvik {
 
@@ -53,7 +54,7 @@ void MpsParser::beginScenario(int count, int expected) {
   ParsedScenario scenario;
   int number = -1;
   if (count < 2)
-    scenario.name = "scenario" + std::to_string(index);
+    scenario.name = numbered("scenario", index);
   else if (!parseInteger(fields_[1], number) || number != index)
     scenario.name = fields_[1];
   model_.scenarios.push_back(std::move(scenario));

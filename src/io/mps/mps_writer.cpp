@@ -1,4 +1,5 @@
 #include "io/mps/mps_writer.h"
+#include "io/numbered.h"
 
 #include <algorithm>
 #include <cmath>
@@ -68,8 +69,8 @@ class MpsWriter {
       extra_.push_back({std::string(names_.qconstr(k)), c.sense, c.rhs, &c.lind, &c.lval});
     }
     for (std::size_t k = 0; k < data_.cones.size(); ++k)
-      extra_.push_back({freeConstraintName(data_, names_, "cone" + std::to_string(k)), '<', 0,
-                        nullptr, nullptr});
+      extra_.push_back(
+          {freeConstraintName(data_, names_, numbered("cone", k)), '<', 0, nullptr, nullptr});
     for (int k = 0; k < data_.numGenConstrs(); ++k) {
       const GenConstr &g = data_.genConstrs[k];
       if (g.type != TVK_GENCONSTR_INDICATOR) continue;
@@ -94,8 +95,8 @@ class MpsWriter {
     if (isMultiObjective()) {
       int n = 0;
       for (const Objective &o : data_.objectives) {
-        objNames_.push_back(freeConstraintName(
-            data_, names_, breaksFields(o.name) ? "OBJ" + std::to_string(n) : o.name));
+        objNames_.push_back(
+            freeConstraintName(data_, names_, breaksFields(o.name) ? numbered("OBJ", n) : o.name));
         out_.put(" N  ").put(objNames_.back()).format("       %d", o.priority);
         for (const double value : {o.weight, o.absTol, o.relTol}) out_.put("  ").putNumber(value);
         out_.put('\n');
