@@ -14,12 +14,13 @@ struct RepairStep {
   int numericFocus;     // at least
   bool unscaled;
   bool fromLastBasis;
+  bool extended;  // unless the caller has fixed the precision
 };
 constexpr RepairStep kRepairSteps[] = {
-    {1.0, 0.0, 0, false, true},  // clean-up
-    {0.5, 0.1, 1, true, true},   // the scaled model's tolerances hide a violation
-    {0.1, 0.5, 2, false, true},
-    {0.1, 0.9, 3, true, false},
+    {1.0, 0.0, 0, false, true, false},  // clean-up
+    {0.5, 0.1, 1, true, true, false},   // the scaled model's tolerances hide a violation
+    {0.1, 0.5, 2, false, true, true},
+    {0.1, 0.9, 3, true, false, true},
 };
 
 // Optimal but for dual infeasibilities, or unbounded: the primal simplex goes on from there. In
@@ -151,6 +152,7 @@ LpSolution LpDriver::solveSimplex(const LpModel &lp, const SimplexOptions &optio
   simplex.getSolution(solution);
   solution.status = status;
   iterations_ += simplex.iterations();
+  extended_ = simplex.extended();
   return solution;
 }
 
@@ -212,12 +214,14 @@ LpOutcome LpDriver::settle(LpSolution &&solution) {
   else
     outcome = repair(std::move(solution), verdict);
   outcome.solution.iterations = iterations_;
+  outcome.extended = extended_;
   return outcome;
 }
 
 LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
   const double iterationsBefore = iterations_;
-  LpOutcome best{std::move(doubtful), false};
+  LpOutcome best;
+  best.solution = std::move(doubtful);
   Verdict bestVerdict = verdict, lastVerdict = verdict;
   Basis lastBasis = best.solution.basis;
   SimplexMethod method = repairMethod(best.solution, verdict);
@@ -229,6 +233,10 @@ LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
     options.markowitzTol = std::max(options.markowitzTol, step.markowitzTol);
     options.numericFocus = std::max(options.numericFocus, step.numericFocus);
     if (step.unscaled) options.scaleFlag = 0;
+    if (step.extended && options.quad == -1) {
+      options.quad = 1;
+      if (!extended_) control_.log->print("Switch to quad precision\n");
+    }
     if (!step.fromLastBasis) method = other(options_.method);
     const bool warm = step.fromLastBasis && !lastBasis.empty();
     LpSolution next = solveSimplex(lp_, options, method, warm ? &lastBasis : nullptr, nullptr);

@@ -29,6 +29,8 @@ struct LpOutcome {
   LpSolution solution;
   // Primal feasible, but optimality within the tolerances could not be reached.
   bool suboptimal = false;
+  // The last simplex ran in extended precision.
+  bool extended = false;
 };
 
 class LpDriver {
@@ -54,6 +56,7 @@ class LpDriver {
   SolveControl &control_;
   Tolerances tolerances_;
   bool presolved_ = false;
+  bool extended_ = false;
   double iterations_ = 0;
 };
 

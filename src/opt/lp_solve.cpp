@@ -149,9 +149,12 @@ class LinearSolve {
     options.presolveWarmStart = env_.get(Int::LPWarmStart) == 2;
     options.wantCertificates = env_.get(Int::InfUnbdInfo) != 0;
     const LpModel lp = lpFromModel(data);
+    if (options.simplex.quad == 0 && store_.extendedPrecision)
+      env_.log("Switch to double precision\n");
     LpDriver driver(lp, options, control_);
     LpOutcome outcome = driver.run(start.basis.empty() ? nullptr : &start.basis,
                                    start.values.empty() ? nullptr : &start.values);
+    store_.extendedPrecision = outcome.extended;
     summary_.status = statusCode(outcome);
     store_.iterCount = store_.iterCount0 = outcome.solution.iterations;
     if (summary_.status >= TVK_OPTIMAL && summary_.status <= TVK_CUTOFF)

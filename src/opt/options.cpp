@@ -16,6 +16,10 @@ SimplexOptions simplexOptions(const Env &env) {
   options.normAdjust = env.get(Int::NormAdjust);
   options.numericFocus = env.get(Int::NumericFocus);
   options.luInterval = env.get(Int::TARV_PAR_LUINTERVAL);
+  options.primalPartial = env.get(Int::TARV_PAR_PRIMALPARTIAL);
+  options.quad = env.get(Int::Quad);
+  options.endFactor = env.get(Int::TARV_PAR_SIMPLEXENDFAC);
+  options.statistics = env.get(Int::TARV_PAR_LPSTATS);
   options.seed = env.get(Int::Seed);
   options.primalDualSwitch = env.get(Int::TARV_PAR_PRIMDUALSWITCH) != 0;
   return options;

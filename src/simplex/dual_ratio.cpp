@@ -215,7 +215,7 @@ void DualSimplex<Real>::applyFlips() {
     e_.move[j] = static_cast<signed char>(-e_.move[j]);
     e_.value[j] = e_.move[j] > 0 ? e_.lower[j] : e_.upper[j];
     const Real change = e_.value[j] - from;
-    dualObjective_ += e_.dual[j] * change;
+    e_.updatedObjective += e_.dual[j] * change;
     e_.lp.forColumn(j, [&](int i, Real a) { sum.add(i, a * change); });
   }
   e_.factor.ftran(sum, e_.flipDensity, e_.control->work);
@@ -233,5 +233,6 @@ void DualSimplex<Real>::applyFlips() {
 }
 
 template class DualSimplex<double>;
+template class DualSimplex<long double>;
 
 }  // namespace tarvik

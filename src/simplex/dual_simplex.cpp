@@ -15,6 +15,8 @@ namespace {
 constexpr int kMaxDisagreements = 200;
 // Up to this many updates a verdict is checked with recomputed values on the old factors.
 constexpr int kRecomputeUpdates = 10;
+// A devex weight of a leaving row that asks for a new reference framework.
+constexpr double kDevexReset = 1e6;
 
 TARVIK_SIMD void axpy(int n, double factor, const double *x, double *y) {
   for (int j = 0; j < n; ++j) y[j] += factor * x[j];
@@ -30,9 +32,10 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   e_.resetWorkingCosts();
   queue_.resize(e_.lp.m);
   width_.resize(e_.lp.total());
+  choosePricing();
   unblockAll();
   allowSmallPivots_ = false;
-  if (!e_.factored && !e_.refactor()) return PhaseResult::Trouble;
+  if (!e_.factored && !e_.refactor()) return e_.troubleResult();
   e_.computeDual();
   if (perturb && wantsPerturbation()) {
     perturbCosts();
@@ -55,6 +58,16 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
     e_.computeDual();
   }
   return PhaseResult::NeedsPrimal;
+}
+
+// Weights that another rule has kept mean nothing to this one; those of steepest edge are repaired
+// one by one as their rows are looked at.
+template <class Real>
+void DualSimplex<Real>::choosePricing() {
+  const int option = e_.options.pricing;
+  const PricingRule rule = option < 0 ? PricingRule::Steepest : static_cast<PricingRule>(option);
+  if (rule == PricingRule::Devex || rule == PricingRule::Partial) e_.rowWeight.assign(e_.lp.m, 1.0);
+  pricing_.start(rule, e_.lp.m, e_.lp.n);
 }
 
 // Perturbation pays on the long way from the slack basis; a warm basis with few infeasibilities
@@ -88,7 +101,7 @@ PhaseResult DualSimplex<Real>::phase(bool phaseOne) {
   disagreements_ = 0;
   RebuildReason reason = RebuildReason::None;
   while (true) {
-    if (!rebuild(reason, phaseOne)) return PhaseResult::Trouble;
+    if (!rebuild(reason, phaseOne)) return e_.troubleResult();
     e_.log(false);
     if (e_.stop != StopReason::None) return PhaseResult::Stopped;
     const double before = e_.iterations;
@@ -138,16 +151,41 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
                               reason == RebuildReason::Cutoff;
   const bool refactor = !e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
                                          !(verdictPending && e_.updates < kRecomputeUpdates));
+  const bool check = refactor && e_.updates > 0 && e_.valuesFollowed;
   if (refactor) {
     if (reason == RebuildReason::UnsafeUpdate || reason == RebuildReason::PivotDisagreement)
-      if (disagreements_ > 3) e_.markowitz = std::min(0.5, e_.markowitz * 2);
+      e_.noteDoubtfulPivot(disagreements_);
+    if (check) e_.keepUpdatedValues();
     if (!e_.refactor()) return false;
   }
   if (reason == RebuildReason::UpdateLimit) {
     unblockAll();
     allowSmallPivots_ = false;
   }
+  recompute(phaseOne, check && !e_.repaired);
+  if (check && !e_.repaired) {
+    e_.noteResiduals();
+    e_.stability.noteRegularFactorization();
+    const Stability::Check answer = e_.checkObjective();
+    if (answer == Stability::Check::Fail || answer == Stability::Check::Extend) return false;
+    if (answer == Stability::Check::Refactor) {
+      if (!e_.refactor()) return false;
+      recompute(phaseOne, false);
+    }
+  }
+  e_.updatedObjective = e_.currentObjective();
+  e_.valuesFollowed = true;
+  if (pricing_.check(e_.iterations) != PricingMode::Change::None) e_.rowWeight.assign(e_.lp.m, 1.0);
+  fillQueue();
+  return true;
+}
+
+// Values of the working problem from the factors; with compare against the updated ones.
+template <class Real>
+void DualSimplex<Real>::recompute(bool phaseOne, bool compare) {
   e_.computeDual();
+  if (compare) e_.compareDuals();
+  const double flips = flips_;
   correctDuals(!phaseOne);
   e_.loadBasicBounds();
   freeNonbasic_.clear();
@@ -156,9 +194,7 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
     if (j < e_.lp.n && e_.move[j] == 0 && e_.canEnter(j)) freeNonbasic_.push_back(j);
   }
   e_.computePrimal();
-  dualObjective_ = phaseOne ? Real(0) : e_.currentObjective();
-  fillQueue();
-  return true;
+  if (compare && flips_ == flips) e_.comparePrimal();
 }
 
 template <class Real>
@@ -217,8 +253,11 @@ int DualSimplex<Real>::correctDuals(bool mayShift) {
     if (violation <= e_.dualTol) continue;
     const bool boxed = e_.lower[j] != -kRealInf<Real> && e_.upper[j] != kRealInf<Real>;
     if (boxed && e_.move[j] != 0) {
+      const Real from = e_.value[j];
       e_.move[j] = static_cast<signed char>(-e_.move[j]);
       e_.value[j] = e_.move[j] > 0 ? e_.lower[j] : e_.upper[j];
+      e_.updatedObjective += e_.dual[j] * (e_.value[j] - from);
+      ++flips_;
     } else if (mayShift) {
       const Real target = Real(1 + e_.randomValue[j]) * e_.dualTol;
       const Real wanted = e_.move[j] > 0 ? target : e_.move[j] < 0 ? -target : Real(0);
@@ -273,7 +312,9 @@ RebuildReason DualSimplex<Real>::iterate() {
     if (!e_.poll()) return RebuildReason::Limit;
     const BasisPos p = chooseRow();
     if (p < 0) return RebuildReason::PossiblyOptimal;
+    const double before = e_.control->work.counted();
     e_.priceRow();
+    pricing_.chargeRow(e_.control->work.counted() - before);
     const VarIndex q = chooseColumn(p);
     if (q < 0) {
       troubleRow_ = p;
@@ -297,6 +338,7 @@ BasisPos DualSimplex<Real>::chooseRow() {
     e_.chargeWork(queue_.lastScan());
     if (p < 0) return -1;
     e_.unitBtran(p);
+    if (!pricing_.steepest()) return p;
     double exact = 0;
     for (int k = 0; k < e_.rho.count; ++k) {
       const double x = static_cast<double>(e_.rho.value[e_.rho.index[k]]);
@@ -325,9 +367,13 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   const int side = e_.xB[p] < e_.lB[p] ? -1 : 1;
   applyFlips();
   SparseVec<Real> &tau = e_.work2;
-  tau.copyFrom(e_.rho);
-  e_.factor.ftran(tau, e_.weightDensity, e_.control->work);
-  e_.updateDensity(e_.weightDensity, tau);
+  if (pricing_.steepest()) {
+    const double before = e_.control->work.counted();
+    tau.copyFrom(e_.rho);
+    e_.factor.ftran(tau, e_.weightDensity, e_.control->work);
+    e_.updateDensity(e_.weightDensity, tau);
+    pricing_.chargeNorms(e_.control->work.counted() - before);
+  }
 
   const Real delta = e_.xB[p] - (side < 0 ? e_.lB[p] : e_.uB[p]);
   const Real thetaP = delta / alpha;
@@ -338,7 +384,7 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
     if (e_.updates == 0) block(p);
     return RebuildReason::UnsafeUpdate;
   }
-  dualObjective_ += thetaD_ * delta;
+  e_.updatedObjective += thetaD_ * delta;
   updateWeights(p, alpha);
   updatePrimal(p, thetaP);
   updateDuals(thetaD_);
@@ -348,14 +394,24 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   setInfeasibility(p);
   tau.clear();
   if (!phaseOne_ && e_.options.cutoff < 1e100 &&
-      static_cast<double>(dualObjective_) > e_.options.cutoff)
+      static_cast<double>(e_.updatedObjective) > e_.options.cutoff)
     return RebuildReason::Cutoff;
   return updated == UpdateResult::RefactorSoon ? RebuildReason::UpdateLimit : RebuildReason::None;
 }
 
-// w_i := w_i - 2 r_i tau_i + r_i^2 w_p with r = column / alpha (Forrest and Goldfarb 1992).
 template <class Real>
 void DualSimplex<Real>::updateWeights(BasisPos p, Real alpha) {
+  if (pricing_.steepest())
+    updateSteepest(p, alpha);
+  else if (pricing_.rule() == PricingRule::Devex)
+    updateDevex(p, alpha);
+  else
+    e_.rowWeight[p] = 1.0;
+}
+
+// w_i := w_i - 2 r_i tau_i + r_i^2 w_p with r = column / alpha (Forrest and Goldfarb 1992).
+template <class Real>
+void DualSimplex<Real>::updateSteepest(BasisPos p, Real alpha) {
   const double wp = e_.rowWeight[p];
   const SparseVec<Real> &column = e_.column, &tau = e_.work2;
   const int count = column.valid() ? column.count : e_.lp.m;
@@ -368,6 +424,26 @@ void DualSimplex<Real>::updateWeights(BasisPos p, Real alpha) {
   }
   e_.rowWeight[p] = std::max(wp / static_cast<double>(alpha * alpha), 1e-4);
   e_.chargeWork(4.0 * count);
+}
+
+// The reference framework is the set of rows that were basic at the last reset.
+template <class Real>
+void DualSimplex<Real>::updateDevex(BasisPos p, Real alpha) {
+  const double wp = e_.rowWeight[p];
+  const SparseVec<Real> &column = e_.column;
+  const int count = column.valid() ? column.count : e_.lp.m;
+  for (int k = 0; k < count; ++k) {
+    const int i = column.valid() ? column.index[k] : k;
+    const double r = static_cast<double>(column.value[i] / alpha);
+    if (r == 0 || i == p) continue;
+    e_.rowWeight[i] = std::max(e_.rowWeight[i], r * r * wp);
+  }
+  e_.rowWeight[p] = std::max(wp / static_cast<double>(alpha * alpha), 1.0);
+  e_.chargeWork(4.0 * count);
+  if (wp > kDevexReset) {
+    e_.rowWeight.assign(e_.lp.m, 1.0);
+    fillQueue();
+  }
 }
 
 template <class Real>
@@ -409,5 +485,6 @@ void DualSimplex<Real>::updateDuals(Real thetaD) {
 }
 
 template class DualSimplex<double>;
+template class DualSimplex<long double>;
 
 }  // namespace tarvik

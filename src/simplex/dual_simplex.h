@@ -9,6 +9,7 @@
 #pragma once
 
 #include "simplex/engine.h"
+#include "simplex/pricing_mode.h"
 
 namespace tarvik {
 
@@ -32,6 +33,7 @@ class DualSimplex {
   PhaseResult finishPhaseTwo();
   PhaseResult verdict(RebuildReason reason, bool phaseOne);
   bool rebuild(RebuildReason reason, bool phaseOne);
+  void recompute(bool phaseOne, bool compare);
   RebuildReason iterate();
   RebuildReason pivot(BasisPos p, VarIndex q);
 
@@ -50,7 +52,10 @@ class DualSimplex {
   void applyFlips();
   void updatePrimal(BasisPos p, Real thetaP);
   void updateDuals(Real thetaD);
+  void choosePricing();
   void updateWeights(BasisPos p, Real alpha);
+  void updateSteepest(BasisPos p, Real alpha);
+  void updateDevex(BasisPos p, Real alpha);
   void setInfeasibility(BasisPos i);
   void fillQueue();
   void block(BasisPos p);
@@ -58,6 +63,7 @@ class DualSimplex {
 
   Engine<Real> &e_;
   CandidateQueue queue_;
+  PricingMode pricing_;
   Vec<Real> width_;             // upper - lower, by variable
   Vec<VarIndex> freeNonbasic_;  // structurals that may leave their value both ways
   Vec<Candidate> candidates_;
@@ -69,7 +75,7 @@ class DualSimplex {
   int blockedCount_ = 0;
   bool allowSmallPivots_ = false;
   bool retry_ = false;  // the verdict asks for another try without the row it blocked
-  Real dualObjective_ = 0;
+  double flips_ = 0;    // of reduced costs mended by a change of side
   Real thetaD_ = 0;
   BasisPos troubleRow_ = -1;
   bool phaseOne_ = false;
@@ -77,5 +83,6 @@ class DualSimplex {
 };
 
 extern template class DualSimplex<double>;
+extern template class DualSimplex<long double>;
 
 }  // namespace tarvik

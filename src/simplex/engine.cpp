@@ -18,8 +18,47 @@ void Engine<Real>::load(const LpModel &model) {
   for (double &r : randomValue) r = random.uniform();
   slackBasis();
   iterations = 0;
+  setWorkRate();
+}
+
+template <class Real>
+void Engine<Real>::setWorkRate() {
   workRate = sizeof(Real) > sizeof(double) ? 1.95 : 1.3;
   if (lp.m > 10000) workRate *= std::sqrt(std::log10(lp.m / 1000.0));
+}
+
+template <class Real>
+void Engine<Real>::resizeScratch() {
+  rho.resize(lp.m);
+  column.resize(lp.m);
+  work1.resize(lp.m);
+  work2.resize(lp.m);
+  pivotRow.resize(lp.n);
+}
+
+template <class Real>
+template <class Other>
+void Engine<Real>::convertFrom(const Engine<Other> &other) {
+  static_cast<EngineState &>(*this) = other;
+  lp.convertFrom(other.lp);
+  const auto copy = [](Vec<Real> &to, const Vec<Other> &from) {
+    to.assign(from.begin(), from.end());
+  };
+  copy(lower, other.lower);
+  copy(upper, other.upper);
+  copy(cost, other.cost);
+  copy(value, other.value);
+  copy(dual, other.dual);
+  copy(xB, other.xB);
+  copy(lB, other.lB);
+  copy(uB, other.uB);
+  copy(certificateRow, other.certificateRow);
+  copy(rayDirection, other.rayDirection);
+  primalTol = static_cast<Real>(other.primalTol);
+  dualTol = static_cast<Real>(other.dualTol);
+  resizeScratch();
+  setWorkRate();
+  rebuildRows();
 }
 
 template <class Real>
@@ -43,13 +82,7 @@ void Engine<Real>::slackBasis() {
   uB.assign(m, Real(0));
   rowWeight.assign(m, 1.0);
   rowWeightsValid = true;
-  factored = false;
-  markowitz = options.markowitzTol;
-  rho.resize(m);
-  column.resize(m);
-  work1.resize(m);
-  work2.resize(m);
-  pivotRow.resize(lp.n);
+  resizeScratch();
   rebuildRows();
 }
 
@@ -104,6 +137,7 @@ void Engine<Real>::resetWorkingBounds() {
   }
   boundsPerturbed = false;
   boundShift = ShiftState::None;
+  valuesFollowed = false;
   loadBasicBounds();
 }
 
@@ -112,6 +146,14 @@ void Engine<Real>::resetWorkingCosts() {
   cost = lp.cost;
   costsPerturbed = false;
   costShift = ShiftState::None;
+  valuesFollowed = false;
+}
+
+template <class Real>
+void Engine<Real>::noteDoubtfulPivot(int k) {
+  if (k <= 3) return;
+  stability.shrinkInterval();
+  stability.tighten(k <= 10 ? 0.125 : 0.25, warnings());
 }
 
 template <class Real>
@@ -129,44 +171,38 @@ void Engine<Real>::permuteWeights(const Vec<VarIndex> &oldHead) {
   for (int i = 0; i < lp.m; ++i) rowWeight[i] = weightOf_[head[i]];
 }
 
+// Dependent variables go to their bounds. False when there were too many repairs.
 template <class Real>
 bool Engine<Real>::applyRepair(const SingularRepair &repair) {
-  ++singularRepairs;
-  if (options.logging)
-    control->log->print("Warning: %d variables dropped from basis\n",
-                        static_cast<int>(repair.dropped.size()));
-  for (std::size_t k = 0; k < repair.dropped.size(); ++k) {
-    const VarIndex out = repair.dropped[k];
+  for (const VarIndex out : repair.dropped) {
     position[out] = -1;
     move[out] = 0;
     placeNonbasic(out);
   }
-  markowitz = std::max(markowitz, singularRepairs > 1 ? 0.9 : 0.5);
-  return singularRepairs <= 99;
+  const auto answer =
+      stability.noteRepair(static_cast<int>(repair.dropped.size()), iterations > 0, warnings());
+  if (answer != Stability::Repair::RestartFromSlackBasis) return answer == Stability::Repair::GoOn;
+  slackBasis();
+  SingularRepair none;
+  factor.factor(head, none, control->work);
+  return true;
 }
 
 template <class Real>
 bool Engine<Real>::refactor() {
-  factor.options().markowitzTol = markowitz;
+  factor.options().markowitzTol = stability.markowitz();
   factor.options().pivotTol = options.pivotTol;
-  int limit = options.luInterval;
-  if (limit <= 0) {
-    limit = static_cast<int>(std::pow(double(lp.m), 0.7 - 0.1 * options.numericFocus));
-    limit = std::max(limit, 20);
-    if (options.numericFocus == 1) limit = std::min(limit, 1000);
-    if (options.numericFocus >= 2) limit = std::min(limit, 100);
-  }
-  factor.options().maxUpdates = limit;
+  factor.options().maxUpdates = stability.updateLimit();
   Vec<VarIndex> oldHead = head;
   SingularRepair repair;
   factor.factor(head, repair, control->work);
-  bool ok = true;
-  if (!repair.empty()) ok = applyRepair(repair);
+  repaired = !repair.empty();
+  const bool ok = !repaired || applyRepair(repair);
   for (int i = 0; i < lp.m; ++i) {
     position[head[i]] = i;
     move[head[i]] = 0;
   }
-  if (!repair.empty())
+  if (repaired)
     for (const VarIndex out : repair.dropped) syncActive(out);
   for (const RowIndex r : repair.row) dual[head[r]] = 0;
   permuteWeights(oldHead);
@@ -356,6 +392,7 @@ void Engine<Real>::shiftCost(VarIndex j, Real amount) {
   if (amount == Real(0)) return;
   cost[j] += amount;
   dual[j] += amount;
+  updatedObjective += amount * value[j];
   const ShiftState state =
       fabs(amount) < Real(0.05) * dualTol ? ShiftState::Small : ShiftState::Large;
   if (static_cast<int>(state) > static_cast<int>(costShift)) costShift = state;
@@ -439,8 +476,8 @@ bool Engine<Real>::poll() {
 
 template <class Real>
 void Engine<Real>::logHeader() {
-  if (headerPrinted_ || !options.logging) return;
-  headerPrinted_ = true;
+  if (headerPrinted || !options.logging) return;
+  headerPrinted = true;
   control->log->print("Iteration    Objective       Primal Inf.    Dual Inf.      Time\n");
 }
 
@@ -448,7 +485,7 @@ template <class Real>
 void Engine<Real>::log(bool force) {
   const double seconds = options.logging ? control->limits.seconds() : 0;
   const bool due =
-      options.logging && iterations != lastLogIteration_ && (force || seconds >= nextLogSeconds_);
+      options.logging && iterations != lastLogIteration && (force || seconds >= nextLogSeconds);
   if (!due && !control->progress) return;
   progress.iterations = iterations;
   progress.objective = static_cast<double>(trueObjective());
@@ -458,13 +495,16 @@ void Engine<Real>::log(bool force) {
   if (control->progress && !control->progress->onSimplex(progress)) stop = StopReason::Callback;
   if (!due) return;
   logHeader();
-  nextLogSeconds_ = (std::floor(seconds / control->displayInterval) + 1) * control->displayInterval;
-  lastLogIteration_ = iterations;
+  nextLogSeconds = (std::floor(seconds / control->displayInterval) + 1) * control->displayInterval;
+  lastLogIteration = iterations;
   control->log->print(" %7.0f   %14.7e  %13.6e  %13.6e %6.0fs\n", iterations,
                       logSign * progress.objective, progress.primalInfeasibility,
                       progress.dualInfeasibility, seconds);
 }
 
 template class Engine<double>;
+template class Engine<long double>;
+template void Engine<double>::convertFrom(const Engine<long double> &);
+template void Engine<long double>::convertFrom(const Engine<double> &);
 
 }  // namespace tarvik

@@ -14,6 +14,7 @@
 #include "simplex/row_matrix.h"
 #include "simplex/scaled_lp.h"
 #include "simplex/simplex.h"
+#include "simplex/stability.h"
 
 namespace tarvik {
 
@@ -38,44 +39,27 @@ enum class PhaseResult {
   NeedsPrimal,  // dual: go on with the primal simplex
   NeedsDual,    // primal: go on with the dual simplex
   Cutoff,
-  Stopped,  // see Engine::stop
-  Trouble,  // numerical; the driver decides
+  Stopped,        // see Engine::stop
+  NeedsExtended,  // more precision is asked for
+  Trouble,        // numerical; the driver decides
 };
 
 // How far the working costs or bounds are from the true ones.
 enum class ShiftState : int { None = 0, Small = 1, Large = 2 };
 
-template <class Real>
-class Engine {
- public:
-  // --- problem ---
-  ScaledLp<Real> lp;
+// What an engine knows apart from its numbers; a change of precision copies it as it is.
+struct EngineState {
   SimplexOptions options;
-  Vec<Real> lower, upper;                 // working bounds, n + m
-  Vec<Real> cost;                         // working costs, n + m
-  Real primalTol = 1e-6, dualTol = 1e-6;  // in the scaled space
+  Stability stability;
 
   // --- basis ---
   Vec<VarIndex> head;      // m
   Vec<BasisPos> position;  // n + m, -1 when nonbasic
   Vec<signed char> move;   // n + m
-  Vec<Real> value;         // n + m, of nonbasic variables
-  Vec<Real> dual;          // n + m, reduced costs; 0 for basic variables
-  Vec<Real> xB, lB, uB;    // m
   Vec<double> rowWeight;   // m, dual steepest-edge weights
   bool rowWeightsValid = false;
-  Factor<Real> factor;
-  RowMatrix<Real> rows;
-  bool factored = false;
-  int updates = 0;  // basis changes since the factorization
-  double markowitz = 0.0078125;
-  int singularRepairs = 0;
 
-  // --- shared scratch and running densities ---
-  SparseVec<Real> rho;       // BTRAN of a unit vector (pivot row multipliers)
-  SparseVec<Real> pivotRow;  // structurals' part of the pivot row
-  SparseVec<Real> column;    // FTRAN of the entering column
-  SparseVec<Real> work1, work2;
+  // --- running densities ---
   double rhoDensity = 0, rowDensity = 0, columnDensity = 0, weightDensity = 0, flipDensity = 0;
 
   // --- shift bookkeeping ---
@@ -90,10 +74,48 @@ class Engine {
   double iterationCap = 1e100;  // an algorithm stops here too, with StopReason::IterationLimit
   StopReason stop = StopReason::None;
   SimplexProgress progress;
+  double logSign = 1;
+  double lastLogIteration = -1, nextLogSeconds = 0;
+  bool headerPrinted = false;
+};
+
+template <class Real>
+class Engine : public EngineState {
+ public:
+  // --- problem ---
+  ScaledLp<Real> lp;
+  Vec<Real> lower, upper;                 // working bounds, n + m
+  Vec<Real> cost;                         // working costs, n + m
+  Real primalTol = 1e-6, dualTol = 1e-6;  // in the scaled space
+
+  // --- basis ---
+  Vec<Real> value;       // n + m, of nonbasic variables
+  Vec<Real> dual;        // n + m, reduced costs; 0 for basic variables
+  Vec<Real> xB, lB, uB;  // m
+  Factor<Real> factor;
+  RowMatrix<Real> rows;
+  bool factored = false;
+  int updates = 0;  // basis changes since the factorization
+
+  // --- shared scratch ---
+  SparseVec<Real> rho;       // BTRAN of a unit vector (pivot row multipliers)
+  SparseVec<Real> pivotRow;  // structurals' part of the pivot row
+  SparseVec<Real> column;    // FTRAN of the entering column
+  SparseVec<Real> work1, work2;
+
+  // --- what refactorizations check ---
+  Real updatedObjective = 0;    // of the working problem, followed through every change
+  bool valuesFollowed = false;  // false after changes that nothing was updated by
+  bool repaired = false;        // the last factorization changed the basis
+
+  // --- verdicts ---
   Vec<Real> certificateRow;  // dual ray of a proven infeasibility: multipliers by row
   Vec<Real> rayDirection;    // primal ray, n + m
 
   void load(const LpModel &model);
+  // Takes over the state of an engine of the other precision; the basis is factored again.
+  template <class Other>
+  void convertFrom(const Engine<Other> &other);
   void slackBasis();
   // Values and moves of nonbasic variables from the working bounds; keeps sides where possible.
   void placeNonbasic(VarIndex j);
@@ -105,10 +127,26 @@ class Engine {
     if (j < lp.n) rows.setActive(j, canEnter(j));
   }
 
+  // The verdict of an algorithm whose rebuild has failed.
+  PhaseResult troubleResult() const {
+    return stability.extendRequested() ? PhaseResult::NeedsExtended : PhaseResult::Trouble;
+  }
+  Log *warnings() const { return options.logging ? control->log : nullptr; }
+
   // Factors the basis; repairs a singular one. False when it cannot be repaired any more.
   bool refactor();
   void computePrimal();
   void computeDual();
+
+  // Around a refactorization in the course of an algorithm: keep what was updated, compare it
+  // with what was computed afresh (as far as nothing else has changed it), look at the residuals.
+  void keepUpdatedValues();
+  void compareDuals();
+  void comparePrimal();
+  void noteResiduals();
+  Stability::Check checkObjective();
+  // More stable factors after the k-th doubtful pivot of an algorithm.
+  void noteDoubtfulPivot(int k);
   void loadBasicBounds();
   Real primalInfeasibilitySum(int *count = nullptr) const;
   Real dualInfeasibilitySum(int *count = nullptr) const;
@@ -136,17 +174,23 @@ class Engine {
   void updateDensity(double &average, const SparseVec<Real> &x) const;
 
   double workRate = 1.3;
-  double logSign = 1;
 
  private:
+  void resizeScratch();
+  void setWorkRate();
+  void noteChange(Real change, Real largest);
+  Real primalResidual();
+  Real dualResidual();
   void refineRow(Vec<Real> &y);
   void permuteWeights(const Vec<VarIndex> &oldHead);
   bool applyRepair(const SingularRepair &repair);
-  double lastLogIteration_ = -1, nextLogSeconds_ = 0;
-  bool headerPrinted_ = false;
   Vec<double> weightOf_;  // scratch by variable
+  Vec<Real> keptDual_, keptPrimal_;
+  Real keptInfeasibility_ = 0;
+  Discrepancy seen_;
 };
 
 extern template class Engine<double>;
+extern template class Engine<long double>;
 
 }  // namespace tarvik

@@ -133,5 +133,6 @@ void PrimalSimplex<Real>::shiftBoundTo(BasisPos p, int side, Real target) {
 }
 
 template class PrimalSimplex<double>;
+template class PrimalSimplex<long double>;
 
 }  // namespace tarvik

@@ -22,16 +22,14 @@ PhaseResult PrimalSimplex<Real>::run(bool perturb) {
   e_.resetWorkingBounds();
   e_.resetWorkingCosts();
   queue_.resize(total);
-  weight_.assign(total, 1.0);
-  inReference_.assign(total, 0);
+  choosePricing();
   costChange_.resize(e_.lp.m);
   costRow_.resize(e_.lp.n);
   stalled_ = disagreements_ = 0;
-  resetDevex();
   if (perturb) perturbBounds();
   RebuildReason reason = RebuildReason::None;
   while (true) {
-    if (!rebuild(reason)) return finish(PhaseResult::Trouble);
+    if (!rebuild(reason)) return finish(e_.troubleResult());
     e_.log(false);
     if (e_.stop != StopReason::None) return finish(PhaseResult::Stopped);
     const double before = e_.iterations;
@@ -96,14 +94,43 @@ template <class Real>
 bool PrimalSimplex<Real>::rebuild(RebuildReason reason) {
   const bool verdictPending =
       reason == RebuildReason::PossiblyOptimal || reason == RebuildReason::PossiblyUnbounded;
-  if (!e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
-                       !(verdictPending && e_.updates < kRecomputeUpdates))) {
+  const bool refactor = !e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
+                                         !(verdictPending && e_.updates < kRecomputeUpdates));
+  const bool check = refactor && e_.updates > 0 && e_.valuesFollowed;
+  if (refactor) {
     if (reason == RebuildReason::UnsafeUpdate || reason == RebuildReason::PivotDisagreement)
-      if (disagreements_ > 3) e_.markowitz = std::min(0.5, e_.markowitz * 2);
+      e_.noteDoubtfulPivot(disagreements_);
+    if (check) e_.keepUpdatedValues();
     if (!e_.refactor()) return false;
   }
+  const bool wasPhaseOne = phaseOne_;
+  recompute(check && !e_.repaired);
+  if (check && !e_.repaired) {
+    e_.noteResiduals();
+    e_.stability.noteRegularFactorization();
+    if (!wasPhaseOne && !phaseOne_) {
+      const Stability::Check answer = e_.checkObjective();
+      if (answer == Stability::Check::Fail || answer == Stability::Check::Extend) return false;
+      if (answer == Stability::Check::Refactor) {
+        if (!e_.refactor()) return false;
+        recompute(false);
+      }
+    }
+  }
+  e_.updatedObjective = e_.currentObjective();
+  e_.valuesFollowed = pricing_.rule() != PricingRule::Partial;
+  if (pricing_.check(e_.iterations) != PricingMode::Change::None) resetWeights();
+  fillQueue();
+  return true;
+}
+
+// Phase, costs and values from the factors; with compare against the updated ones.
+template <class Real>
+void PrimalSimplex<Real>::recompute(bool compare) {
+  const bool wasPhaseOne = phaseOne_;
   e_.loadBasicBounds();
   e_.computePrimal();
+  if (compare) e_.comparePrimal();
   phaseOne_ = false;
   for (int i = 0; i < e_.lp.m && !phaseOne_; ++i) phaseOne_ = phaseOneCost(i) != 0;
   if (phaseOne_) {
@@ -113,8 +140,7 @@ bool PrimalSimplex<Real>::rebuild(RebuildReason reason) {
     e_.cost = e_.lp.cost;
   }
   e_.computeDual();
-  fillQueue();
-  return true;
+  if (compare && !wasPhaseOne && !phaseOne_) e_.compareDuals();
 }
 
 template <class Real>
@@ -127,6 +153,7 @@ int PrimalSimplex<Real>::phaseOneCost(BasisPos i) const {
 template <class Real>
 void PrimalSimplex<Real>::perturbBounds() {
   e_.boundsPerturbed = true;
+  e_.valuesFollowed = false;
   e_.boundShift = ShiftState::Large;
   const double base = tuning::kBoundPerturbation;
   for (int j = 0; j < e_.lp.total(); ++j) {
@@ -141,33 +168,10 @@ void PrimalSimplex<Real>::perturbBounds() {
 }
 
 template <class Real>
-void PrimalSimplex<Real>::setDualMerit(VarIndex j) {
-  const Real violation = e_.dualInfeasibility(j);
-  queue_.set(
-      j, violation > e_.dualTol ? static_cast<double>(violation * violation) / weight_[j] : 0.0);
-}
-
-template <class Real>
-void PrimalSimplex<Real>::fillQueue() {
-  for (int j = 0; j < e_.lp.total(); ++j) setDualMerit(j);
-  e_.chargeWork(3.0 * e_.lp.total());
-}
-
-template <class Real>
-void PrimalSimplex<Real>::resetDevex() {
-  devexErrors_ = 0;
-  for (int j = 0; j < e_.lp.total(); ++j) {
-    weight_[j] = 1.0;
-    inReference_[j] = e_.position[j] < 0;
-  }
-}
-
-template <class Real>
 RebuildReason PrimalSimplex<Real>::iterate() {
   while (true) {
     if (!e_.poll()) return RebuildReason::Limit;
-    const VarIndex q = queue_.best();
-    e_.chargeWork(queue_.lastScan());
+    const VarIndex q = chooseColumn();
     if (q < 0) return RebuildReason::PossiblyOptimal;
     e_.ftranColumn(q, e_.column, true);
     if (!enteringDualAgrees(q)) {
@@ -205,7 +209,7 @@ RebuildReason PrimalSimplex<Real>::step(VarIndex q) {
   const Real direction = e_.dual[q] < 0 ? Real(1) : Real(-1);
   const Choice choice = phaseOne_ ? phaseOneRatioTest(q, direction) : ratioTest(q, direction);
   if (choice.flip) {
-    movePrimal(direction * choice.step);
+    movePrimal(q, direction * choice.step);
     e_.move[q] = static_cast<signed char>(-e_.move[q]);
     e_.value[q] = e_.move[q] > 0 ? e_.lower[q] : e_.upper[q];
     if (phaseOne_) updatePhaseOneCosts(-1);
@@ -221,8 +225,10 @@ RebuildReason PrimalSimplex<Real>::step(VarIndex q) {
   }
   const BasisPos p = choice.row;
   const Real alpha = e_.column.value[p];
+  const double before = e_.control->work.counted();
   e_.unitBtran(p);
-  e_.priceRow();
+  priceRow();
+  pricing_.chargeRow(e_.control->work.counted() - before);
   if (fabs(e_.rowEntry(q) - alpha) >
           Real(tuning::kPivotAgreement) * std::max(Real(1e-2), fabs(alpha)) &&
       e_.updates > 0)
@@ -235,16 +241,16 @@ RebuildReason PrimalSimplex<Real>::step(VarIndex q) {
     stalled_ = 0;
   }
   const Real entering = e_.value[q] + direction * choice.step;
-  movePrimal(direction * choice.step);
+  movePrimal(q, direction * choice.step);
   if (phaseOne_) updatePhaseOneCosts(p);
   updateDuals(q, p, alpha);
-  updateDevex(q, p, alpha, out);
+  updateWeights(q, p, alpha, out);
   const Real leavingDual = e_.dual[out];
   const UpdateResult updated = e_.changeBasis(q, p, choice.side, alpha);
   if (updated == UpdateResult::RefactorNow) {
     if (e_.updates == 0) {
       weight_[q] = std::max(weight_[q], 1.0) * 1e6;
-      e_.markowitz = std::min(0.9, e_.markowitz * 4);
+      e_.stability.raise(std::min(0.9, e_.stability.markowitz() * 4));
     }
     return RebuildReason::UnsafeUpdate;
   }
@@ -257,7 +263,8 @@ RebuildReason PrimalSimplex<Real>::step(VarIndex q) {
 }
 
 template <class Real>
-void PrimalSimplex<Real>::movePrimal(Real signedStep) {
+void PrimalSimplex<Real>::movePrimal(VarIndex q, Real signedStep) {
+  e_.updatedObjective += e_.dual[q] * signedStep;
   const SparseVec<Real> &column = e_.column;
   const int count = column.valid() ? column.count : e_.lp.m;
   if (signedStep != Real(0)) {
@@ -289,7 +296,7 @@ void PrimalSimplex<Real>::updatePhaseOneCosts(BasisPos leavingRow) {
   if (costChange_.count == 0) return;
   e_.factor.btran(costChange_, e_.rhoDensity, e_.control->work);
   if (!costChange_.valid()) costChange_.rebuild(Real(1e-14));
-  e_.rows.price(costChange_, costRow_, e_.rowDensity, e_.control->work);
+  priceStructurals(costChange_, costRow_, e_.rowDensity);
   costRow_.forEach([&](int j, Real entry) {
     e_.dual[j] -= entry;
     setDualMerit(j);
@@ -314,43 +321,7 @@ void PrimalSimplex<Real>::updateDuals(VarIndex q, BasisPos p, Real alpha) {
   e_.dual[e_.head[p]] = -thetaD;
 }
 
-// Devex reference weights, with the exact reference weight of the entering variable; too many
-// large errors start a new reference framework.
-template <class Real>
-void PrimalSimplex<Real>::updateDevex(VarIndex q, BasisPos p, Real alpha, VarIndex out) {
-  const SparseVec<Real> &column = e_.column;
-  const int count = column.valid() ? column.count : e_.lp.m;
-  double exact = inReference_[q];
-  for (int k = 0; k < count; ++k) {
-    const int i = column.valid() ? column.index[k] : k;
-    if (inReference_[e_.head[i]]) {
-      const double a = static_cast<double>(column.value[i]);
-      exact += a * a;
-    }
-  }
-  exact = std::max(exact, 1.0);
-  if (weight_[q] > tuning::kDevexErrorFactor * exact) ++devexErrors_;
-  const double pivotWeight = exact / static_cast<double>(alpha * alpha);
-  const auto raise = [&](VarIndex j, Real entry) {
-    const double a = static_cast<double>(entry);
-    weight_[j] = std::max(weight_[j], a * a * pivotWeight + inReference_[j]);
-    setDualMerit(j);
-  };
-  e_.pivotRow.forEach([&](int j, Real entry) { raise(j, entry); });
-  for (int k = 0; k < e_.rho.count; ++k) {
-    const int i = e_.rho.index[k];
-    const VarIndex j = e_.lp.n + i;
-    if (e_.canEnter(j)) raise(j, e_.rho.value[i]);
-  }
-  weight_[out] = std::max(1.0, pivotWeight);
-  weight_[q] = 1.0;
-  e_.chargeWork(5.0 * (e_.pivotRow.passLength() + e_.rho.count) + 3.0 * count);
-  if (devexErrors_ > tuning::kDevexMaxErrors) {
-    resetDevex();
-    fillQueue();
-  }
-}
-
 template class PrimalSimplex<double>;
+template class PrimalSimplex<long double>;
 
 }  // namespace tarvik

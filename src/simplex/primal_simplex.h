@@ -5,6 +5,7 @@
 #pragma once
 
 #include "simplex/engine.h"
+#include "simplex/pricing_mode.h"
 
 namespace tarvik {
 
@@ -32,6 +33,7 @@ class PrimalSimplex {
   };
 
   bool rebuild(RebuildReason reason);
+  void recompute(bool compare);
   RebuildReason iterate();
   RebuildReason step(VarIndex q);
   PhaseResult verdict(RebuildReason reason);
@@ -41,19 +43,33 @@ class PrimalSimplex {
   int phaseOneCost(BasisPos i) const;
   void setDualMerit(VarIndex j);
   void fillQueue();
-  void resetDevex();
+  void choosePricing();
+  void resetWeights();
+  double initialNorm(VarIndex j) const;
+  VarIndex chooseColumn();
+  void openSection(int section);
+  void priceStructurals(const SparseVec<Real> &rho, SparseVec<Real> &row, double density);
+  void priceRow();
+  void refreshMerits();
   bool enteringDualAgrees(VarIndex q);
   Choice ratioTest(VarIndex q, Real direction);
   Choice phaseOneRatioTest(VarIndex q, Real direction);
   void shiftBoundTo(BasisPos p, int side, Real target);
-  void movePrimal(Real signedStep);
+  void movePrimal(VarIndex q, Real signedStep);
   void updatePhaseOneCosts(BasisPos leavingRow);
   void updateDuals(VarIndex q, BasisPos p, Real alpha);
+  void updateWeights(VarIndex q, BasisPos p, Real alpha, VarIndex out);
+  void updateSteepest(VarIndex q, BasisPos p, Real alpha, VarIndex out);
   void updateDevex(VarIndex q, BasisPos p, Real alpha, VarIndex out);
 
   Engine<Real> &e_;
   CandidateQueue queue_;  // over all variables
-  Vec<double> weight_;    // devex, by variable
+  PricingMode pricing_;
+  Vec<double> weight_;  // by variable
+  // Partial pricing: structurals are looked at, and their duals are right, in one section at a
+  // time; logicals always.
+  int sections_ = 1, section_ = 0;
+  ColIndex sectionBegin_ = 0, sectionEnd_ = 0;
   Vec<char> inReference_;
   Vec<Breakpoint> breakpoints_;
   SparseVec<Real> costChange_;  // by basis position
@@ -67,5 +83,6 @@ class PrimalSimplex {
 };
 
 extern template class PrimalSimplex<double>;
+extern template class PrimalSimplex<long double>;
 
 }  // namespace tarvik

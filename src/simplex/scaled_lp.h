@@ -27,6 +27,19 @@ class ScaledLp {
   int total() const { return n + m; }
 
   void load(const LpModel &lp, int scaleFlag);
+  template <class Other>
+  void convertFrom(const ScaledLp<Other> &other) {
+    m = other.m;
+    n = other.n;
+    cols = other.cols;
+    value.assign(other.value.begin(), other.value.end());
+    lower.assign(other.lower.begin(), other.lower.end());
+    upper.assign(other.upper.begin(), other.upper.end());
+    cost.assign(other.cost.begin(), other.cost.end());
+    colScale = other.colScale;
+    rowScale = other.rowScale;
+    offset = other.offset;
+  }
   void setColBounds(ColIndex col, double lo, double up);
   void setRowBounds(RowIndex row, double lo, double up);
   void setCost(ColIndex col, double c) { cost[col] = Real(c) * Real(colScale[col]); }

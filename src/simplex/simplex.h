@@ -10,28 +10,9 @@
 
 #include "base/solve_control.h"
 #include "lp/lp_model.h"
+#include "simplex/simplex_options.h"
 
 namespace tarvik {
-
-struct SimplexOptions {
-  double primalTol = 1e-6;  // FeasibilityTol
-  double dualTol = 1e-6;    // OptimalityTol
-  double markowitzTol = 0.0078125;
-  double pivotTol = 3e-8;
-  double zeroTol = 1e-13;
-  double perturbValue = 2e-4;
-  double cutoff = 1e100;  // stop when the dual objective (offset included) exceeds it
-  int scaleFlag = -1;     // -1 automatic, 0 none, 1 equilibrate, 2 geometric, 3 both
-  int pricing = -1;       // SimplexPricing
-  int normAdjust = -1;
-  int numericFocus = 0;
-  int luInterval = 0;  // fixed refactorization interval when positive
-  int seed = 0;
-  bool primalDualSwitch = true;
-  bool wantCertificates = true;  // keep Farkas proof or ray
-  bool logging = true;
-  double logSign = 1;  // -1 prints objectives of a maximization in its own sense
-};
 
 enum class SimplexMethod { Primal, Dual };
 
@@ -66,6 +47,9 @@ class Simplex {
 
   // Solves from the current basis. Resumable: a stop by a limit keeps the basis.
   LpStatus solve(SimplexMethod method, SolveControl &control);
+
+  // True while the engine computes in extended precision.
+  bool extended() const;
 
   // The result of the last solve.
   double iterations() const;  // of this engine's whole life

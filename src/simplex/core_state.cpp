@@ -1,0 +1,204 @@
+// The basis and the solution of a core from and to the user's space, and rows that come and go.
+#include <cmath>
+
+#include "simplex/simplex_core.h"
+
+namespace tarvik {
+
+template <class Real>
+void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) {
+  Engine<Real> &e = engine;
+  const int n = e.lp.n, m = e.lp.m;
+  e.head.clear();
+  e.position.assign(n + m, -1);
+  const auto add = [&](VarIndex j) {
+    if (static_cast<int>(e.head.size()) >= m) return;
+    e.position[j] = static_cast<int>(e.head.size());
+    e.head.push_back(j);
+  };
+  for (int j = 0; j < n; ++j)
+    if (basis.col[j] == VarStatus::Basic) add(j);
+  for (int i = 0; i < m; ++i)
+    if (basis.row[i] == VarStatus::Basic) add(n + i);
+  for (int i = 0; i < m; ++i)
+    if (e.position[n + i] < 0) add(n + i);
+  e.lower = e.lp.lower;
+  e.upper = e.lp.upper;
+  for (int j = 0; j < n + m; ++j) {
+    VarStatus status = j < n ? basis.col[j] : basis.row[j - n];
+    if (j >= n && status == VarStatus::AtLower)
+      status = VarStatus::AtUpper;
+    else if (j >= n && status == VarStatus::AtUpper)
+      status = VarStatus::AtLower;
+    e.move[j] = status == VarStatus::AtUpper ? -1 : status == VarStatus::AtLower ? 1 : 0;
+    e.value[j] = values && j < n ? Real((*values)[j]) / e.lp.varScale(j) : Real(0);
+    e.placeNonbasic(j);
+  }
+  e.rowWeight.assign(m, 1.0);
+  e.rebuildRows();
+}
+
+template <class Real>
+Basis SimplexCore<Real>::basis() const {
+  Basis result;
+  const int n = engine.lp.n, m = engine.lp.m;
+  const auto status = [&](VarIndex j, bool logical) {
+    if (engine.position[j] >= 0) return VarStatus::Basic;
+    const Real lo = engine.lp.lower[j], up = engine.lp.upper[j];
+    if (engine.move[j] != 0)
+      return (engine.move[j] > 0) != logical ? VarStatus::AtLower : VarStatus::AtUpper;
+    if (lo == up) return VarStatus::AtLower;
+    return lo == -kRealInf<Real> && up == kRealInf<Real> ? VarStatus::Free : VarStatus::Superbasic;
+  };
+  result.col.resize(n);
+  result.row.resize(m);
+  for (int j = 0; j < n; ++j) result.col[j] = status(j, false);
+  for (int i = 0; i < m; ++i) result.row[i] = status(n + i, true);
+  return result;
+}
+
+template <class Real>
+void SimplexCore<Real>::getSolution(LpStatus status, LpSolution &solution) const {
+  const ScaledLp<Real> &lp = engine.lp;
+  const int n = lp.n, m = lp.m;
+  const auto x = [&](VarIndex j) {
+    return engine.position[j] >= 0 ? engine.xB[engine.position[j]] : engine.value[j];
+  };
+  const auto clean = [](Real v) { return v == Real(0) ? 0.0 : static_cast<double>(v); };
+  solution.status = status;
+  solution.colValue.resize(n);
+  solution.colDual.resize(n);
+  solution.rowActivity.resize(m);
+  solution.rowDual.resize(m);
+  for (int i = 0; i < m; ++i) {
+    solution.rowActivity[i] = clean(-x(n + i) / lp.rowScale[i]);
+    solution.rowDual[i] =
+        engine.position[n + i] >= 0 ? 0.0 : clean(-engine.dual[n + i] * lp.rowScale[i]);
+  }
+  Real objective = lp.offset;
+  for (int j = 0; j < n; ++j) {
+    solution.colValue[j] = static_cast<double>(x(j) * lp.colScale[j]);
+    Real d = lp.cost[j];
+    for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k) {
+      const int i = lp.cols.index[k];
+      if (engine.position[n + i] < 0) d += lp.value[k] * engine.dual[n + i];
+    }
+    solution.colDual[j] = engine.position[j] >= 0 ? 0.0 : static_cast<double>(d / lp.colScale[j]);
+    objective += lp.cost[j] * x(j);
+  }
+  solution.objective = static_cast<double>(objective);
+  solution.basis = basis();
+  solution.farkas.clear();
+  solution.ray.clear();
+  if (status == LpStatus::Infeasible && !engine.certificateRow.empty()) {
+    solution.farkas.resize(m);
+    for (int i = 0; i < m; ++i)
+      solution.farkas[i] = static_cast<double>(engine.certificateRow[i] * lp.rowScale[i]);
+  }
+  if (status == LpStatus::Unbounded && !engine.rayDirection.empty()) {
+    solution.ray.resize(n);
+    for (int j = 0; j < n; ++j)
+      solution.ray[j] = static_cast<double>(engine.rayDirection[j] * lp.colScale[j]);
+  }
+  solution.iterations = engine.iterations;
+}
+
+template <class Real>
+void SimplexCore<Real>::addRows(int count, const NzIndex *start, const int *index,
+                                const double *value, const double *lower, const double *upper) {
+  const int n = engine.lp.n, m = engine.lp.m;
+  engine.lp.addRows(count, start, index, value, lower, upper);
+  const int total = engine.lp.total();
+  engine.lower = engine.lp.lower;
+  engine.upper = engine.lp.upper;
+  engine.cost = engine.lp.cost;
+  engine.move.resize(total, 0);
+  engine.value.resize(total, Real(0));
+  engine.dual.resize(total, Real(0));
+  engine.position.resize(total, -1);
+  Random random(static_cast<std::uint64_t>(engine.options.seed) +
+                static_cast<std::uint64_t>(total));
+  while (static_cast<int>(engine.randomValue.size()) < total)
+    engine.randomValue.push_back(random.uniform());
+  for (int i = m; i < m + count; ++i) {
+    engine.position[n + i] = i;
+    engine.head.push_back(n + i);
+    engine.rowWeight.push_back(1.0);
+  }
+  for (Vec<Real> *v : {&engine.xB, &engine.lB, &engine.uB}) v->resize(m + count, Real(0));
+  for (SparseVec<Real> *v : {&engine.rho, &engine.column, &engine.work1, &engine.work2})
+    v->resize(m + count);
+  engine.rebuildRows();
+}
+
+template <class Real>
+void SimplexCore<Real>::deleteRows(const Vec<char> &mark) {
+  Basis kept = basis();
+  Vec<double> weightOf(engine.lp.total(), 1.0);
+  for (int i = 0; i < engine.lp.m; ++i) weightOf[engine.head[i]] = engine.rowWeight[i];
+  const int n = engine.lp.n, oldRows = engine.lp.m;
+  // Each deleted row with a nonbasic logical leaves one basic variable too many: the structurals
+  // of the row with the largest entry there give way first.
+  Vec<char> wanted(oldRows, 0);
+  for (int i = 0; i < oldRows; ++i) wanted[i] = mark[i] && kept.row[i] != VarStatus::Basic;
+  for (int j = 0; j < n; ++j) {
+    if (kept.col[j] != VarStatus::Basic) continue;
+    for (NzIndex k = engine.lp.cols.start[j]; k < engine.lp.cols.start[j + 1]; ++k) {
+      const int i = engine.lp.cols.index[k];
+      if (!wanted[i]) continue;
+      wanted[i] = 0;
+      kept.col[j] = VarStatus::AtLower;
+      break;
+    }
+  }
+  engine.lp.deleteRows(mark);
+  int to = 0;
+  for (int i = 0; i < oldRows; ++i) {
+    if (mark[i]) continue;
+    weightOf[n + to] = weightOf[n + i];
+    engine.randomValue[n + to] = engine.randomValue[n + i];
+    kept.row[to++] = kept.row[i];
+  }
+  kept.row.resize(to);
+  const int total = engine.lp.total();
+  for (Vec<Real> *v : {&engine.value, &engine.dual}) v->resize(total);
+  engine.cost = engine.lp.cost;
+  engine.move.resize(total);
+  engine.randomValue.resize(total);
+  for (Vec<Real> *v : {&engine.xB, &engine.lB, &engine.uB}) v->assign(to, Real(0));
+  for (SparseVec<Real> *v : {&engine.rho, &engine.column, &engine.work1, &engine.work2})
+    v->resize(to);
+  setBasis(kept, nullptr);
+  for (int i = 0; i < to; ++i) engine.rowWeight[i] = weightOf[engine.head[i]];
+}
+
+// Solves with the basis matrix in the user's scale.
+template <class Real>
+void SimplexCore<Real>::ftran(Vec<double> &x) {
+  SolveControl idle;
+  SparseVec<Real> v;
+  v.resize(engine.lp.m);
+  for (int i = 0; i < engine.lp.m; ++i) v.value[i] = Real(x[i]) * engine.lp.rowScale[i];
+  v.rebuild(Real(0));
+  engine.factor.ftran(v, 1.0, idle.work);
+  for (int i = 0; i < engine.lp.m; ++i)
+    x[i] = static_cast<double>(v.value[i] * engine.lp.varScale(engine.head[i]));
+}
+
+template <class Real>
+void SimplexCore<Real>::btran(Vec<double> &y) {
+  SolveControl idle;
+  SparseVec<Real> v;
+  v.resize(engine.lp.m);
+  for (int i = 0; i < engine.lp.m; ++i)
+    v.value[i] = Real(y[i]) * engine.lp.varScale(engine.head[i]);
+  v.rebuild(Real(0));
+  engine.factor.btran(v, 1.0, idle.work);
+  for (int i = 0; i < engine.lp.m; ++i)
+    y[i] = static_cast<double>(v.value[i] * engine.lp.rowScale[i]);
+}
+
+template class SimplexCore<double>;
+template class SimplexCore<long double>;
+
+}  // namespace tarvik

@@ -1,0 +1,182 @@
+#include "simplex/simplex_core.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "simplex/tuning.h"
+
+namespace tarvik {
+
+namespace {
+
+// Scaled tolerances are tightened down to this when the unscaled solution violates the user's.
+constexpr double kTightestTol = 1e-11;
+constexpr int kMaxTightenings = 4;
+constexpr int kMaxRecoveries = 6;
+
+}  // namespace
+
+template <class Real>
+bool SimplexCore<Real>::start(SolveControl &control) {
+  engine.control = &control;
+  engine.stop = StopReason::None;
+  engine.logSign = engine.options.logSign;
+  engine.primalTol = engine.options.primalTol;
+  engine.dualTol = engine.options.dualTol;
+  engine.stability.startSolve(engine.options, engine.lp.m);
+  engine.certificateRow.clear();
+  engine.rayDirection.clear();
+  tightenings_ = recoveries_ = 0;
+  return !boundsCross();
+}
+
+// Crossing bounds need no iteration; the certificate is the row itself, or none for a column.
+template <class Real>
+bool SimplexCore<Real>::boundsCross() {
+  for (int j = 0; j < engine.lp.total(); ++j) {
+    const Real tol = engine.options.primalTol / engine.lp.varScale(j);
+    if (engine.lp.lower[j] - engine.lp.upper[j] <= tol && engine.lp.lower[j] < kRealInf<Real> &&
+        engine.lp.upper[j] > -kRealInf<Real>)
+      continue;
+    return true;
+  }
+  // Bounds that cross within the tolerance meet in their middle.
+  for (int j = 0; j < engine.lp.total(); ++j)
+    if (engine.lp.lower[j] > engine.lp.upper[j])
+      engine.lp.lower[j] = engine.lp.upper[j] =
+          Real(0.5) * (engine.lp.lower[j] + engine.lp.upper[j]);
+  return false;
+}
+
+template <class Real>
+PhaseResult SimplexCore<Real>::runMethod(SimplexMethod method, bool perturb) {
+  return method == SimplexMethod::Dual ? dual_.run(perturb) : primal_.run(perturb);
+}
+
+// Alternates between the algorithms until one ends with a verdict for the true problem.
+template <class Real>
+PhaseResult SimplexCore<Real>::run(SimplexMethod method) {
+  bool perturb = method == SimplexMethod::Dual && engine.options.perturbValue > 0;
+  for (int round = 0; round < tuning::kMaxRounds; ++round) {
+    const PhaseResult result = runMethod(method, perturb && round < tuning::kMaxPerturbedRounds);
+    perturb = false;
+    switch (result) {
+      case PhaseResult::NeedsPrimal:
+        method = SimplexMethod::Primal;
+        break;
+      case PhaseResult::NeedsDual:
+        method = SimplexMethod::Dual;
+        break;
+      case PhaseResult::Optimal:
+        if (tightenIfViolated()) break;
+        polish();
+        return result;
+      case PhaseResult::Cutoff:
+        // With perturbed costs the bound proves nothing: count again with the true ones.
+        if (!engine.costsPerturbed && engine.costShift == ShiftState::None) return result;
+        break;
+      case PhaseResult::Trouble:
+        switch (recover()) {
+          case Recovery::GiveUp:
+            return result;
+          case Recovery::Extend:
+            return PhaseResult::NeedsExtended;
+          case Recovery::GoOn:
+            break;
+        }
+        method = method == SimplexMethod::Dual ? SimplexMethod::Primal : SimplexMethod::Dual;
+        break;
+      default:
+        return result;
+    }
+  }
+  return PhaseResult::Trouble;
+}
+
+template <class Real>
+void SimplexCore<Real>::unscaledViolations(double &primal, double &dual) const {
+  primal = dual = 0;
+  for (int i = 0; i < engine.lp.m; ++i) {
+    const VarIndex j = engine.head[i];
+    const Real x = engine.xB[i];
+    const double violation =
+        static_cast<double>(std::max(engine.lp.lower[j] - x, x - engine.lp.upper[j]));
+    if (violation > 0) primal = std::max(primal, violation * engine.lp.varScale(j));
+  }
+  for (int j = 0; j < engine.lp.total(); ++j)
+    dual = std::max(dual, static_cast<double>(engine.dualInfeasibility(j)) / engine.lp.varScale(j));
+}
+
+template <class Real>
+bool SimplexCore<Real>::tightenIfViolated() {
+  double primal, dual;
+  unscaledViolations(primal, dual);
+  if (tightenings_ >= kMaxTightenings) return false;
+  bool changed = false;
+  const auto tighten = [&](Real &scaledTol, double userTol, double violation) {
+    if (violation <= userTol || scaledTol <= kTightestTol) return;
+    scaledTol = std::max(Real(kTightestTol), scaledTol * Real(0.5 * userTol / violation));
+    changed = true;
+  };
+  tighten(engine.primalTol, engine.options.primalTol, primal);
+  tighten(engine.dualTol, engine.options.dualTol, dual);
+  if (changed) ++tightenings_;
+  return changed;
+}
+
+// Goes on with tight tolerances for a few iterations. What does not get better that way is taken
+// back: the optimum within the caller's tolerances stands.
+template <class Real>
+void SimplexCore<Real>::polish() {
+  double primal, dual;
+  unscaledViolations(primal, dual);
+  if (primal <= tuning::kPolishTol && dual <= tuning::kPolishTol) return;
+  const Basis kept = basis();
+  const Vec<Real> keptValue = engine.value;
+  const Real primalTol = engine.primalTol, dualTol = engine.dualTol;
+  engine.primalTol = std::min(engine.primalTol, Real(tuning::kPolishTol));
+  engine.dualTol = std::min(engine.dualTol, Real(tuning::kPolishTol));
+  const double before = engine.iterations;
+  engine.iterationCap = before + tuning::kPolishIterations + tuning::kPolishShare * before;
+  PhaseResult result = PhaseResult::NeedsDual;
+  for (int round = 0; round < 4; ++round) {
+    if (result == PhaseResult::NeedsDual)
+      result = dual_.run(false);
+    else if (result == PhaseResult::NeedsPrimal)
+      result = primal_.run(false);
+  }
+  engine.iterationCap = 1e100;
+  engine.primalTol = primalTol;
+  engine.dualTol = dualTol;
+  if (result == PhaseResult::Optimal) return;
+  if (engine.stop == StopReason::IterationLimit) engine.stop = StopReason::None;
+  engine.stability.clearExtendRequest();
+  setBasis(kept, nullptr);
+  for (int j = 0; j < engine.lp.total(); ++j)
+    if (engine.canEnter(j) && engine.move[j] == 0) engine.value[j] = keptValue[j];
+  engine.resetWorkingBounds();
+  engine.resetWorkingCosts();
+  if (!engine.refactor()) return;
+  engine.computePrimal();
+  engine.computeDual();
+}
+
+// After numerical trouble: more stable factors first, then a fresh start from the slack basis,
+// then more precision.
+template <class Real>
+typename SimplexCore<Real>::Recovery SimplexCore<Real>::recover() {
+  if (engine.stop != StopReason::None || engine.stability.hopeless()) return Recovery::GiveUp;
+  if (++recoveries_ > kMaxRecoveries) return Recovery::GiveUp;
+  engine.stability.raise(recoveries_ > 1 ? 0.9 : 0.5);
+  engine.stability.shrinkInterval();
+  engine.factored = false;
+  if (recoveries_ != kMaxRecoveries / 2) return Recovery::GoOn;
+  engine.slackBasis();
+  const bool canExtend = engine.options.quad == -1 && sizeof(Real) == sizeof(double);
+  return canExtend ? Recovery::Extend : Recovery::GoOn;
+}
+
+template class SimplexCore<double>;
+template class SimplexCore<long double>;
+
+}  // namespace tarvik

@@ -1,0 +1,64 @@
+// One complete solver in one precision: the engine's state, both algorithms on it, and what goes
+// on between them. A solve alternates between dual and primal rounds until one ends with a verdict
+// for the true problem; then it tightens what the unscaled solution violates and polishes the
+// optimum. Trouble leads to more stable factors, to a fresh start from the slack basis and, when
+// the options leave the choice, to a request for extended precision: the owner then converts the
+// core and the solve goes on.
+#pragma once
+
+#include "simplex/dual_simplex.h"
+#include "simplex/primal_simplex.h"
+
+namespace tarvik {
+
+template <class Real>
+class SimplexCore {
+ public:
+  explicit SimplexCore(const SimplexOptions &options) : dual_(engine), primal_(engine) {
+    engine.options = options;
+  }
+  // Continues where a core of the other precision stands.
+  template <class Other>
+  explicit SimplexCore(const SimplexCore<Other> &other) : SimplexCore(other.engine.options) {
+    engine.convertFrom(other.engine);
+    tightenings_ = other.tightenings();
+    recoveries_ = other.recoveries();
+  }
+
+  // Prepares the engine for a solve; false when crossing bounds decide it.
+  bool start(SolveControl &control);
+  // To a verdict; NeedsExtended asks for a conversion and another call.
+  PhaseResult run(SimplexMethod method);
+
+  void setBasis(const Basis &basis, const Vec<double> *values);
+  Basis basis() const;
+  void getSolution(LpStatus status, LpSolution &solution) const;
+  void addRows(int count, const NzIndex *start, const int *index, const double *value,
+               const double *lower, const double *upper);
+  void deleteRows(const Vec<char> &mark);
+  void ftran(Vec<double> &x);
+  void btran(Vec<double> &y);
+  int tightenings() const { return tightenings_; }
+  int recoveries() const { return recoveries_; }
+
+  Engine<Real> engine;
+
+ private:
+  enum class Recovery { GoOn, Extend, GiveUp };
+
+  PhaseResult runMethod(SimplexMethod method, bool perturb);
+  bool boundsCross();
+  bool tightenIfViolated();
+  Recovery recover();
+  void polish();
+  void unscaledViolations(double &primal, double &dual) const;
+
+  DualSimplex<Real> dual_;
+  PrimalSimplex<Real> primal_;
+  int tightenings_ = 0, recoveries_ = 0;
+};
+
+extern template class SimplexCore<double>;
+extern template class SimplexCore<long double>;
+
+}  // namespace tarvik

@@ -1,0 +1,30 @@
+// What a simplex solve may be told: plain numbers, named after the parameters they come from.
+#pragma once
+
+namespace tarvik {
+
+struct SimplexOptions {
+  double primalTol = 1e-6;  // FeasibilityTol
+  double dualTol = 1e-6;    // OptimalityTol
+  double markowitzTol = 0.0078125;
+  double pivotTol = 3e-8;
+  double zeroTol = 1e-13;
+  double perturbValue = 2e-4;
+  double cutoff = 1e100;  // stop when the dual objective (offset included) exceeds it
+  int scaleFlag = -1;     // -1 automatic, 0 none, 1 equilibrate, 2 geometric, 3 both
+  int pricing = -1;       // SimplexPricing
+  int normAdjust = -1;
+  int primalPartial = 0;  // partial pricing: 1 for very wide models, 2 always
+  int numericFocus = 0;
+  int luInterval = 0;  // fixed refactorization interval when positive
+  int quad = -1;       // extended precision: 0 never, 1 from the start, -1 when trouble asks for it
+  int endFactor = 1;   // 0 gives up after few repairs of singular bases
+  int statistics = 0;  // LP statistics report: 1 of what is seen anyway, 2 with condition numbers
+  int seed = 0;
+  bool primalDualSwitch = true;
+  bool wantCertificates = true;  // keep Farkas proof or ray
+  bool logging = true;
+  double logSign = 1;  // -1 prints objectives of a maximization in its own sense
+};
+
+}  // namespace tarvik
