@@ -26,6 +26,12 @@ int getScalar(TVKmodel *model, const char *name, T *value) {
   });
 }
 
+// While a solve runs in the background, its status can be asked for, and nothing else.
+bool asksRunningStatus(const TVKmodel *model, const char *name, const int *value) {
+  if (!model || model->marker() != kModelMarker || !name || !value) return false;
+  return model->solvesInBackground() && TVKissamestring(name, "Status", sizeof "Status");
+}
+
 template <class T>
 int setScalar(TVKmodel *model, const char *name, T value) {
   return setCall(model, name, [&](Model &m) { setAttr<T>(m, name, value); });
@@ -65,6 +71,10 @@ const char **asTexts(char **values) { return const_cast<const char **>(values); 
 extern "C" {
 
 int TVKgetintattr(TVKmodel *model, const char *attrname, int *value) {
+  if (asksRunningStatus(model, attrname, value)) {
+    *value = TVK_INPROGRESS;
+    return 0;
+  }
   return getScalar(model, attrname, value);
 }
 

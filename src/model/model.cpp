@@ -49,7 +49,10 @@ void SparseChanges::renumber(const Vec<int> &newIndex) noexcept {
   value_.resize(kept);
 }
 
-Model::~Model() { marker_ = 0; }
+Model::~Model() {
+  background.reset();
+  marker_ = 0;
+}
 
 TVKmodel *Model::open(Env &env) {
   auto model = std::make_unique<TVKmodel>();

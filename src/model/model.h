@@ -2,6 +2,7 @@
 // pending changes and the store of results.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -28,6 +29,14 @@ struct DerivedData {
   int fingerprint = 0;
   std::optional<ModelStatistics> statistics;
   std::optional<QualityReport> quality;
+};
+
+// A solve that runs in the background. Destroying it ends the solve and waits for it; wait()
+// waits for its end and throws its error.
+class BackgroundSolve {
+ public:
+  virtual ~BackgroundSolve() = default;
+  virtual void wait() = 0;
 };
 
 class Model {
@@ -85,8 +94,11 @@ class Model {
   const char *qconstrName(int qconstr);
   const char *genConstrName(int genConstr);
 
-  bool optimizing = false;      // an optimization runs: modifying calls get 10017
-  bool insideCallback = false;  // a user callback of it runs
+  // An optimization runs: modifying calls get 10017.
+  std::atomic<bool> optimizing{false};
+  bool insideCallback = false;                  // a user callback of it runs
+  std::unique_ptr<BackgroundSolve> background;  // of the last asynchronous call, until its sync
+  bool solvesInBackground() const { return background && optimizing; }
 
  protected:
   Model() = default;

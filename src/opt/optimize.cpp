@@ -6,35 +6,17 @@
 #include "attr/fingerprint.h"
 #include "attr/statistics.h"
 #include "base/locale_scope.h"
-#include "env/interrupt.h"
 #include "opt/env_log.h"
 #include "opt/lp_solve.h"
 #include "opt/options.h"
 #include "opt/param_scope.h"
 #include "opt/result_file.h"
+#include "opt/running_scope.h"
 #include "opt/solve_log.h"
 
 namespace tarvik {
 
 namespace {
-
-// Marks a model as being optimized, with fresh stop flags, until the scope ends.
-class RunningScope {
- public:
-  explicit RunningScope(Model &model) : model_(model) {
-    model.env().resetTermination();
-    model.optimizing = true;
-  }
-  ~RunningScope() {
-    model_.optimizing = false;
-    restoreInterrupt(model_.env());
-  }
-  RunningScope(const RunningScope &) = delete;
-  RunningScope &operator=(const RunningScope &) = delete;
-
- private:
-  Model &model_;
-};
 
 // Measures a solve; the model keeps its time and work on every exit path.
 class SolveClock {
@@ -175,13 +157,17 @@ void solve(Model &model) {
 
 }  // namespace
 
+void solveRunning(Model &model) {
+  const LocaleScope locale(model.env().get(Int::TARV_PAR_KEEPLOCALE) == 0);
+  logHeader(model.env());
+  solve(model);
+}
+
 void optimize(Model &model) {
-  Env &env = model.env();
-  const LocaleScope locale(env.get(Int::TARV_PAR_KEEPLOCALE) == 0);
+  model.background.reset();
   {
     const RunningScope running(model);
-    logHeader(env);
-    solve(model);
+    solveRunning(model);
   }
   writeResultFile(model);
 }

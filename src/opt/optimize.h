@@ -8,4 +8,7 @@ namespace tarvik {
 
 void optimize(Model &model);
 
+// The solve alone, for a model that is marked as running; results are not written to files.
+void solveRunning(Model &model);
+
 }  // namespace tarvik
