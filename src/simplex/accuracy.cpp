@@ -10,6 +10,13 @@ namespace tarvik {
 
 using std::fabs;
 
+namespace {
+// Rounding errors that a value carries after an ordinary solve with the factors, in epsilons.
+constexpr int kOrdinaryErrors = 64;
+// Steps of the norm estimate; two or three are the rule.
+constexpr int kNormSteps = 5;
+}  // namespace
+
 template <class Real>
 void Engine<Real>::keepUpdatedValues() {
   keptDual_ = dual;
@@ -20,10 +27,10 @@ void Engine<Real>::keepUpdatedValues() {
   seen_.scale = 1;
 }
 
-// Changes are kept in units of the rounding error of the largest value.
+// Changes are kept in units of the ordinary error of the largest value.
 template <class Real>
 void Engine<Real>::noteChange(Real change, Real largest) {
-  const Real unit = std::numeric_limits<Real>::epsilon() * (1 + largest);
+  const Real unit = kOrdinaryErrors * std::numeric_limits<Real>::epsilon() * (1 + largest);
   seen_.change = std::max(seen_.change, static_cast<double>(change / unit));
 }
 
@@ -110,6 +117,48 @@ Stability::Check Engine<Real>::checkObjective() {
   return stability.checkObjective(static_cast<double>(currentObjective()),
                                   static_cast<double>(updatedObjective),
                                   sizeof(Real) > sizeof(double));
+}
+
+// An estimate from below of the 1-norm condition number of the scaled basis matrix: the norm of the
+// inverse by a few steps of ascent (Hager 1984; Higham 1988).
+template <class Real>
+double Engine<Real>::conditionEstimate() {
+  const int m = lp.m;
+  if (m == 0 || !factored) return 1;
+  Real basisNorm = 0;
+  for (int p = 0; p < m; ++p) {
+    Real sum = 0;
+    lp.forColumn(head[p], [&](int, Real a) { sum += fabs(a); });
+    basisNorm = std::max(basisNorm, sum);
+  }
+  SparseVec<Real> &x = work1;
+  x.clear();
+  for (int i = 0; i < m; ++i) x.value[i] = Real(1) / m;
+  x.count = -1;
+  Real inverseNorm = 0;
+  int last = -1;
+  for (int step = 0; step < kNormSteps; ++step) {
+    factor.ftran(x, 1.0, control->work);
+    Real norm = 0;
+    for (int i = 0; i < m; ++i) norm += fabs(x.value[i]);
+    if (norm <= inverseNorm) break;
+    inverseNorm = norm;
+    for (int i = 0; i < m; ++i) x.value[i] = x.value[i] < 0 ? Real(-1) : Real(1);
+    x.count = -1;
+    factor.btran(x, 1.0, control->work);
+    int largest = 0;
+    for (int i = 1; i < m; ++i)
+      if (fabs(x.value[i]) > fabs(x.value[largest])) largest = i;
+    if (largest == last) break;
+    last = largest;
+    x.count = -1;
+    x.clear();
+    x.set(largest, Real(1));
+  }
+  x.count = -1;
+  x.clear();
+  chargeWork(3.0 * kNormSteps * m);
+  return static_cast<double>(basisNorm * inverseNorm);
 }
 
 template class Engine<double>;

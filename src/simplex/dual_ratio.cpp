@@ -53,9 +53,7 @@ TARVIK_SIMD void findBlocks(const double *row, const double *dual, const signed 
 
 template <class Real>
 void DualSimplex<Real>::collectCandidates(Real sign) {
-  const Real pivotTol = Real(e_.updates < tuning::kUsedUpdates  ? tuning::kRowPivotTolFresh
-                             : e_.updates < tuning::kOldUpdates ? tuning::kRowPivotTolUsed
-                                                                : tuning::kRowPivotTolOld);
+  const Real pivotTol = e_.rowPivotTol();
   candidates_.clear();
   const Real tol = e_.dualTol;
   // No step passes a variable without an opposite bound: what lies beyond the nearest one so far

@@ -388,6 +388,14 @@ UpdateResult Engine<Real>::changeBasis(VarIndex q, BasisPos p, int side, Real al
 }
 
 template <class Real>
+Real Engine<Real>::rowPivotTol() const {
+  const double byAge = updates < tuning::kUsedUpdates  ? tuning::kRowPivotTolFresh
+                       : updates < tuning::kOldUpdates ? tuning::kRowPivotTolUsed
+                                                       : tuning::kRowPivotTolOld;
+  return Real(std::max(byAge, options.pivotTol));
+}
+
+template <class Real>
 void Engine<Real>::shiftCost(VarIndex j, Real amount) {
   if (amount == Real(0)) return;
   cost[j] += amount;

@@ -145,6 +145,7 @@ class Engine : public EngineState {
   void comparePrimal();
   void noteResiduals();
   Stability::Check checkObjective();
+  double conditionEstimate();
   // More stable factors after the k-th doubtful pivot of an algorithm.
   void noteDoubtfulPivot(int k);
   void loadBasicBounds();
@@ -164,6 +165,9 @@ class Engine : public EngineState {
   // lower, +1 upper). Values, duals and weights are the algorithms' business.
   UpdateResult changeBasis(VarIndex q, BasisPos p, int side, Real alpha);
 
+  // Smallest entry of a pivot row or column that a ratio test may take: what the factorization
+  // treats as zero at least, more with the age of the factors.
+  Real rowPivotTol() const;
   void shiftCost(VarIndex j, Real amount);
   // Checks that y'(A x + s) = 0 cannot hold within the true bounds; keeps y as the certificate.
   bool proveInfeasible(const SparseVec<Real> &y);

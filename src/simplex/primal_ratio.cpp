@@ -16,9 +16,7 @@ template <class Real>
 typename PrimalSimplex<Real>::Choice PrimalSimplex<Real>::ratioTest(VarIndex q, Real direction) {
   const SparseVec<Real> &column = e_.column;
   const int count = column.valid() ? column.count : e_.lp.m;
-  const Real pivotTol = Real(e_.updates < tuning::kUsedUpdates  ? tuning::kRowPivotTolFresh
-                             : e_.updates < tuning::kOldUpdates ? tuning::kRowPivotTolUsed
-                                                                : tuning::kRowPivotTolOld);
+  const Real pivotTol = e_.rowPivotTol();
   const Real tol = e_.primalTol;
   Real relaxed = kRealInf<Real>;
   for (int k = 0; k < count; ++k) {
@@ -68,8 +66,9 @@ typename PrimalSimplex<Real>::Choice PrimalSimplex<Real>::phaseOneRatioTest(VarI
                                                                             Real direction) {
   const SparseVec<Real> &column = e_.column;
   const int count = column.valid() ? column.count : e_.lp.m;
-  const Real pivotTol =
-      Real(e_.updates < tuning::kOldUpdates ? tuning::kRowPivotTolFresh : tuning::kRowPivotTolUsed);
+  const Real pivotTol = Real(std::max(e_.options.pivotTol, e_.updates < tuning::kOldUpdates
+                                                               ? tuning::kRowPivotTolFresh
+                                                               : tuning::kRowPivotTolUsed));
   const Real tol = e_.primalTol;
   breakpoints_.clear();
   for (int k = 0; k < count; ++k) {

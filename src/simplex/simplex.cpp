@@ -112,6 +112,8 @@ LpStatus SimplexEngine::solve(SimplexMethod method, SolveControl &control) {
   }
   const EngineState &end = state();
   if (end.stop == StopReason::None) visit([](auto &core) { core.engine.log(true); });
+  if (result == PhaseResult::Optimal && !visit([](auto &core) { return core.endsWell(); }))
+    result = PhaseResult::Trouble;
   if (end.options.statistics > 0) end.stability.statistics.print(*control.log);
   return status_ = statusOf(result, end.stop);
 }

@@ -13,6 +13,13 @@ namespace {
 constexpr double kTightestTol = 1e-11;
 constexpr int kMaxTightenings = 4;
 constexpr int kMaxRecoveries = 6;
+// Values beyond kHuge with violations beyond kGross are no solution; short solves are not looked
+// at.
+constexpr double kHuge = 1e20;
+constexpr double kGross = 1.0;
+constexpr int kFewIterations = 50;
+// Condition number from which digits of the solution are in doubt.
+constexpr double kBigKappa = 1e12;
 
 }  // namespace
 
@@ -159,6 +166,36 @@ void SimplexCore<Real>::polish() {
   if (!engine.refactor()) return;
   engine.computePrimal();
   engine.computeDual();
+}
+
+template <class Real>
+bool SimplexCore<Real>::endsWell() {
+  Log *log = engine.warnings();
+  if (log || engine.options.statistics > 0) {
+    const double kappa = engine.conditionEstimate();
+    engine.stability.statistics.kappa.add(kappa);
+    if (log && kappa > kBigKappa)
+      log->print("Warning: very big Kappa = %g, try parameter NumericFocus\n", kappa);
+  }
+  if (engine.iterations < kFewIterations) return true;
+  double largestPrimal = 0, largestDual = 0;
+  for (int j = 0; j < engine.lp.total(); ++j) {
+    const BasisPos p = engine.position[j];
+    const Real x = p >= 0 ? engine.xB[p] : engine.value[j];
+    const double scale = engine.lp.varScale(j);
+    largestPrimal = std::max(largestPrimal, std::fabs(static_cast<double>(x)) * scale);
+    largestDual = std::max(largestDual, std::fabs(static_cast<double>(engine.dual[j])) / scale);
+  }
+  if (largestPrimal <= kHuge && largestDual <= kHuge) return true;
+  double primal, dual;
+  unscaledViolations(primal, dual);
+  const char *which = largestPrimal > kHuge && primal > kGross ? "primal"
+                      : largestDual > kHuge && dual > kGross   ? "dual"
+                                                               : nullptr;
+  if (which && log)
+    log->print("Numeric error: very large %s solution due to numerically bad basis matrix\n",
+               which);
+  return !which;
 }
 
 // After numerical trouble: more stable factors first, then a fresh start from the slack basis,

@@ -30,6 +30,9 @@ class SimplexCore {
   // To a verdict; NeedsExtended asks for a conversion and another call.
   PhaseResult run(SimplexMethod method);
 
+  // Looks at an optimum: false, with a message, when its values blew up.
+  bool endsWell();
+
   void setBasis(const Basis &basis, const Vec<double> *values);
   Basis basis() const;
   void getSolution(LpStatus status, LpSolution &solution) const;

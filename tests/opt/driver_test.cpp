@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "base/random.h"
+#include "support/ill_conditioned_lp.h"
 #include "support/lp_checks.h"
 #include "support/random_lp.h"
 #include "support/reference_lp.h"
@@ -31,13 +32,14 @@ constexpr Road kRoads[] = {
 };
 
 LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullptr,
-                bool presolveWarmStart = false) {
+                bool presolveWarmStart = false, int quad = -1) {
   LpDriverOptions options;
   options.method = road.method;
   options.presolve.level = road.presolve;
   options.presolveWarmStart = presolveWarmStart;
   options.wantCertificates = road.certificates;
   options.simplex.scaleFlag = road.scaleFlag;
+  options.simplex.quad = quad;
   SilentLog log;
   SolveControl control;
   control.log = &log;
@@ -107,6 +109,26 @@ TEST(LpDriver, AnyWarmStartLeadsToTheSameResult) {
       SCOPED_TRACE(std::string(road.name) + ", seed " + std::to_string(seed) + "\n" +
                    test::describe(lp));
       expectResult(lp, expected, drive(lp, road, &start, road.presolve != 0), road);
+    }
+  }
+}
+
+// Known answers of badly conditioned and badly scaled models, in every precision.
+TEST(LpDriver, IllConditionedModelsOnEveryRoad) {
+  for (int seed = 1; seed <= 40; ++seed) {
+    double objective = 0;
+    const LpModel lp = seed % 4 == 0   ? test::hilbertLp(4 + seed % 9, seed, objective)
+                       : seed % 4 == 1 ? test::nearlyParallelLp(5, 1e-7, seed, objective)
+                       : seed % 4 == 2 ? test::growingChainLp(5 + seed / 2, 2.5, seed, objective)
+                                       : test::wideRangeLp(6 + seed % 10, 20, 6, seed, objective);
+    for (const Road &road : kRoads) {
+      for (const int quad : {-1, 0, 1}) {
+        const LpOutcome outcome = drive(lp, road, nullptr, false, quad);
+        EXPECT_EQ(outcome.solution.status, LpStatus::Optimal)
+            << seed << " " << road.name << " quad " << quad;
+        EXPECT_NEAR(outcome.solution.objective, objective, 1e-5 * (1 + std::fabs(objective)))
+            << seed << " " << road.name << " quad " << quad;
+      }
     }
   }
 }

@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <string>
 
-#include "ill_conditioned_lp.h"
 #include "simplex/simplex.h"
 #include "simplex/stability.h"
+#include "support/ill_conditioned_lp.h"
 #include "support/lp_checks.h"
 #include "support/random_lp.h"
 #include "support/reference_lp.h"

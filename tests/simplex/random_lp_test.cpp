@@ -7,6 +7,7 @@
 
 #include "lp/check.h"
 #include "simplex/simplex.h"
+#include "support/ill_conditioned_lp.h"
 #include "support/lp_checks.h"
 #include "support/random_lp.h"
 #include "support/reference_lp.h"
@@ -171,6 +172,36 @@ TEST(RandomLp, BothMethodsAgreeWithTheReference) {
     plain.perturbValue = 0;
     plain.scaleFlag = 0;
     expectSame(lp, solveFresh(lp, SimplexMethod::Dual, plain), reference, "plain dual");
+  }
+}
+
+TEST(RandomLp, EveryPricingRuleAgrees) {
+  for (int seed = 1; seed <= modelCount() / 4 && !::testing::Test::HasFailure(); ++seed) {
+    const LpModel lp = randomLp(seed);
+    const LpSolution reference = solveReference(lp);
+    SCOPED_TRACE(seed);
+    for (int rule = 0; rule <= 3; ++rule) {
+      SimplexOptions options;
+      options.pricing = rule;
+      options.normAdjust = seed % 5 - 1;
+      SCOPED_TRACE(rule);
+      expectSame(lp, solveFresh(lp, SimplexMethod::Dual, options), reference, "dual");
+      expectSame(lp, solveFresh(lp, SimplexMethod::Primal, options), reference, "primal");
+    }
+  }
+}
+
+// Wide enough for many sections of partial pricing, in both phases.
+TEST(RandomLp, PartialPricingLooksAtAllSections) {
+  for (int seed = 1; seed <= 5; ++seed) {
+    double objective = 0;
+    const LpModel lp = wideRangeLp(40, 4000, 1, seed, objective);
+    SimplexOptions partial;
+    partial.primalPartial = 2;
+    SCOPED_TRACE(seed);
+    const LpSolution primal = solveFresh(lp, SimplexMethod::Primal, partial);
+    EXPECT_TRUE(isOptimal(lp, primal, kTol));
+    EXPECT_NEAR(primal.objective, objective, kTol * (1 + std::fabs(objective)));
   }
 }
 
