@@ -1,5 +1,6 @@
 // The command-line solver: sets parameters, reads a model, optimizes it. The log on standard
 // output is the library's own; errors are one line on standard error and a nonzero exit code.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -124,11 +125,16 @@ int run(const Arguments &arguments) {
 }  // namespace
 
 int main(int argc, char **argv) {
-  if (argc == 2 && (!std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h"))) {
+  const auto given = [&](const char *option, const char *brief) {
+    return std::any_of(argv + 1, argv + argc, [&](const char *argument) {
+      return !std::strcmp(argument, option) || !std::strcmp(argument, brief);
+    });
+  };
+  if (argc > 1 && given("--help", "-h")) {
     std::fputs(kUsage, stdout);
     return 0;
   }
-  if (argc == 2 && (!std::strcmp(argv[1], "--version") || !std::strcmp(argv[1], "-v"))) {
+  if (argc > 1 && given("--version", "-v")) {
     int major, minor, technical;
     TVKversion(&major, &minor, &technical);
     std::printf("Tarvik Optimizer version %d.%d.%d build %s (%s%s)\n", major, minor, technical,

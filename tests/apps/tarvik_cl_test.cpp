@@ -96,6 +96,7 @@ TEST_F(TarvikCl, ExplainsItself) {
   const ToolRun help = run("--help");
   EXPECT_EQ(help.exitCode, 0);
   EXPECT_NE(help.out.find("Usage: tarvik_cl"), std::string::npos);
+  EXPECT_EQ(run("TimeLimit=1 " + kExamples + "diet.mps --help").out, help.out);
   const ToolRun version = run("--version");
   EXPECT_EQ(version.exitCode, 0);
   EXPECT_EQ(version.out.find("Tarvik Optimizer version 11.0.3 build "), 0u) << version.out;
