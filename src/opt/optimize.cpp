@@ -56,8 +56,11 @@ double loosenedCutoff(double cutoff, int objSense) {
 void adjustObjectiveLimits(ParamScope &params, const Env &env, int objSense) {
   params.set(Dbl::Cutoff, loosenedCutoff(env.get(Dbl::Cutoff), objSense));
   if (objSense > 0) return;
-  for (const Dbl limit : {Dbl::Cutoff, Dbl::BestBdStop, Dbl::BestObjStop})
-    if (isFinite(env.get(limit))) params.set(limit, -env.get(limit));
+  // No limit stays no limit; the infinity on the other side changes sides like any number.
+  for (const Dbl limit : {Dbl::Cutoff, Dbl::BestBdStop})
+    if (env.get(limit) < kUserInf) params.set(limit, -env.get(limit));
+  if (env.get(Dbl::BestObjStop) > -kUserInf)
+    params.set(Dbl::BestObjStop, -env.get(Dbl::BestObjStop));
 }
 
 // Defaults that other settings imply for one solve.

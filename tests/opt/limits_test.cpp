@@ -77,11 +77,13 @@ TEST(Optimize, CutoffKeepsSolutionsThatEqualIt) {
   EXPECT_EQ(statusOf(max, 11.01), TVK_CUTOFF);
   EXPECT_TRUE(env.logged("\nModel objective exceeds cutoff\n")) << env.log();
   EXPECT_EQ(statusOf(max, 1e100), TVK_OPTIMAL);
+  EXPECT_EQ(statusOf(max, -1e100), TVK_OPTIMAL);
   Spec min = max;
   min.sense = TVK_MINIMIZE;
   for (double &cost : min.obj) cost = -cost;
   EXPECT_EQ(statusOf(min, -11), TVK_OPTIMAL);
   EXPECT_EQ(statusOf(min, -11.01), TVK_CUTOFF);
+  EXPECT_EQ(statusOf(min, -1e100), TVK_CUTOFF);
 }
 
 TEST(Optimize, LimitsStopAndTheNextCallGoesOn) {
