@@ -118,6 +118,9 @@ void Env::vlog(const char *format, va_list args) {
   const int room = LogState::kBufferBytes - state.length;
   const int wanted = std::vsnprintf(state.buffer + state.length, room, format, args);
   if (wanted > 0) state.length += std::min(wanted, room - 1);
+  // A line that does not fit is cut, but it ends: the next line must not continue it.
+  if (wanted >= room && *format != '\0' && format[std::strlen(format) - 1] == '\n')
+    state.buffer[state.length - 1] = '\n';
   // A line leaves the buffer before it is delivered: what receives it may log in turn.
   char line[LogState::kPieceBytes + 1];
   int length;

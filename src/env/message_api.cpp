@@ -16,7 +16,12 @@ void logFormat(Env &env, const char *message) {
     text.push_back(*p);
     if (p[0] == '%' && p[1] == '%') ++p;
   }
-  env.log("%s", text.c_str());
+  if (!text.empty() && text.back() == '\n') {
+    text.pop_back();
+    env.log("%s\n", text.c_str());
+  } else {
+    env.log("%s", text.c_str());
+  }
 }
 
 }  // namespace

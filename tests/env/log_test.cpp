@@ -82,6 +82,12 @@ TEST_F(LogTest, LongLinesAreCutIntoPieces) {
   ASSERT_EQ(pieces.size(), 3u);
   EXPECT_EQ(pieces[1], std::string(511, 'b'));
   EXPECT_EQ(pieces[2], std::string(89, 'b') + "\n");
+  pieces.clear();
+  TVKmsg(env_, (std::string(1500, 'c') + "\n").c_str());
+  ASSERT_EQ(TVKsetstrparam(env_, "NodefileDir", std::string(1500, 'd').c_str()), 0);
+  TVKmsg(env_, "next\n");
+  ASSERT_FALSE(pieces.empty());
+  EXPECT_EQ(pieces.back(), "next\n") << "a cut line goes on in the next one";
 }
 
 TEST_F(LogTest, DestinationsFollowTheParameters) {
