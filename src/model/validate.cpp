@@ -93,7 +93,8 @@ double storedBound(double bound) {
 
 void roundIntegerBounds(char type, double &lb, double &ub) {
   if (type == 'C' || type == 'S' || lb == ub) return;
-  if (lb > -kInfBound) lb = std::ceil(lb - 1e-5);
+  // Rounding up from just below zero gives -0, which adding 0 makes 0.
+  if (lb > -kInfBound) lb = std::ceil(lb - 1e-5) + 0.0;
   if (ub < kInfBound) ub = std::floor(ub + 1e-5);
   if (type == 'B') {
     if (lb < 0) lb = 0;

@@ -74,6 +74,8 @@ TEST_F(Mps, BoundTypes) {
   has(8, 'S', 1, 9);
   has(9, 'N', 0, 4);
   has(10, 'C', 0, kInf);
+  for (int j = 0; j < 11; ++j)
+    EXPECT_FALSE(data.lb[j] == 0 && std::signbit(data.lb[j])) << j << " begins at -0";
   EXPECT_EQ(tryRead("n.mps", file("BOUNDS\n UP B x 5\n BV B x\n")), 10012);
   EXPECT_EQ(message(), "MPS reader: invalid bounds [0, 5] for binary variable x");
 }
@@ -110,6 +112,7 @@ TEST_F(Mps, BrokenFilesFail) {
       {"ROWS\n N OBJ\nFOO\n", "MPS reader: line 3 not right or no ENDATA"},
       {"ROWS\n N OBJ\nCOLUMNS\n x\nENDATA\n", "MPS reader: not free format"},
       {"ROWS\n N OBJ\nCOLUMNS\n x OBJ abc\nENDATA\n", "MPS read error at line 4:\n x OBJ abc"},
+      {file("RHS\n    R  OBJ  inf\n"), "MPS read error at line 12:\n    R  OBJ  inf"},
       {"ROWS\n N OBJ\n L r\n G r\n", "MPS read error at line 4:\n G r"},
       {file("QMATRIX\n    x y 1\n"), "Qmatrix isn't symmetric"},
       {file("QUADOBJ\n    x y 1\n    y x 1\n"), "Duplicate quadratic elements"},

@@ -324,12 +324,20 @@ void MpsParser::parseRhs() {
       const int target = rowTarget_[row];
       if (target >= 0)
         model_.linear.rhs[target] = value;
-      else if (isObjective(target) && multiObjective_)
-        model_.objectives[objectiveOf(target)].constant = -value;
       else if (isObjective(target))
-        model_.linear.objCon = -value;
+        setObjectiveConstant(target, value);
     }
   }
+}
+
+// A right-hand side of an objective is the constant on the other side of the equation.
+void MpsParser::setObjectiveConstant(int target, double rhs) {
+  if (!std::isfinite(rhs)) failLine();
+  const double constant = 0 - rhs;
+  if (multiObjective_)
+    model_.objectives[objectiveOf(target)].constant = constant;
+  else
+    model_.linear.objCon = constant;
 }
 
 void MpsParser::parseRanges() {

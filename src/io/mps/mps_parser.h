@@ -84,6 +84,7 @@ class MpsParser {
   void addEntry(Field rowName, double value);
   void closeSosMarker();
   void parseRhs();
+  void setObjectiveConstant(int target, double rhs);
   void parseRanges();
   void addRange(Field name, double value);
   int findRow(Field name) {
