@@ -54,6 +54,11 @@ const char *formatWord(int type) {
   }
 }
 
+// Fails when the file could not be read or decompressed to where reading stopped.
+void requireWhole(InputFile &file, const std::string &name) {
+  if (!file.close()) throw Error(TVK_ERROR_FILE_READ, "Unable to read file '%s'", name.c_str());
+}
+
 ParsedModel parseModelFile(Env &env, const std::string &name, const std::string &word) {
   InputFile file;
   if (!file.open(name)) {
@@ -71,8 +76,11 @@ ParsedModel parseModelFile(Env &env, const std::string &name, const std::string 
     if (word == "MPS") env.log("Error: out of memory.\n");
     env.recordError(TVK_ERROR_OUT_OF_MEMORY, true, "Out of memory in %s reader", word.c_str());
     throw;
+  } catch (const Error &) {
+    requireWhole(file, name);  // damage explains what the reader missed
+    throw;
   }
-  if (!file.close()) throw Error(TVK_ERROR_FILE_READ, "Unable to read file '%s'", name.c_str());
+  requireWhole(file, name);
   return parsed;
 }
 
