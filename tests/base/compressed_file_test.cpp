@@ -61,7 +61,7 @@ TEST_F(CompressedFile, WhatIsWrittenIsReadBack) {
 }
 
 TEST_F(CompressedFile, ReaderMayStopEarly) {
-  if (!hasTool("gzip")) GTEST_SKIP();
+  ASSERT_TRUE(hasTool("gzip"));
   OutputFile out;
   ASSERT_TRUE(out.open(path("big.gz")));
   for (int k = 0; k < 200000; ++k) out.write("0123456789abcdef", 16);
@@ -74,7 +74,7 @@ TEST_F(CompressedFile, ReaderMayStopEarly) {
 }
 
 TEST_F(CompressedFile, DamageIsReported) {
-  if (!hasTool("gzip")) GTEST_SKIP();
+  ASSERT_TRUE(hasTool("gzip"));
   std::ofstream(path("bad.gz")) << "this is not compressed";
   InputFile file;
   ASSERT_TRUE(file.open(path("bad.gz")));
@@ -84,11 +84,12 @@ TEST_F(CompressedFile, DamageIsReported) {
 }
 
 TEST_F(CompressedFile, WritingIntoADeadToolFailsAndNothingElse) {
-  if (access("/dev/full", W_OK) != 0) GTEST_SKIP();
+#ifdef __linux__
   OutputFile file;
   ASSERT_TRUE(file.open("/dev/full"));
   file.write("x", 1);
   EXPECT_FALSE(file.close());
+#endif
 
   const std::string bin = path("bin");
   std::filesystem::create_directory(bin);
