@@ -56,7 +56,7 @@ struct SolutionStore {
   // constraint), dual values in the stored-model sense; empty when there are none.
   Vec<double> pstart, dstart;
   bool extendedPrecision = false;  // the last simplex ended in extended precision
-  bool userBasis = false;  // vbasis/cbasis were set by the caller since the last solve
+  bool userBasis = false;          // vbasis/cbasis were set by the caller since the last solve
   // The last solve's x after the model changed, kUndefined for new variables.
   Vec<double> previousX;
 
