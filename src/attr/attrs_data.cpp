@@ -31,12 +31,7 @@ int numIntVars(const ModelData &d) {
   return count;
 }
 
-int numTagged(const ModelData &d) {
-  int count = 0;
-  for (const NameList *tags : {&d.constrTags, &d.varTags, &d.qconstrTags})
-    for (int k = 0; k < tags->size(); ++k) count += !tags->isBlank(k);
-  return count;
-}
+int numTagged(const ModelData &d) { return d.numTagged(); }
 
 // In the stored sense the slopes must not decrease.
 bool isConvex(const PwlObjective &pwl) {

@@ -53,6 +53,13 @@ struct ModelData {
 
   int numVars() const { return a.numMajor; }
   int numConstrs() const { return a.numMinor; }
+  // Constraints, variables and quadratic constraints that carry a tag.
+  int numTagged() const {
+    int count = 0;
+    for (const NameList *tags : {&constrTags, &varTags, &qconstrTags})
+      for (int k = 0; k < tags->size(); ++k) count += !tags->isBlank(k);
+    return count;
+  }
   int numSos() const { return static_cast<int>(sos.size()); }
   int numQConstrs() const { return static_cast<int>(qconstrs.size()); }
   int numGenConstrs() const { return static_cast<int>(genConstrs.size()); }
