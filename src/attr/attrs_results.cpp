@@ -50,6 +50,19 @@ void getObjRange(Model &m, const Elements &e, double *out) {
   }
 }
 
+void computeRanges(Model &m) {
+  S &s = m.solution();
+  if (s.saObjLow.empty() && s.solver) s.solver->computeRanges(m);
+}
+void computeKappa(Model &m) {
+  S &s = m.solution();
+  if (s.kappa == kUndefined && s.solver) s.kappa = s.solver->conditionEstimate(m);
+}
+void computeKappaExact(Model &m) {
+  S &s = m.solution();
+  if (s.kappaExact == kUndefined && s.solver) s.kappaExact = s.solver->conditionExact(m);
+}
+
 template <auto Member>
 const int *iisVector(Model &m) {
   return m.solution().hasIis ? (m.solution().*Member).data() : nullptr;
@@ -132,12 +145,21 @@ void registerCounters(AttrTable &t) {
   doubles(Attr::N2Kappa, resultScalar<&S::n2Kappa>);
 }
 
+void registerBasisAnalysis(AttrTable &t) {
+  for (const Attr range : {Attr::SAObjLow, Attr::SAObjUp, Attr::SALBLow, Attr::SALBUp,
+                           Attr::SAUBLow, Attr::SAUBUp, Attr::SARHSLow, Attr::SARHSUp})
+    t.setCompute(range, computeRanges);
+  t.setCompute(Attr::Kappa, computeKappa);
+  t.setCompute(Attr::KappaExact, computeKappaExact);
+}
+
 }  // namespace
 
 void registerResultAttrs(AttrTable &t) {
   registerVectors(t);
   registerIis(t);
   registerCounters(t);
+  registerBasisAnalysis(t);
   t.handlers<double>(Attr::ObjVal).get = getObjVal;
   t.handlers<double>(Attr::ObjBound).get = signedResultScalar<&S::objBound>;
   t.handlers<double>(Attr::ObjBoundC).get = getObjBoundC;

@@ -12,6 +12,8 @@ namespace {
 
 // A reduced coefficient below this fraction of the terms it is the sum of is rounding noise.
 constexpr double kCancellation = 1e-12;
+// Errors of sums below it do not matter: no tolerance is smaller than ten times of it.
+constexpr double kNegligible = 1e-10;
 // What the summation of a proof's terms may lose, relative to their sizes.
 constexpr double kSumError = 4 * std::numeric_limits<double>::epsilon();
 
@@ -72,7 +74,52 @@ Vec<CompensatedSum> activities(const LpModel &lp, const Vec<double> &x) {
   return activity;
 }
 
-void checkPrimal(const LpModel &lp, const LpSolution &solution, const Vec<CompensatedSum> &activity,
+// Plain sums of so many terms of this total size are off by less than kNegligible.
+bool plainSumSuffices(double size, int terms) {
+  return size * terms * std::numeric_limits<double>::epsilon() < kNegligible;
+}
+
+// A x, with compensated sums only where plain ones are not exact enough.
+Vec<double> exactActivities(const LpModel &lp, const Vec<double> &x) {
+  Vec<double> activity(lp.numRows, 0.0), size(lp.numRows, 0.0);
+  Vec<int> terms(lp.numRows, 0);
+  for (int j = 0; j < lp.numCols; ++j) {
+    if (x[j] == 0) continue;
+    for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k) {
+      const int i = lp.a.index[k];
+      const double term = lp.a.value[k] * x[j];
+      activity[i] += term;
+      size[i] += std::fabs(term);
+      ++terms[i];
+    }
+  }
+  bool exact = true;
+  for (int i = 0; i < lp.numRows && exact; ++i) exact = plainSumSuffices(size[i], terms[i]);
+  if (exact) return activity;
+  const Vec<CompensatedSum> sums = activities(lp, x);
+  for (int i = 0; i < lp.numRows; ++i) activity[i] = sums[i].value();
+  return activity;
+}
+
+// cost_j - y'a_j - d_j, likewise.
+double dualResidual(const LpModel &lp, const LpSolution &solution, int col) {
+  const NzIndex begin = lp.a.start[col], end = lp.a.start[col + 1];
+  double residual = lp.cost[col] - solution.colDual[col];
+  double size = std::fabs(lp.cost[col]) + std::fabs(solution.colDual[col]);
+  for (NzIndex k = begin; k < end; ++k) {
+    const double term = lp.a.value[k] * solution.rowDual[lp.a.index[k]];
+    residual -= term;
+    size += std::fabs(term);
+  }
+  if (plainSumSuffices(size, static_cast<int>(end - begin) + 2)) return residual;
+  CompensatedSum sum(lp.cost[col]);
+  for (NzIndex k = begin; k < end; ++k)
+    sum.addProduct(-lp.a.value[k], solution.rowDual[lp.a.index[k]]);
+  sum.add(-solution.colDual[col]);
+  return sum.value();
+}
+
+void checkPrimal(const LpModel &lp, const LpSolution &solution, const Vec<double> &activity,
                  SolutionQuality &quality) {
   CompensatedSum objective(lp.offset);
   for (int j = 0; j < lp.numCols; ++j) {
@@ -83,7 +130,7 @@ void checkPrimal(const LpModel &lp, const LpSolution &solution, const Vec<Compen
   }
   quality.objective = objective.value();
   for (int i = 0; i < lp.numRows; ++i) {
-    const double value = activity[i].value();
+    const double value = activity[i];
     note(outside(value, lp.rowLower[i], lp.rowUpper[i]), quality.rowViolation,
          quality.rowViolationSum);
     if (!solution.rowActivity.empty()) {
@@ -123,16 +170,16 @@ double dualRayGap(const LpModel &lp, const Vec<double> &y) {
 SolutionQuality checkSolution(const LpModel &lp, const LpSolution &solution, double primalTol) {
   SolutionQuality quality;
   const bool havePrimal = static_cast<int>(solution.colValue.size()) == lp.numCols;
-  Vec<CompensatedSum> activity;
+  Vec<double> activity;
   if (havePrimal) {
-    activity = activities(lp, solution.colValue);
+    activity = exactActivities(lp, solution.colValue);
     checkPrimal(lp, solution, activity, quality);
   }
   const bool haveRowDual = static_cast<int>(solution.rowDual.size()) == lp.numRows;
   const bool haveColDual = static_cast<int>(solution.colDual.size()) == lp.numCols;
   if (haveRowDual && havePrimal) {
     for (int i = 0; i < lp.numRows; ++i) {
-      noteDual(solution.rowDual[i], activity[i].value(), lp.rowLower[i], lp.rowUpper[i], primalTol,
+      noteDual(solution.rowDual[i], activity[i], lp.rowLower[i], lp.rowUpper[i], primalTol,
                quality);
     }
   }
@@ -144,11 +191,7 @@ SolutionQuality checkSolution(const LpModel &lp, const LpSolution &solution, dou
   }
   if (haveRowDual && haveColDual) {
     for (int j = 0; j < lp.numCols; ++j) {
-      CompensatedSum residual(lp.cost[j]);
-      for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
-        residual.addProduct(-lp.a.value[k], solution.rowDual[lp.a.index[k]]);
-      residual.add(-solution.colDual[j]);
-      note(std::fabs(residual.value()), quality.dualResidual, quality.dualResidualSum);
+      note(std::fabs(dualResidual(lp, solution, j)), quality.dualResidual, quality.dualResidualSum);
     }
   }
   return quality;

@@ -5,10 +5,25 @@
 // keeps basis, start vectors and the last solution, adapted to the new dimensions.
 #pragma once
 
+#include <memory>
+
 #include "base/memory.h"
 #include "base/types.h"
 
 namespace tarvik {
+
+class Model;
+
+// What a solver keeps beside its results, opaque to the shell. It answers what attributes ask of
+// the final basis: the functions fill the store or return a value, kUndefined when the last
+// solve left nothing to compute it from.
+class SolverState {
+ public:
+  virtual ~SolverState() = default;
+  virtual void computeRanges(Model &model) = 0;  // the sa... vectors
+  virtual double conditionEstimate(Model &model) = 0;
+  virtual double conditionExact(Model &model) = 0;
+};
 
 struct SolutionStore {
   int status = 1;  // TVK_LOADED
@@ -59,6 +74,9 @@ struct SolutionStore {
   bool userBasis = false;          // vbasis/cbasis were set by the caller since the last solve
   // The last solve's x after the model changed, kUndefined for new variables.
   Vec<double> previousX;
+
+  // Outlives changes of the model; null before the first solve.
+  std::unique_ptr<SolverState> solver;
 
   // Counts the times that results were cleared, so that measures know when they are out of date.
   std::uint64_t generation = 0;

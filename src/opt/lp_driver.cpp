@@ -51,17 +51,19 @@ bool isStop(LpStatus status) {
 
 }  // namespace
 
-LpDriver::LpDriver(const LpModel &lp, const LpDriverOptions &options, SolveControl &control)
-    : lp_(lp), options_(options), control_(control) {
+LpDriver::LpDriver(const LpModel &lp, const LpDriverOptions &options, SolveControl &control,
+                   WarmEngine &engine)
+    : lp_(lp), options_(options), control_(control), engine_(engine) {
   tolerances_ = {options.simplex.primalTol, options.simplex.dualTol};
   if (options_.wantCertificates) options_.presolve.dualReductions = false;
 }
 
-LpOutcome LpDriver::run(const Basis *warmStart, const Vec<double> *superbasicValues) {
+LpOutcome LpDriver::run(const Basis *warmStart, const Vec<double> *superbasicValues,
+                        const Vec<double> *edgeWeights) {
   if (lp_.numRows == 0) return settle(solveWithoutRows());
   if (options_.presolve.level != 0 && (!warmStart || options_.presolveWarmStart))
     return settle(solvePresolved(warmStart));
-  return settle(solveSimplex(lp_, options_.simplex, options_.method, warmStart, superbasicValues));
+  return settle(solveFull(options_.method, warmStart, superbasicValues, edgeWeights));
 }
 
 // The result mapped back to the full model, where it is yet to be verified.
@@ -111,8 +113,8 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
 LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmStart) {
   Basis crushed;
   const bool warm = warmStart && presolve.crushBasis(*warmStart, crushed);
-  return solveSimplex(presolve.reduced(), options_.simplex, options_.method,
-                      warm ? &crushed : nullptr, nullptr);
+  return solveApart(presolve.reduced(), options_.simplex, options_.method,
+                    warm ? &crushed : nullptr);
 }
 
 // What presolve achieved, as far as there is a reduced model to speak of.
@@ -135,15 +137,31 @@ void LpDriver::logPresolve(const Presolve &presolve, PresolveStatus status) cons
             static_cast<unsigned long>(reduced.a.numNz()));
 }
 
-LpSolution LpDriver::solveSimplex(const LpModel &lp, const SimplexOptions &options,
-                                  SimplexMethod method, const Basis *start,
-                                  const Vec<double> *superbasicValues) {
+LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,
+                               const Vec<double> *superbasicValues,
+                               const Vec<double> *edgeWeights) {
+  Simplex &simplex =
+      start ? engine_.open(lp_, options_.simplex) : engine_.openFresh(lp_, options_.simplex);
+  if (start) {
+    simplex.setBasis(*start, superbasicValues);
+    if (edgeWeights) simplex.setEdgeWeights(*edgeWeights);
+    if (options_.mayChangeMethod && simplex.prefersPrimal(control_)) method = SimplexMethod::Primal;
+  }
+  return runEngine(simplex, method);
+}
+
+LpSolution LpDriver::solveApart(const LpModel &lp, const SimplexOptions &options,
+                                SimplexMethod method, const Basis *start) {
+  Simplex simplex(options);
+  simplex.load(lp);
+  if (start) simplex.setBasis(*start, nullptr);
+  return runEngine(simplex, method);
+}
+
+LpSolution LpDriver::runEngine(Simplex &simplex, SimplexMethod method) {
   // Engines count their own iterations; the limit is on all of them together.
   const double iterationLimit = control_.limits.iterationLimit;
   control_.limits.iterationLimit = iterationLimit - iterations_;
-  Simplex simplex(options);
-  simplex.load(lp);
-  if (start) simplex.setBasis(*start, superbasicValues);
   LpStatus status = simplex.solve(method, control_);
   if (status == LpStatus::InfeasibleOrUnbounded)
     status = simplex.solve(SimplexMethod::Primal, control_);
@@ -209,10 +227,12 @@ LpOutcome LpDriver::settle(LpSolution &&solution) {
                          options_.presolve.dualReductions;
   const Verdict verdict = verify(lp_, solution, tolerances_);
   LpOutcome outcome;
-  if (verdict.proven || undecided)
+  if (verdict.proven || undecided) {
     outcome.solution = std::move(solution);
-  else
+    outcome.quality = verdict.quality;
+  } else {
     outcome = repair(std::move(solution), verdict);
+  }
   outcome.solution.iterations = iterations_;
   outcome.extended = extended_;
   return outcome;
@@ -240,7 +260,9 @@ LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
     }
     if (!step.fromLastBasis) method = other(options_.method);
     const bool warm = step.fromLastBasis && !lastBasis.empty();
-    LpSolution next = solveSimplex(lp_, options, method, warm ? &lastBasis : nullptr, nullptr);
+    const bool cleanUp = &step == kRepairSteps && warm;
+    LpSolution next = cleanUp ? solveFull(method, &lastBasis, nullptr, nullptr)
+                              : solveApart(lp_, options, method, warm ? &lastBasis : nullptr);
     lastVerdict = verify(lp_, next, tolerances_);
     method = repairMethod(next, lastVerdict);
     const bool stopped = isStop(next.status);

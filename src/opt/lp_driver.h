@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "opt/verify.h"
+#include "opt/warm_engine.h"
 #include "presolve/presolve.h"
 #include "simplex/simplex.h"
 
@@ -18,6 +19,8 @@ struct LpDriverOptions {
   SimplexOptions simplex;
   PresolveOptions presolve;  // level 0: no presolve
   SimplexMethod method = SimplexMethod::Dual;
+  // A warm basis that is primal but not dual feasible is solved by the primal simplex instead.
+  bool mayChangeMethod = false;
   // Presolve although there is a warm start, which is then translated.
   bool presolveWarmStart = false;
   // The caller wants Farkas proofs and rays of the full model, and infeasible told apart from
@@ -31,20 +34,31 @@ struct LpOutcome {
   bool suboptimal = false;
   // The last simplex ran in extended precision.
   bool extended = false;
+  // Of the solution as the last check measured it, when it did.
+  std::optional<SolutionQuality> quality;
 };
 
 class LpDriver {
  public:
-  LpDriver(const LpModel &lp, const LpDriverOptions &options, SolveControl &control);
+  // Solves of the full model run in the engine given, which stays loaded.
+  LpDriver(const LpModel &lp, const LpDriverOptions &options, SolveControl &control,
+           WarmEngine &engine);
 
-  // The basis may be null, and so may the values of its superbasic variables.
-  LpOutcome run(const Basis *warmStart, const Vec<double> *superbasicValues);
+  // The basis may be null, and so may the values of its superbasic variables and the edge weights
+  // of its basic ones.
+  LpOutcome run(const Basis *warmStart, const Vec<double> *superbasicValues,
+                const Vec<double> *edgeWeights = nullptr);
 
  private:
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);
-  LpSolution solveSimplex(const LpModel &lp, const SimplexOptions &options, SimplexMethod method,
-                          const Basis *start, const Vec<double> *superbasicValues);
+  // The full model in the warm engine, from a basis or from scratch.
+  LpSolution solveFull(SimplexMethod method, const Basis *start,
+                       const Vec<double> *superbasicValues, const Vec<double> *edgeWeights);
+  // Any model in an engine of its own.
+  LpSolution solveApart(const LpModel &lp, const SimplexOptions &options, SimplexMethod method,
+                        const Basis *start);
+  LpSolution runEngine(Simplex &simplex, SimplexMethod method);
   LpSolution solveWithoutRows() const;
   void logPresolve(const Presolve &presolve, PresolveStatus status) const;
   LpStatus stopStatus();
@@ -54,6 +68,7 @@ class LpDriver {
   const LpModel &lp_;
   LpDriverOptions options_;
   SolveControl &control_;
+  WarmEngine &engine_;
   Tolerances tolerances_;
   bool presolved_ = false;
   bool extended_ = false;

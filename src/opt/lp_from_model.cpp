@@ -36,6 +36,19 @@ BadBounds findBadBounds(const ModelData &data, double tol) {
   return {};
 }
 
+Bounds colBounds(const ModelData &data, int col) {
+  const Bounds bounds{clamped(data.lb[col]), clamped(data.ub[col])};
+  if (bounds.lower <= bounds.upper) return bounds;
+  const double middle = 0.5 * (bounds.lower + bounds.upper);
+  return {middle, middle};
+}
+
+Bounds rowBounds(const ModelData &data, int row) {
+  const double rhs = clamped(data.rhs[row]);
+  return {data.sense[row] == TVK_LESS_EQUAL ? -kInf : rhs,
+          data.sense[row] == TVK_GREATER_EQUAL ? kInf : rhs};
+}
+
 LpModel lpFromModel(const ModelData &data) {
   LpModel lp;
   lp.numRows = data.numConstrs();
@@ -46,17 +59,16 @@ LpModel lpFromModel(const ModelData &data) {
   lp.colLower.resize(lp.numCols);
   lp.colUpper.resize(lp.numCols);
   for (int j = 0; j < lp.numCols; ++j) {
-    double lower = clamped(data.lb[j]), upper = clamped(data.ub[j]);
-    if (lower > upper) lower = upper = 0.5 * (lower + upper);
-    lp.colLower[j] = lower;
-    lp.colUpper[j] = upper;
+    const Bounds bounds = colBounds(data, j);
+    lp.colLower[j] = bounds.lower;
+    lp.colUpper[j] = bounds.upper;
   }
   lp.rowLower.resize(lp.numRows);
   lp.rowUpper.resize(lp.numRows);
   for (int i = 0; i < lp.numRows; ++i) {
-    const double rhs = clamped(data.rhs[i]);
-    lp.rowLower[i] = data.sense[i] == TVK_LESS_EQUAL ? -kInf : rhs;
-    lp.rowUpper[i] = data.sense[i] == TVK_GREATER_EQUAL ? kInf : rhs;
+    const Bounds bounds = rowBounds(data, i);
+    lp.rowLower[i] = bounds.lower;
+    lp.rowUpper[i] = bounds.upper;
   }
   return lp;
 }

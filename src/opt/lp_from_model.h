@@ -24,6 +24,13 @@ struct BadBounds {
 // the first constraint whose right-hand side is infinite on the wrong side.
 BadBounds findBadBounds(const ModelData &data, double tol);
 
+// Bounds as the kernels take them, infinite ones as +-kInf.
+struct Bounds {
+  double lower, upper;
+};
+Bounds colBounds(const ModelData &data, int col);
+Bounds rowBounds(const ModelData &data, int row);
+
 // Bounds that cross by no more than the tolerance of findBadBounds meet in their middle.
 LpModel lpFromModel(const ModelData &data);
 

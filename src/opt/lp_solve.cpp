@@ -9,6 +9,7 @@
 #include "opt/lp_driver.h"
 #include "opt/lp_from_model.h"
 #include "opt/options.h"
+#include "opt/retained_solve.h"
 #include "opt/solve_log.h"
 #include "opt/warm_start.h"
 
@@ -111,10 +112,11 @@ class LinearSolve {
       : model_(model), env_(model.env()), store_(model.solution()), control_(control) {}
 
   void run() {
-    const WarmStart start = takeWarmStart(model_);
+    const SimplexMethod method = chooseMethod(env_);
+    WarmStart start = takeWarmStart(model_, method == SimplexMethod::Primal ? kPrimal : kDual);
     store_.clearResults();
     summary_.status = TVK_NUMERIC;
-    if (!stoppedByBadBounds()) solve(start);
+    if (!stoppedByBadBounds()) solve(method, start);
     store_.status = summary_.status;
     summary_.iterations = store_.iterCount;
     summary_.seconds = control_.limits.seconds();
@@ -139,30 +141,49 @@ class LinearSolve {
     return true;
   }
 
-  void solve(const WarmStart &start) {
+  void solve(SimplexMethod method, WarmStart &start) {
     const ModelData &data = model_.data();
     LpDriverOptions options;
     options.simplex = simplexOptions(env_);
     options.simplex.logSign = data.objSense;
     options.presolve = presolveOptions(env_);
-    options.method = chooseMethod(env_);
+    options.method = method;
     options.presolveWarmStart = env_.get(Int::LPWarmStart) == 2;
     options.wantCertificates = env_.get(Int::InfUnbdInfo) != 0;
-    const LpModel lp = lpFromModel(data);
+    RetainedSolve &kept = RetainedSolve::of(store_);
+    kept.follow(data);
+    const LpModel &lp = kept.lp();
+    makeBasisFromVectors(lp, env_, start);
+    options.mayChangeMethod = env_.get(Int::Method) < 0 && options.simplex.primalDualSwitch;
+    const auto given = [](const auto &part) { return part.empty() ? nullptr : &part; };
     if (options.simplex.quad == 0 && store_.extendedPrecision)
       env_.log("Switch to double precision\n");
-    LpDriver driver(lp, options, control_);
-    LpOutcome outcome = driver.run(start.basis.empty() ? nullptr : &start.basis,
-                                   start.values.empty() ? nullptr : &start.values);
+    LpDriver driver(lp, options, control_, kept.engine());
+    LpOutcome outcome =
+        driver.run(given(start.basis), given(start.values), given(start.edgeWeights));
+    keepEdgeWeights(kept, outcome.solution.basis);
     store_.extendedPrecision = outcome.extended;
     summary_.status = statusCode(outcome);
     store_.iterCount = store_.iterCount0 = outcome.solution.iterations;
     if (summary_.status >= TVK_OPTIMAL && summary_.status <= TVK_CUTOFF)
       store_.concurrentWinMethod = options.method == SimplexMethod::Primal ? kPrimal : kDual;
-    takeResults(lp, std::move(outcome.solution), options.wantCertificates);
+    takeResults(lp, std::move(outcome), options.wantCertificates);
   }
 
-  void takeResults(const LpModel &lp, LpSolution &&solution, bool wantCertificates) {
+  // Available when the final basis is the one that the warm engine worked on.
+  void keepEdgeWeights(RetainedSolve &kept, const Basis &basis) {
+    store_.vDualNorm.clear();
+    store_.cDualNorm.clear();
+    Simplex *simplex = kept.engine().get();
+    if (!simplex || basis.empty() || !simplex->hasBasics(basis)) return;
+    const Vec<double> weights = simplex->edgeWeights();
+    if (weights.empty()) return;
+    store_.vDualNorm.assign(weights.begin(), weights.begin() + kept.lp().numCols);
+    store_.cDualNorm.assign(weights.begin() + kept.lp().numCols, weights.end());
+  }
+
+  void takeResults(const LpModel &lp, LpOutcome &&outcome, bool wantCertificates) {
+    LpSolution &solution = outcome.solution;
     if (summary_.status == TVK_INFEASIBLE && wantCertificates && !solution.farkas.empty())
       store_.farkasProof = orientFarkas(lp, solution.farkas);
     if (!wantCertificates) {
@@ -180,14 +201,15 @@ class LinearSolve {
       solution.rowDual.clear();
       solution.colDual.clear();
     }
-    if (hasPoint) assess(lp, solution);
+    if (hasPoint)
+      assess(outcome.quality ? *outcome.quality
+                             : checkSolution(lp, solution, env_.get(Dbl::FeasibilityTol)));
     storeSolution(model_.data(), std::move(solution), store_);
   }
 
   // Objective, violations and what follows from them.
-  void assess(const LpModel &lp, const LpSolution &solution) {
+  void assess(const SolutionQuality &quality) {
     const double tol = env_.get(Dbl::FeasibilityTol);
-    const SolutionQuality quality = checkSolution(lp, solution, tol);
     summary_.primalViolation = std::max(quality.boundViolation, quality.rowViolation);
     summary_.primalResidual = quality.activityResidual;
     summary_.dualViolation = quality.dualViolation;
@@ -211,6 +233,14 @@ class LinearSolve {
 
 }  // namespace
 
-void solveLinearModel(Model &model, SolveControl &control) { LinearSolve(model, control).run(); }
+void solveLinearModel(Model &model, SolveControl &control) {
+  try {
+    LinearSolve(model, control).run();
+  } catch (...) {
+    // It may have been left halfway between two models.
+    model.solution().solver.reset();
+    throw;
+  }
+}
 
 }  // namespace tarvik

@@ -6,40 +6,16 @@
 #include "attr/fingerprint.h"
 #include "attr/statistics.h"
 #include "base/locale_scope.h"
-#include "opt/env_log.h"
 #include "opt/lp_solve.h"
-#include "opt/options.h"
 #include "opt/param_scope.h"
 #include "opt/result_file.h"
 #include "opt/running_scope.h"
+#include "opt/solve_clock.h"
 #include "opt/solve_log.h"
 
 namespace tarvik {
 
 namespace {
-
-// Measures a solve; the model keeps its time and work on every exit path.
-class SolveClock {
- public:
-  explicit SolveClock(Model &model) : model_(model), log_(model.env()) {
-    control_.log = &log_;
-    control_.limits = solveLimits(model.env());
-    control_.displayInterval = model.env().get(Int::DisplayInterval);
-  }
-  ~SolveClock() {
-    model_.solution().runtime = control_.limits.seconds();
-    model_.solution().work = control_.work.workUnits();
-  }
-  SolveClock(const SolveClock &) = delete;
-  SolveClock &operator=(const SolveClock &) = delete;
-
-  SolveControl &control() { return control_; }
-
- private:
-  Model &model_;
-  EnvLog log_;
-  SolveControl control_;
-};
 
 bool isFinite(double limit) { return std::fabs(limit) < kUserInf; }
 

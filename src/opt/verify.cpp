@@ -17,7 +17,7 @@ constexpr double kComplementarityShare = 1e-6;
 Verdict verifyOptimal(const LpModel &lp, const LpSolution &solution, const Tolerances &tol) {
   Verdict verdict;
   if (static_cast<int>(solution.colValue.size()) != lp.numCols) return verdict;
-  const SolutionQuality quality = checkSolution(lp, solution, tol.primal);
+  const SolutionQuality &quality = verdict.quality.emplace(checkSolution(lp, solution, tol.primal));
   const double primal = std::max(quality.boundViolation, quality.rowViolation) / tol.primal;
   const double dual = std::max(quality.dualViolation, quality.dualResidual) / tol.dual;
   const double gap =

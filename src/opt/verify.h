@@ -6,6 +6,8 @@
 // A stop by a limit claims nothing and is always accepted.
 #pragma once
 
+#include <optional>
+
 #include "lp/check.h"
 
 namespace tarvik {
@@ -24,6 +26,8 @@ struct Verdict {
   bool primalFeasible = false;
   // The largest violation of what the claim needs, for choosing between candidates.
   double violation = 1e100;
+  // Of an optimal claim, measured with the primal tolerance; empty otherwise.
+  std::optional<SolutionQuality> quality;
 };
 
 Verdict verify(const LpModel &lp, const LpSolution &solution, const Tolerances &tolerances);

@@ -9,19 +9,22 @@ template <class Real>
 void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) {
   Engine<Real> &e = engine;
   const int n = e.lp.n, m = e.lp.m;
-  e.head.clear();
-  e.position.assign(n + m, -1);
-  const auto add = [&](VarIndex j) {
-    if (static_cast<int>(e.head.size()) >= m) return;
-    e.position[j] = static_cast<int>(e.head.size());
-    e.head.push_back(j);
-  };
-  for (int j = 0; j < n; ++j)
-    if (basis.col[j] == VarStatus::Basic) add(j);
-  for (int i = 0; i < m; ++i)
-    if (basis.row[i] == VarStatus::Basic) add(n + i);
-  for (int i = 0; i < m; ++i)
-    if (e.position[n + i] < 0) add(n + i);
+  const bool sameBasics = hasBasics(basis);
+  if (!sameBasics) {
+    e.head.clear();
+    e.position.assign(n + m, -1);
+    const auto add = [&](VarIndex j) {
+      if (static_cast<int>(e.head.size()) >= m) return;
+      e.position[j] = static_cast<int>(e.head.size());
+      e.head.push_back(j);
+    };
+    for (int j = 0; j < n; ++j)
+      if (basis.col[j] == VarStatus::Basic) add(j);
+    for (int i = 0; i < m; ++i)
+      if (basis.row[i] == VarStatus::Basic) add(n + i);
+    for (int i = 0; i < m; ++i)
+      if (e.position[n + i] < 0) add(n + i);
+  }
   e.lower = e.lp.lower;
   e.upper = e.lp.upper;
   for (int j = 0; j < n + m; ++j) {
@@ -34,8 +37,69 @@ void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) 
     e.value[j] = values && j < n ? Real((*values)[j]) / e.lp.varScale(j) : Real(0);
     e.placeNonbasic(j);
   }
+  if (sameBasics) {
+    e.valuesFollowed = false;
+    return;
+  }
   e.rowWeight.assign(m, 1.0);
+  e.rowWeightsValid = false;
   e.rebuildRows();
+}
+
+// Whether the basis has exactly the basic variables of the current one.
+template <class Real>
+bool SimplexCore<Real>::hasBasics(const Basis &basis) const {
+  const int n = engine.lp.n, m = engine.lp.m;
+  if (static_cast<int>(engine.position.size()) != n + m) return false;
+  for (int j = 0; j < n; ++j)
+    if ((basis.col[j] == VarStatus::Basic) != (engine.position[j] >= 0)) return false;
+  for (int i = 0; i < m; ++i)
+    if ((basis.row[i] == VarStatus::Basic) != (engine.position[n + i] >= 0)) return false;
+  return true;
+}
+
+template <class Real>
+Vec<double> SimplexCore<Real>::edgeWeights() const {
+  Vec<double> weights;
+  if (!engine.rowWeightsValid) return weights;
+  weights.assign(engine.lp.total(), 1.0);
+  for (int i = 0; i < engine.lp.m; ++i) weights[engine.head[i]] = engine.rowWeight[i];
+  return weights;
+}
+
+template <class Real>
+void SimplexCore<Real>::setEdgeWeights(const Vec<double> &weights) {
+  for (int i = 0; i < engine.lp.m; ++i) {
+    const double weight = weights[engine.head[i]];
+    engine.rowWeight[i] = weight > 0 && weight < kInf ? weight : 1.0;
+  }
+  engine.rowWeightsValid = true;
+}
+
+template <class Real>
+bool SimplexCore<Real>::refresh(SolveControl &control) {
+  engine.control = &control;
+  engine.stability.startSolve(engine.options, engine.lp.m);
+  engine.repaired = false;
+  engine.resetWorkingBounds();
+  engine.resetWorkingCosts();
+  if (!engine.factored && !engine.refactor()) return false;
+  const bool unchanged = !engine.repaired;
+  engine.loadBasicBounds();
+  engine.computePrimal();
+  engine.computeDual();
+  return unchanged;
+}
+
+template <class Real>
+bool SimplexCore<Real>::prefersPrimal(SolveControl &control) {
+  if (!refresh(control)) return false;
+  engine.primalTol = engine.options.primalTol;
+  engine.dualTol = engine.options.dualTol;
+  int primal = 0, dual = 0;
+  engine.primalInfeasibilitySum(&primal);
+  engine.dualInfeasibilitySum(&dual);
+  return primal == 0 && dual > 0;
 }
 
 template <class Real>
@@ -174,26 +238,24 @@ void SimplexCore<Real>::deleteRows(const Vec<char> &mark) {
 
 // Solves with the basis matrix in the user's scale.
 template <class Real>
-void SimplexCore<Real>::ftran(Vec<double> &x) {
-  SolveControl idle;
+void SimplexCore<Real>::ftran(Vec<double> &x, WorkMeter &work) {
   SparseVec<Real> v;
   v.resize(engine.lp.m);
   for (int i = 0; i < engine.lp.m; ++i) v.value[i] = Real(x[i]) * engine.lp.rowScale[i];
   v.rebuild(Real(0));
-  engine.factor.ftran(v, 1.0, idle.work);
+  engine.factor.ftran(v, 1.0, work);
   for (int i = 0; i < engine.lp.m; ++i)
     x[i] = static_cast<double>(v.value[i] * engine.lp.varScale(engine.head[i]));
 }
 
 template <class Real>
-void SimplexCore<Real>::btran(Vec<double> &y) {
-  SolveControl idle;
+void SimplexCore<Real>::btran(Vec<double> &y, WorkMeter &work) {
   SparseVec<Real> v;
   v.resize(engine.lp.m);
   for (int i = 0; i < engine.lp.m; ++i)
     v.value[i] = Real(y[i]) * engine.lp.varScale(engine.head[i]);
   v.rebuild(Real(0));
-  engine.factor.btran(v, 1.0, idle.work);
+  engine.factor.btran(v, 1.0, work);
   for (int i = 0; i < engine.lp.m; ++i)
     y[i] = static_cast<double>(v.value[i] * engine.lp.rowScale[i]);
 }

@@ -175,6 +175,13 @@ class Engine : public EngineState {
   void chargeWork(double entries) { control->work.charge(entries * workRate); }
   void log(bool force);
   void logHeader();
+  // Iterations and the log begin again, as for a new solve of the caller.
+  void restartCounting() {
+    iterations = 0;
+    lastLogIteration = -1;
+    nextLogSeconds = 0;
+    headerPrinted = false;
+  }
   void updateDensity(double &average, const SparseVec<Real> &x) const;
 
   double workRate = 1.3;

@@ -56,6 +56,7 @@ class SimplexEngine {
   LpStatus solve(SimplexMethod method, SolveControl &control);
   bool extended() const { return extended_ != nullptr; }
   LpStatus status() const { return status_; }
+  Engine<double> &doubleEngine() { return double_->engine; }
   EngineState &state() {
     if (extended_) return extended_->engine;
     return double_->engine;
@@ -169,13 +170,32 @@ void Simplex::getSolution(LpSolution &solution) const {
   engine_->visit([&](auto &core) { core.getSolution(engine_->status(), solution); });
 }
 
-void Simplex::basisHead(Vec<VarIndex> &head) { head = engine_->state().head; }
+Vec<double> Simplex::edgeWeights() const {
+  return engine_->visit([](auto &core) { return core.edgeWeights(); });
+}
+void Simplex::setEdgeWeights(const Vec<double> &weights) {
+  engine_->visit([&](auto &core) { core.setEdgeWeights(weights); });
+}
+void Simplex::restartCounting() {
+  engine_->visit([](auto &core) { core.engine.restartCounting(); });
+}
+bool Simplex::refresh(SolveControl &control) {
+  return engine_->visit([&](auto &core) { return core.refresh(control); });
+}
+bool Simplex::prefersPrimal(SolveControl &control) {
+  return engine_->visit([&](auto &core) { return core.prefersPrimal(control); });
+}
+bool Simplex::hasBasics(const Basis &basis) const {
+  return engine_->visit([&](auto &core) { return core.hasBasics(basis); });
+}
 
-void Simplex::ftran(Vec<double> &x) {
-  engine_->visit([&](auto &core) { core.ftran(x); });
+const Vec<VarIndex> &Simplex::basisHead() const { return engine_->state().head; }
+void Simplex::ftran(Vec<double> &x, WorkMeter &work) {
+  engine_->visit([&](auto &core) { core.ftran(x, work); });
 }
-void Simplex::btran(Vec<double> &y) {
-  engine_->visit([&](auto &core) { core.btran(y); });
+void Simplex::btran(Vec<double> &y, WorkMeter &work) {
+  engine_->visit([&](auto &core) { core.btran(y, work); });
 }
+Engine<double> &Simplex::core() { return engine_->doubleEngine(); }
 
 }  // namespace tarvik

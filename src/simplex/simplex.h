@@ -17,6 +17,8 @@ namespace tarvik {
 enum class SimplexMethod { Primal, Dual };
 
 class SimplexEngine;
+template <class Real>
+class Engine;
 
 class Simplex {
  public:
@@ -41,9 +43,15 @@ class Simplex {
   // refactorization with repair.
   void deleteRows(const Vec<char> &mark);
 
-  // Installs a basis (repaired when singular). Superbasic variables keep the given value.
+  // Installs a basis (repaired when singular). Superbasic variables keep the given value. The
+  // factors and the edge weights of a basis that has the same basic variables stay in use.
   void setBasis(const Basis &basis, const Vec<double> *superbasicValues = nullptr);
   Basis basis() const;
+
+  // Dual steepest-edge weights by variable, columns first, in the engine's scale; entries of
+  // nonbasic variables mean nothing and come out as 1. Empty: the weights are not known.
+  Vec<double> edgeWeights() const;
+  void setEdgeWeights(const Vec<double> &weights);
 
   // Solves from the current basis. Resumable: a stop by a limit keeps the basis.
   LpStatus solve(SimplexMethod method, SolveControl &control);
@@ -51,16 +59,29 @@ class Simplex {
   // True while the engine computes in extended precision.
   bool extended() const;
 
+  // Iterations and the log begin again at zero.
+  void restartCounting();
+
+  // Factors of the current basis with the values and reduced costs of the true problem, as a
+  // solve leaves them. False when a singular basis had to be changed for it.
+  bool refresh(SolveControl &control);
+  // True when the current basis is primal feasible, but not dual feasible.
+  bool prefersPrimal(SolveControl &control);
+  bool hasBasics(const Basis &basis) const;
+
   // The result of the last solve.
-  double iterations() const;  // of this engine's whole life
+  double iterations() const;  // since load() or restartCounting()
   double objective() const;   // primal objective of the current basic solution
   void getSolution(LpSolution &solution) const;
 
   // Solves with the current basis matrix, in the user's scale. Basis columns are structural
   // columns of A, or unit vectors e_i for the logical of row i.
-  void basisHead(Vec<VarIndex> &head);
-  void ftran(Vec<double> &x);
-  void btran(Vec<double> &y);
+  const Vec<VarIndex> &basisHead() const;
+  void ftran(Vec<double> &x, WorkMeter &work);
+  void btran(Vec<double> &y, WorkMeter &work);
+
+  // The state behind the interface, for the analysis of a basis; not in extended precision.
+  Engine<double> &core();
 
  private:
   std::unique_ptr<SimplexEngine> engine_;

@@ -57,7 +57,15 @@ bool SimplexCore<Real>::boundsCross() {
 
 template <class Real>
 PhaseResult SimplexCore<Real>::runMethod(SimplexMethod method, bool perturb) {
-  return method == SimplexMethod::Dual ? dual_.run(perturb) : primal_.run(perturb);
+  if (method == SimplexMethod::Dual) {
+    const PhaseResult result = dual_.run(perturb);
+    engine.rowWeightsValid = true;
+    return result;
+  }
+  const double before = engine.iterations;
+  const PhaseResult result = primal_.run(perturb);
+  if (engine.iterations != before) engine.rowWeightsValid = false;
+  return result;
 }
 
 // Alternates between the algorithms until one ends with a verdict for the true problem.

@@ -39,8 +39,13 @@ class SimplexCore {
   void addRows(int count, const NzIndex *start, const int *index, const double *value,
                const double *lower, const double *upper);
   void deleteRows(const Vec<char> &mark);
-  void ftran(Vec<double> &x);
-  void btran(Vec<double> &y);
+  void ftran(Vec<double> &x, WorkMeter &work);
+  void btran(Vec<double> &y, WorkMeter &work);
+  bool hasBasics(const Basis &basis) const;
+  Vec<double> edgeWeights() const;
+  void setEdgeWeights(const Vec<double> &weights);
+  bool refresh(SolveControl &control);
+  bool prefersPrimal(SolveControl &control);
   int tightenings() const { return tightenings_; }
   int recoveries() const { return recoveries_; }
 

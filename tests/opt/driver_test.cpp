@@ -44,7 +44,8 @@ LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullpt
   SolveControl control;
   control.log = &log;
   control.limits.start();
-  return LpDriver(lp, options, control).run(start, nullptr);
+  WarmEngine engine;
+  return LpDriver(lp, options, control, engine).run(start, nullptr);
 }
 
 // The status, with the freedom that presolve has when nobody asks for certificates.
@@ -160,7 +161,8 @@ TEST(LpDriver, IterationLimitSpansPresolveAndRepair) {
     control.log = &log;
     control.limits.start();
     control.limits.iterationLimit = static_cast<double>(seed % 3);
-    const LpOutcome outcome = LpDriver(lp, options, control).run(nullptr, nullptr);
+    WarmEngine engine;
+    const LpOutcome outcome = LpDriver(lp, options, control, engine).run(nullptr, nullptr);
     EXPECT_LE(outcome.solution.iterations, control.limits.iterationLimit);
     if (outcome.solution.status == LpStatus::Optimal) {
       EXPECT_TRUE(test::isOptimal(lp, outcome.solution, kTol));

@@ -1,0 +1,196 @@
+#include "opt/retained_solve.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "opt/env_log.h"
+#include "opt/lp_from_model.h"
+#include "opt/options.h"
+#include "simplex/condition.h"
+#include "simplex/sensitivity.h"
+
+namespace tarvik {
+
+RetainedSolve &RetainedSolve::of(SolutionStore &store) {
+  if (!store.solver) store.solver.reset(new RetainedSolve);
+  return static_cast<RetainedSolve &>(*store.solver);
+}
+
+void RetainedSolve::follow(const ModelData &data) {
+  if (!filled_ || !sameColumns(data)) {
+    engine_.drop();
+    filled_ = false;
+    lp_ = lpFromModel(data);
+    filled_ = true;
+    return;
+  }
+  if (data.numConstrs() > lp_.numRows) followRows(data);
+  followVectors(data);
+}
+
+// The same columns, or the same with entries of appended rows behind.
+bool RetainedSolve::sameColumns(const ModelData &data) const {
+  const SparseMatrix &now = data.a, &then = lp_.a;
+  if (now.numMajor != then.numMajor || now.numMinor < then.numMinor) return false;
+  if (now.numMinor == then.numMinor)
+    return now.start == then.start && now.index == then.index && now.value == then.value;
+  for (int j = 0; j < then.numMajor; ++j) {
+    const NzIndex length = then.start[j + 1] - then.start[j];
+    if (now.start[j + 1] - now.start[j] < length) return false;
+    const auto from = now.start[j], old = then.start[j];
+    if (!std::equal(now.index.begin() + from, now.index.begin() + from + length,
+                    then.index.begin() + old) ||
+        !std::equal(now.value.begin() + from, now.value.begin() + from + length,
+                    then.value.begin() + old))
+      return false;
+    for (NzIndex k = from + length; k < now.start[j + 1]; ++k)
+      if (now.index[k] < then.numMinor) return false;
+  }
+  return true;
+}
+
+void RetainedSolve::followRows(const ModelData &data) {
+  const int oldRows = lp_.numRows, added = data.numConstrs() - oldRows;
+  SparseMatrix rows;
+  rows.numMajor = added;
+  rows.numMinor = data.numVars();
+  rows.start.assign(static_cast<std::size_t>(added) + 1, 0);
+  const auto forAdded = [&](auto &&visit) {
+    for (int j = 0; j < data.numVars(); ++j)
+      for (NzIndex k = data.a.start[j] + lp_.a.length(j); k < data.a.start[j + 1]; ++k)
+        visit(data.a.index[k] - oldRows, j, data.a.value[k]);
+  };
+  forAdded([&](int row, int, double) { ++rows.start[row + 1]; });
+  for (int i = 0; i < added; ++i) rows.start[i + 1] += rows.start[i];
+  rows.index.resize(static_cast<std::size_t>(rows.start[added]));
+  rows.value.resize(rows.index.size());
+  Vec<NzIndex> fill(rows.start.begin(), rows.start.end() - 1);
+  forAdded([&](int row, int col, double value) {
+    rows.index[fill[row]] = col;
+    rows.value[fill[row]++] = value;
+  });
+  for (int i = oldRows; i < data.numConstrs(); ++i) {
+    const Bounds bounds = rowBounds(data, i);
+    lp_.rowLower.push_back(bounds.lower);
+    lp_.rowUpper.push_back(bounds.upper);
+  }
+  lp_.a = data.a;
+  lp_.numRows = data.numConstrs();
+  if (Simplex *simplex = engine_.get())
+    simplex->addRows(added, rows.start.data(), rows.index.data(), rows.value.data(),
+                     lp_.rowLower.data() + oldRows, lp_.rowUpper.data() + oldRows);
+}
+
+void RetainedSolve::followVectors(const ModelData &data) {
+  Simplex *simplex = engine_.get();
+  for (int j = 0; j < lp_.numCols; ++j) {
+    const Bounds bounds = colBounds(data, j);
+    if (bounds.lower != lp_.colLower[j] || bounds.upper != lp_.colUpper[j]) {
+      lp_.colLower[j] = bounds.lower;
+      lp_.colUpper[j] = bounds.upper;
+      if (simplex) simplex->setColBounds(j, bounds.lower, bounds.upper);
+    }
+    if (data.obj[j] != lp_.cost[j]) {
+      lp_.cost[j] = data.obj[j];
+      if (simplex) simplex->setCost(j, data.obj[j]);
+    }
+  }
+  for (int i = 0; i < lp_.numRows; ++i) {
+    const Bounds bounds = rowBounds(data, i);
+    if (bounds.lower == lp_.rowLower[i] && bounds.upper == lp_.rowUpper[i]) continue;
+    lp_.rowLower[i] = bounds.lower;
+    lp_.rowUpper[i] = bounds.upper;
+    if (simplex) simplex->setRowBounds(i, bounds.lower, bounds.upper);
+  }
+  lp_.offset = data.objCon;
+  if (simplex) simplex->setOffset(data.objCon);
+}
+
+RetainedSolve *RetainedSolve::withBasis(Model &model) {
+  const SolutionStore &store = model.solution();
+  auto *kept = static_cast<RetainedSolve *>(store.solver.get());
+  if (!kept || !kept->filled_ || kept->lp_.numRows == 0 || store.status == TVK_LOADED ||
+      static_cast<int>(store.vbasis.size()) != kept->lp_.numCols ||
+      static_cast<int>(store.cbasis.size()) != kept->lp_.numRows)
+    return nullptr;
+  return kept;
+}
+
+Simplex &RetainedSolve::factoredBasis(Model &model, SolveControl &control, bool &changed) {
+  const SolutionStore &store = model.solution();
+  SimplexOptions options = simplexOptions(model.env());
+  options.logging = false;
+  options.quad = 0;
+  Simplex &simplex = engine_.open(lp_, options);
+  simplex.setBasis(basisFromCodes(model.data(), store.vbasis, store.cbasis),
+                   store.x.empty() ? nullptr : &store.x);
+  changed = !simplex.refresh(control);
+  return simplex;
+}
+
+namespace {
+
+// Runs an analysis of the final basis; false when there is none to analyse.
+template <class Analysis>
+bool analyse(Model &model, Analysis &&analysis) {
+  RetainedSolve *kept = RetainedSolve::withBasis(model);
+  if (!kept) return false;
+  EnvLog log(model.env());
+  SolveControl control;
+  control.log = &log;
+  control.limits.start();
+  bool changed = false;
+  Simplex &simplex = kept->factoredBasis(model, control, changed);
+  if (changed) model.env().log("Warning: basis changed during sensitivity analysis.\n");
+  analysis(simplex, control);
+  return true;
+}
+
+}  // namespace
+
+void RetainedSolve::computeRanges(Model &model) {
+  SolutionStore &store = model.solution();
+  if (store.status != TVK_OPTIMAL) return;
+  const auto infinite = [](Vec<double> &values) {
+    for (double &value : values)
+      if (isInf(value)) value = value > 0 ? kUserInf : -kUserInf;
+  };
+  SensitivityRanges ranges;
+  if (lp_.numRows == 0) {
+    if (!filled_ || store.x.empty()) return;
+    ranges = rangesWithoutRows(lp_, store.x);
+  } else if (!analyse(model, [&](Simplex &simplex, SolveControl &control) {
+               ranges = sensitivityRanges(simplex.core(), control);
+             })) {
+    return;
+  }
+  for (Vec<double> *values : {&ranges.objLow, &ranges.objUp, &ranges.lbLow, &ranges.lbUp,
+                              &ranges.ubLow, &ranges.ubUp, &ranges.rhsLow, &ranges.rhsUp})
+    infinite(*values);
+  store.saObjLow = std::move(ranges.objLow);
+  store.saObjUp = std::move(ranges.objUp);
+  store.saLbLow = std::move(ranges.lbLow);
+  store.saLbUp = std::move(ranges.lbUp);
+  store.saUbLow = std::move(ranges.ubLow);
+  store.saUbUp = std::move(ranges.ubUp);
+  store.saRhsLow = std::move(ranges.rhsLow);
+  store.saRhsUp = std::move(ranges.rhsUp);
+}
+
+double RetainedSolve::conditionEstimate(Model &model) {
+  double kappa = kUndefined;
+  analyse(model, [&](Simplex &simplex, SolveControl &control) {
+    kappa = tarvik::conditionEstimate(simplex, control.work);
+  });
+  return kappa;
+}
+
+double RetainedSolve::conditionExact(Model &model) {
+  double kappa = kUndefined;
+  analyse(model, [&](Simplex &simplex, SolveControl &control) {
+    kappa = tarvik::conditionExact(simplex, control.work);
+  });
+  return kappa;
+}
+
+}  // namespace tarvik

@@ -1,0 +1,45 @@
+// What a linear model keeps from one solve to the next: the LpModel that was solved and a simplex
+// engine with its factorized basis. Before the next solve follow() brings both up to the model
+// data: changed bounds, costs and appended rows are handed to the engine one by one, any other
+// change of the matrix drops it. The same engine answers later what is asked about the final
+// basis: solves with the basis matrix, ranges, condition numbers.
+//
+// Invariant: the engine, when loaded, holds exactly lp(). An exception on the way leaves neither
+// in a usable state; whoever catches one drops the whole object.
+#pragma once
+
+#include "model/model.h"
+#include "opt/warm_engine.h"
+
+namespace tarvik {
+
+class RetainedSolve final : public SolverState, public AccountAllocated {
+ public:
+  // The model's own one, made when there is none. Only for linear models.
+  static RetainedSolve &of(SolutionStore &store);
+
+  const LpModel &lp() const { return lp_; }
+  WarmEngine &engine() { return engine_; }
+  void follow(const ModelData &data);
+
+  // The model's own one when the last solve left a basis that it can factor, else null.
+  static RetainedSolve *withBasis(Model &model);
+  // The engine with the factors of the basis that the store holds, as the last solve left it or
+  // made anew. `changed` says that the stored basis is singular and had to be repaired.
+  Simplex &factoredBasis(Model &model, SolveControl &control, bool &changed);
+
+  void computeRanges(Model &model) override;
+  double conditionEstimate(Model &model) override;
+  double conditionExact(Model &model) override;
+
+ private:
+  bool sameColumns(const ModelData &data) const;
+  void followVectors(const ModelData &data);
+  void followRows(const ModelData &data);
+
+  LpModel lp_;
+  bool filled_ = false;
+  WarmEngine engine_;
+};
+
+}  // namespace tarvik
