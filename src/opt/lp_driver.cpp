@@ -253,7 +253,6 @@ LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
     options.markowitzTol = std::max(options.markowitzTol, step.markowitzTol);
     options.numericFocus = std::max(options.numericFocus, step.numericFocus);
     if (step.unscaled) options.scaleFlag = 0;
-    if (step.extended && options.quad < 0) options.quad = 1;
     if (step.extended && options.quad == -1) {
       options.quad = 1;
       if (!extended_) control_.log->print("Switch to quad precision\n");
