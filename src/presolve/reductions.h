@@ -44,8 +44,9 @@ void undoDoubleton(RecordReader record, PostsolveState &state);
 // Eliminates the column of an entry by the equation of its row; record and bounds are dealt with
 // by the caller.
 void eliminate(Workspace &ws, int position);
-// Both bounds of the column are implied by its rows.
-bool isImpliedFree(const Workspace &ws, int col);
+// The column has no such bound, or a row implies it.
+bool lowerImplied(const Workspace &ws, int col);
+bool upperImplied(const Workspace &ws, int col);
 bool substituteImpliedFree(Workspace &ws);
 void undoSubstitution(RecordReader record, PostsolveState &state);
 

@@ -68,8 +68,6 @@ void eliminate(Workspace &ws, int position) {
   model.addOffset(cost / pivot.value * side);
 }
 
-namespace {
-
 bool lowerImplied(const Workspace &ws, int j) {
   const Col &col = ws.model.col(j);
   if (!col.hasLower()) return true;
@@ -86,8 +84,32 @@ bool upperImplied(const Workspace &ws, int j) {
   return false;
 }
 
+namespace {
+
+double largestInRow(const WorkingModel &model, int row) {
+  double largest = 0;
+  for (const Entry &entry : model.rowEntries(row))
+    largest = std::max(largest, std::fabs(entry.value));
+  return largest;
+}
+
+// The entries that substitution by an equation adds, net of those that go with it.
+double expectedFill(const Row &row, const Col &col) {
+  return static_cast<double>(row.length - 1) * (col.length - 1) - (row.length + col.length - 1);
+}
+
+bool hasShortEquation(const Workspace &ws, int j) {
+  const Col &col = ws.model.col(j);
+  for (const Entry &entry : ws.model.colEntries(j)) {
+    const Row &row = ws.model.row(entry.row);
+    if (row.isEquation() && row.length >= 2 && expectedFill(row, col) <= ws.options.aggFill)
+      return true;
+  }
+  return false;
+}
+
 // The equation to substitute by: the shortest whose pivot is large enough, -1 if there is none.
-int choosePivot(const Workspace &ws, int j, int fillLimit) {
+int choosePivot(const Workspace &ws, int j) {
   const WorkingModel &model = ws.model;
   const Col &col = model.col(j);
   double largestInCol = 0;
@@ -99,13 +121,8 @@ int choosePivot(const Workspace &ws, int j, int fillLimit) {
     if (!row.isEquation() || row.length >= bestLength || row.length < 2) continue;
     const double pivot = std::fabs((*it).value);
     if (pivot < kSubstitutionPivot * largestInCol) continue;
-    const double fill =
-        static_cast<double>(row.length - 1) * (col.length - 1) - (row.length + col.length - 1);
-    if (fill > fillLimit) continue;
-    double largestInRow = 0;
-    for (const Entry &entry : model.rowEntries((*it).row))
-      largestInRow = std::max(largestInRow, std::fabs(entry.value));
-    if (pivot < kSubstitutionPivot * largestInRow) continue;
+    if (expectedFill(row, col) > ws.options.aggFill) continue;
+    if (pivot < kSubstitutionPivot * largestInRow(model, (*it).row)) continue;
     best = it.position();
     bestLength = row.length;
   }
@@ -132,19 +149,33 @@ bool isImpliedFree(const Workspace &ws, int j) {
 }
 
 bool substituteImpliedFree(Workspace &ws) {
-  const int fillLimit = ws.options.aggFill;
   constexpr int kMaxLength = 8;
+  WorkingModel &model = ws.model;
+  // Columns that were looked at before are looked at again when one of their rows has changed.
+  const int lastVisit = ws.substitutionVisit;
+  Vec<int> candidates[kMaxLength + 1];
+  for (int j = 0; j < model.numCols(); ++j) {
+    const Col &col = model.col(j);
+    if (!col.alive || col.length < 2 || col.length > kMaxLength || col.integer) continue;
+    bool changed = col.changedAt > lastVisit;
+    for (auto it = model.colEntries(j).begin(); !changed && it.position() >= 0; ++it)
+      changed = model.row((*it).row).changedAt > lastVisit;
+    if (changed) candidates[col.length].push_back(j);
+  }
+  ws.charge(static_cast<double>(5 * model.entriesLeft()));
+  ws.substitutionVisit = model.clock();
   bool found = false;
-  for (int length = 2; length <= kMaxLength; ++length) {
-    for (int j = 0; j < ws.model.numCols() && !ws.finished(); ++j) {
-      const Col &col = ws.model.col(j);
-      if (!col.alive || col.length != length || col.integer) continue;
-      const int position = choosePivot(ws, j, fillLimit);
-      if (position < 0 || !isImpliedFree(ws, j) || !ws.take()) continue;
+  for (const Vec<int> &columns : candidates) {
+    for (const int j : columns) {
+      const int length = model.col(j).length;
+      if (ws.finished()) return found;
+      if (!model.col(j).alive || length < 2 || length > kMaxLength) continue;
+      if (!hasShortEquation(ws, j) || !lowerImplied(ws, j) || !upperImplied(ws, j)) continue;
+      const int position = choosePivot(ws, j);
+      if (position < 0 || !ws.take()) continue;
       substitute(ws, position);
       found = true;
     }
-    ws.charge(static_cast<double>(ws.model.numCols()));
   }
   return found;
 }

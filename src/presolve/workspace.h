@@ -26,7 +26,8 @@ struct Workspace {
   // Multipliers of rows (as they are now) that prove infeasibility.
   Vec<int> proofRows;
   Vec<double> proofMultipliers;
-  Vec<int> positionOf;  // scratch: entry positions of one row by column, else -1
+  int substitutionVisit = 0;  // clock of the last search for substitutions
+  Vec<int> positionOf;        // scratch: entry positions of one row by column, else -1
 
   bool finished() const {
     return verdict != Verdict::None || stats.reductions >= options.reductionLimit;
