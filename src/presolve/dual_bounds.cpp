@@ -18,17 +18,6 @@ void add(double bound, double coef, double &sum, int &infinite) {
     sum += coef * bound;
 }
 
-// Columns do not become free: one that stays nonbasic at zero would rest on no bound.
-bool canOpenAbove(const Workspace &ws, int j) {
-  const Col &col = ws.model.col(j);
-  return !col.hasUpper() || (col.hasLower() && upperImplied(ws, j));
-}
-
-bool canOpenBelow(const Workspace &ws, int j) {
-  const Col &col = ws.model.col(j);
-  return !col.hasLower() || (col.hasUpper() && lowerImplied(ws, j));
-}
-
 }  // namespace
 
 DualBounds::DualBounds(Workspace &ws) : ws_(ws) {
@@ -42,7 +31,7 @@ DualBounds::DualBounds(Workspace &ws) : ws_(ws) {
   openAbove_.assign(static_cast<std::size_t>(model.numCols()), 0);
   openBelow_.assign(static_cast<std::size_t>(model.numCols()), 0);
   for (int j = 0; j < model.numCols(); ++j) {
-    if (!model.col(j).alive) continue;
+    if (!model.col(j).alive || model.col(j).integer) continue;
     openAbove_[j] = canOpenAbove(ws, j);
     openBelow_[j] = canOpenBelow(ws, j);
   }
@@ -149,15 +138,7 @@ bool DualBounds::secure() {
   // Removing one implied bound may leave another without support: check each afresh.
   for (const int at : needed_) {
     const Derivation &step = log_[at];
-    const Col &col = ws_.model.col(step.col);
-    if (step.fromAbove && col.hasUpper()) {
-      if (!canOpenAbove(ws_, step.col)) return false;
-      ws_.model.setColUpper(step.col, kInf);
-    }
-    if (!step.fromAbove && col.hasLower()) {
-      if (!canOpenBelow(ws_, step.col)) return false;
-      ws_.model.setColLower(step.col, -kInf);
-    }
+    if (!(step.fromAbove ? openAbove(ws_, step.col) : openBelow(ws_, step.col))) return false;
   }
   return true;
 }

@@ -35,6 +35,10 @@ Undo undoOf(RecordKind kind) {
       return undoSubstitution;
     case RecordKind::EquationSide:
       return undoEquationSide;
+    case RecordKind::ParallelRows:
+      return undoParallelRows;
+    case RecordKind::ParallelCols:
+      return undoParallelCols;
   }
   return nullptr;
 }
@@ -65,7 +69,12 @@ void PresolveRun::postsolve(const LpSolution &reducedSolution, LpSolution &full)
     state.x.assign(numCols, 0.0);
     state.activity.assign(numRows, 0.0);
     scatter(reducedSolution.colValue, cols, state.x);
-    scatter(reducedSolution.rowActivity, rows, state.activity);
+    for (const int i : rows) {
+      CompensatedSum sum;
+      for (const Entry &entry : ws.model.rowEntries(i))
+        sum.addProduct(entry.value, state.x[entry.col]);
+      state.activity[i] = sum.value();
+    }
   }
   if (state.hasDual) {
     state.y.assign(numRows, 0.0);

@@ -22,6 +22,8 @@ enum class RecordKind : int {
   Doubleton,
   Substitution,
   EquationSide,
+  ParallelRows,
+  ParallelCols,
 };
 
 // Entries (of a row or a column) as they stand in a record.

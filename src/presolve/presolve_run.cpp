@@ -107,6 +107,8 @@ bool PresolveRun::runRound(int round) {
     if (ws.finished() || interrupted()) return;
     if (reduction(ws)) reduceCheaply();
   };
+  step(mergeParallelRows);
+  step(mergeParallelCols);
   step(fixDominatedCols);
   if (ws.options.aggregate > 0) step(substituteImpliedFree);
   const double removed = before - ws.model.rowsLeft() - ws.model.colsLeft();

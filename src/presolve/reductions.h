@@ -7,6 +7,18 @@
 
 namespace tarvik::presolve {
 
+// implied_bounds.cpp
+// The column has no such bound, or a row implies it.
+bool lowerImplied(const Workspace &ws, int col);
+bool upperImplied(const Workspace &ws, int col);
+// The bound is absent or implied, and the column keeps its other one: columns do not become free,
+// since one that stays nonbasic at zero would rest on no bound.
+bool canOpenAbove(const Workspace &ws, int col);
+bool canOpenBelow(const Workspace &ws, int col);
+// Removes the bound if it can be.
+bool openAbove(Workspace &ws, int col);
+bool openBelow(Workspace &ws, int col);
+
 // fixed_col.cpp
 enum class FixedAt : int { Lower, Upper, Both, Nothing };
 void fixCol(Workspace &ws, int col, double value, FixedAt at);
@@ -44,11 +56,14 @@ void undoDoubleton(RecordReader record, PostsolveState &state);
 // Eliminates the column of an entry by the equation of its row; record and bounds are dealt with
 // by the caller.
 void eliminate(Workspace &ws, int position);
-// The column has no such bound, or a row implies it.
-bool lowerImplied(const Workspace &ws, int col);
-bool upperImplied(const Workspace &ws, int col);
 bool substituteImpliedFree(Workspace &ws);
 void undoSubstitution(RecordReader record, PostsolveState &state);
+
+// parallel_rows.cpp, parallel_cols.cpp
+bool mergeParallelRows(Workspace &ws);
+void undoParallelRows(RecordReader record, PostsolveState &state);
+bool mergeParallelCols(Workspace &ws);
+void undoParallelCols(RecordReader record, PostsolveState &state);
 
 // dominated_col.cpp
 bool fixDominatedCols(Workspace &ws);

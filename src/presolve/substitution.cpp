@@ -54,8 +54,7 @@ void eliminate(Workspace &ws, int position) {
   model.removeCol(pivot.col);
   ws.charge(static_cast<double>(20 * (equation.size() + 1) * (column.size() + 1)));
 
-  if (ws.positionOf.size() < static_cast<std::size_t>(model.numCols()))
-    ws.positionOf.assign(static_cast<std::size_t>(model.numCols()), -1);
+  ws.preparePositions();
   for (const Entry &entry : column)
     addEquation(ws, entry.row, equation, -entry.value / pivot.value, side, ws.positionOf);
   if (cost == 0) return;
@@ -66,22 +65,6 @@ void eliminate(Workspace &ws, int position) {
     model.setCost(entry.col, vanishes ? 0 : moved);
   }
   model.addOffset(cost / pivot.value * side);
-}
-
-bool lowerImplied(const Workspace &ws, int j) {
-  const Col &col = ws.model.col(j);
-  if (!col.hasLower()) return true;
-  for (const Entry &entry : ws.model.colEntries(j))
-    if (ws.model.impliedLower(entry) >= col.lower - ws.roundingTol(col.lower)) return true;
-  return false;
-}
-
-bool upperImplied(const Workspace &ws, int j) {
-  const Col &col = ws.model.col(j);
-  if (!col.hasUpper()) return true;
-  for (const Entry &entry : ws.model.colEntries(j))
-    if (ws.model.impliedUpper(entry) <= col.upper + ws.roundingTol(col.upper)) return true;
-  return false;
 }
 
 namespace {

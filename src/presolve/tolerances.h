@@ -3,6 +3,8 @@
 
 namespace tarvik::presolve {
 
+// Entries of parallel rows and columns agree to this part.
+inline constexpr double kParallel = 1e-12;
 // Values closer than this (relative) are taken as equal: activity bounds against sides, implied
 // bounds against bounds. Larger finds more, and lets reduced solutions violate by as much.
 inline constexpr double kRounding = 1e-9;

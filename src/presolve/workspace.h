@@ -27,7 +27,8 @@ struct Workspace {
   Vec<int> proofRows;
   Vec<double> proofMultipliers;
   int substitutionVisit = 0;  // clock of the last search for substitutions
-  Vec<int> positionOf;        // scratch: entry positions of one row by column, else -1
+  // Scratch: entry positions of one row by column, of one column by row, else -1.
+  Vec<int> positionOf, positionOfRow;
 
   bool finished() const {
     return verdict != Verdict::None || stats.reductions >= options.reductionLimit;
@@ -37,6 +38,10 @@ struct Workspace {
     if (finished()) return false;
     ++stats.reductions;
     return true;
+  }
+  void preparePositions() {
+    positionOf.resize(static_cast<std::size_t>(model.numCols()), -1);
+    positionOfRow.resize(static_cast<std::size_t>(model.numRows()), -1);
   }
   void charge(double units) { control->work.charge(units); }
 

@@ -68,6 +68,7 @@ class RandomLp {
       for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
         activity[lp.a.index[k]] += lp.a.value[k] * point[j];
     }
+    if (lp.numRows > 1 && random_.uniform() < 0.25) repeatRow(lp, activity);
     for (int i = 0; i < lp.numRows; ++i) rowBounds(lp, planted ? activity[i] : number(8));
     if (random_.uniform() < 0.2) lp.offset = number(5);
     return lp;
@@ -120,6 +121,25 @@ class RandomLp {
       }
     }
     lp.a.append(static_cast<int>(index.size()), index.data(), value.data());
+  }
+
+  // Makes a row a multiple of another one.
+  void repeatRow(LpModel &lp, Vec<double> &activity) {
+    const int from = random_.below(lp.numRows);
+    const int to = (from + 1 + random_.below(lp.numRows - 1)) % lp.numRows;
+    const double factor = random_.uniform() < 0.5 ? 1 : -2;
+    SparseMatrix rows = transpose(lp.a), repeated;
+    repeated.clear(lp.numCols);
+    for (int i = 0; i < lp.numRows; ++i) {
+      const int source = i == to ? from : i;
+      Vec<double> values(rows.value.begin() + rows.start[source],
+                         rows.value.begin() + rows.start[source + 1]);
+      if (i == to)
+        for (double &value : values) value *= factor;
+      repeated.append(rows.length(source), rows.index.data() + rows.start[source], values.data());
+    }
+    activity[to] = factor * activity[from];
+    lp.a = transpose(repeated);
   }
 
   void rowBounds(LpModel &lp, double around) {

@@ -1,0 +1,209 @@
+// Two columns that are multiples of each other. With costs in the same proportion they act as
+// one: the kept column stands for kept + factor x gone, over the sum of their ranges. With
+// another cost one of them is the cheaper way to the same effect: when it can go on for ever,
+// the dearer one stays at its bound.
+//
+// Undoing a merge: a sum at its bound has both columns at bounds; a basic sum leaves one of
+// them basic and puts the other at a bound.
+
+#include <algorithm>
+
+#include "presolve/parallel_groups.h"
+#include "presolve/reductions.h"
+
+namespace tarvik::presolve {
+
+namespace {
+
+struct ParallelCols {
+  int kept, gone;
+  double factor;  // gone = factor x kept
+  double keptLower, keptUpper, goneLower, goneUpper;
+};
+
+double factorBetween(Workspace &ws, int kept, int gone) {
+  const WorkingModel &model = ws.model;
+  if (model.col(kept).length != model.col(gone).length) return 0;
+  double factor = 0;
+  for (auto it = model.colEntries(kept).begin(); it.position() >= 0; ++it)
+    ws.positionOfRow[(*it).row] = it.position();
+  bool parallel = true;
+  for (const Entry &entry : model.colEntries(gone)) {
+    const int position = ws.positionOfRow[entry.row];
+    if (position < 0) {
+      parallel = false;
+      break;
+    }
+    const double value = model.entry(position).value;
+    if (factor == 0) factor = entry.value / value;
+    parallel = std::fabs(entry.value - factor * value) <= kParallel * std::fabs(entry.value);
+    if (!parallel) break;
+  }
+  for (const Entry &entry : model.colEntries(kept)) ws.positionOfRow[entry.row] = -1;
+  return parallel ? factor : 0;
+}
+
+// A free sum may end nonbasic at zero: both columns must then have bounds that add up to it.
+bool restsAtZero(const ParallelCols &p) {
+  if (isInf(p.keptLower) && isInf(p.keptUpper) && isInf(p.goneLower) && isInf(p.goneUpper))
+    return true;
+  for (const double k : {p.keptLower, p.keptUpper})
+    for (const double g : {p.goneLower, p.goneUpper})
+      if (!isInf(k) && !isInf(g) && k + p.factor * g == 0) return true;
+  return false;
+}
+
+bool merge(Workspace &ws, const ParallelCols &p) {
+  WorkingModel &model = ws.model;
+  const Col &kept = model.col(p.kept), &gone = model.col(p.gone);
+  if (kept.integer || gone.integer) return false;
+  const bool rising = p.factor > 0;
+  const double low = rising ? p.goneLower : p.goneUpper, up = rising ? p.goneUpper : p.goneLower;
+  const double lower = isInf(low) || isInf(p.keptLower) ? -kInf : p.keptLower + p.factor * low;
+  const double upper = isInf(up) || isInf(p.keptUpper) ? kInf : p.keptUpper + p.factor * up;
+  if (isInf(lower) && isInf(upper) && !restsAtZero(p)) return false;
+  if (!ws.take()) return false;
+  ws.stack.begin(RecordKind::ParallelCols);
+  ws.stack.put(p);
+  model.removeCol(p.gone);
+  if (lower != kept.lower) model.setColLower(p.kept, lower);
+  if (upper != kept.upper) model.setColUpper(p.kept, upper);
+  return true;
+}
+
+// Fixes `dear` at the bound that its reduced cost, of the given sign, sends it to.
+bool fixDearer(Workspace &ws, int dear, bool positive) {
+  const Col &col = ws.model.col(dear);
+  const double bound = positive ? col.lower : col.upper;
+  if (isInf(bound)) {
+    if (!ws.options.dualReductions) return false;
+    ws.dualInfeasible();
+    return true;
+  }
+  if (std::fabs(bound) > kHugeValue || !ws.take()) return false;
+  fixCol(ws, dear, bound, positive ? FixedAt::Lower : FixedAt::Upper);
+  return true;
+}
+
+// With d(gone) = factor x d(kept) + excess: a column that is open in one direction has a reduced
+// cost of known sign, which may give the other's a strict one.
+bool dominate(Workspace &ws, const ParallelCols &p, double excess) {
+  if (ws.model.col(p.kept).integer || ws.model.col(p.gone).integer) return false;
+  const bool positive = excess > 0;
+  const bool rising = p.factor > 0;
+  if (positive == rising ? openAbove(ws, p.kept) : openBelow(ws, p.kept))
+    return fixDearer(ws, p.gone, positive);
+  if (positive ? openBelow(ws, p.gone) : openAbove(ws, p.gone))
+    return fixDearer(ws, p.kept, positive != rising);
+  return false;
+}
+
+bool treatPair(Workspace &ws, int keptIndex, int goneIndex) {
+  const double factor = factorBetween(ws, keptIndex, goneIndex);
+  if (factor == 0) return false;
+  const Col &kept = ws.model.col(keptIndex), &gone = ws.model.col(goneIndex);
+  const ParallelCols p{keptIndex,  goneIndex,  factor,    kept.lower,
+                       kept.upper, gone.lower, gone.upper};
+  const double excess = gone.cost - factor * kept.cost;
+  const double size = std::max(std::fabs(gone.cost), std::fabs(factor * kept.cost));
+  if (std::fabs(excess) <= kParallel * size) return merge(ws, p);
+  if (std::fabs(excess) <= kStrictDual * std::max(1.0, size)) return false;
+  return dominate(ws, p, excess);
+}
+
+}  // namespace
+
+bool mergeParallelCols(Workspace &ws) {
+  const WorkingModel &model = ws.model;
+  ws.preparePositions();
+  Vec<ParallelKey> keys;
+  for (int j = 0; j < model.numCols(); ++j) {
+    const Col &col = model.col(j);
+    if (!col.alive || col.length == 0) continue;
+    double scale = 0;
+    keys.push_back(parallelKey(model.colEntries(j), &Entry::row, j, scale));
+    keys.back().order = col.cost / std::fabs(scale);
+  }
+  std::sort(keys.begin(), keys.end());
+  ws.charge(static_cast<double>(10 * model.entriesLeft()) +
+            50.0 * static_cast<double>(keys.size()));
+  bool found = false;
+  std::size_t kept = 0;
+  for (std::size_t k = 1; k < keys.size() && !ws.finished(); ++k) {
+    const int first = keys[kept].index, second = keys[k].index;
+    if (keys[k].sameGroup(keys[kept]) && treatPair(ws, first, second)) {
+      found = true;
+      if (!model.col(first).alive) kept = k;
+    } else {
+      kept = k;
+    }
+  }
+  return found;
+}
+
+namespace {
+
+VarStatus statusAt(double value, double lower, double upper) {
+  if (value == lower) return VarStatus::AtLower;
+  return value == upper ? VarStatus::AtUpper : VarStatus::Free;
+}
+
+bool within(double value, double lower, double upper) {
+  const double tol = Workspace::roundingTol(value);
+  return (isInf(lower) || value >= lower - tol) && (isInf(upper) || value <= upper + tol);
+}
+
+void place(const ParallelCols &p, double kept, double gone, bool keptBasic, bool goneBasic,
+           PostsolveState &state) {
+  state.x[p.kept] = kept;
+  state.x[p.gone] = gone;
+  state.setCol(p.kept, keptBasic ? VarStatus::Basic : statusAt(kept, p.keptLower, p.keptUpper));
+  state.setCol(p.gone, goneBasic ? VarStatus::Basic : statusAt(gone, p.goneLower, p.goneUpper));
+}
+
+// One column at a bound, the other basic.
+void split(const ParallelCols &p, PostsolveState &state) {
+  const double sum = state.x[p.kept];
+  for (const double gone : {p.goneLower, p.goneUpper}) {
+    const double kept = sum - p.factor * gone;
+    if (!isInf(gone) && within(kept, p.keptLower, p.keptUpper))
+      return place(p, kept, gone, true, false, state);
+  }
+  for (const double kept : {p.keptLower, p.keptUpper}) {
+    const double gone = (sum - kept) / p.factor;
+    if (!isInf(kept) && within(gone, p.goneLower, p.goneUpper))
+      return place(p, kept, gone, false, true, state);
+  }
+  place(p, sum, 0, true, false, state);
+}
+
+// Both columns at the bounds that make up a bound of the sum.
+void splitAtBound(const ParallelCols &p, bool atLower, PostsolveState &state) {
+  const double gone = atLower == (p.factor > 0) ? p.goneLower : p.goneUpper;
+  place(p, atLower ? p.keptLower : p.keptUpper, gone, false, false, state);
+}
+
+void splitZero(const ParallelCols &p, PostsolveState &state) {
+  for (const double k : {p.keptLower, p.keptUpper})
+    for (const double g : {p.goneLower, p.goneUpper})
+      if (!isInf(k) && !isInf(g) && k + p.factor * g == 0)
+        return place(p, k, g, false, false, state);
+  place(p, 0, 0, false, false, state);
+}
+
+}  // namespace
+
+void undoParallelCols(RecordReader record, PostsolveState &state) {
+  const auto p = record.get<ParallelCols>();
+  if (state.hasDual) state.d[p.gone] = p.factor * state.d[p.kept];
+  if (!state.hasPrimal) return;
+  const VarStatus status = state.hasBasis ? state.colStatus[p.kept] : VarStatus::Basic;
+  if (status == VarStatus::AtLower || status == VarStatus::AtUpper)
+    splitAtBound(p, status == VarStatus::AtLower, state);
+  else if (status == VarStatus::Free)
+    splitZero(p, state);
+  else
+    split(p, state);
+}
+
+}  // namespace tarvik::presolve

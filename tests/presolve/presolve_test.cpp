@@ -1,0 +1,157 @@
+// The presolve interface beyond solving: limits, options, warm starts, interrupts.
+#include "presolve/presolve.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "support/lp_checks.h"
+#include "support/random_lp.h"
+#include "support/reference_lp.h"
+
+namespace tarvik {
+namespace {
+
+struct Presolved {
+  SilentLog log;
+  SolveControl control;
+  Presolve presolve;
+  PresolveStatus status;
+  explicit Presolved(const LpModel &lp, const PresolveOptions &options = {},
+                     Progress *progress = nullptr) {
+    control.log = &log;
+    control.progress = progress;
+    status = presolve.run(lp, options, control);
+  }
+};
+
+bool hasReduced(PresolveStatus status) {
+  return status == PresolveStatus::Unchanged || status == PresolveStatus::Reduced ||
+         status == PresolveStatus::Solved;
+}
+
+// A model that reduces away: z satisfies the second row by itself, the first gives y.
+LpModel easyModel() {
+  return test::denseLp({-1, -2, 0}, {{0, 4}, {0, 3}, {0, kInf}}, {{1, 1, 0}, {1, -1, 1}},
+                       {{5, 5}, {1, kInf}});
+}
+
+TEST(Presolve, EveryPrefixOfTheReductionsIsExact) {
+  int cut = 0;
+  for (std::uint64_t seed = 500000; seed < 502000; ++seed) {
+    const LpModel lp = test::randomLp(seed);
+    const LpSolution reference = test::solveReference(lp);
+    if (reference.status != LpStatus::Optimal) continue;
+    for (int limit = 0; limit < 12; ++limit) {
+      SCOPED_TRACE("seed " + std::to_string(seed) + " limit " + std::to_string(limit));
+      PresolveOptions options;
+      options.reductionLimit = limit;
+      Presolved run(lp, options);
+      ASSERT_TRUE(hasReduced(run.status));
+      ASSERT_LE(run.presolve.stats().reductions, limit);
+      cut += run.presolve.stats().reductions == limit;
+      LpSolution full;
+      run.presolve.postsolve(test::solveReference(run.presolve.reduced()), full);
+      ASSERT_TRUE(test::isOptimal(lp, full, 1e-6));
+      ASSERT_TRUE(test::isBasicSolution(lp, full, 1e-6));
+    }
+  }
+  EXPECT_GT(cut, 1000);
+}
+
+TEST(Presolve, OptionsSwitchReductionsOff) {
+  PresolveOptions off;
+  off.level = 0;
+  Presolved untouched(easyModel(), off);
+  EXPECT_EQ(untouched.status, PresolveStatus::Unchanged);
+  EXPECT_EQ(untouched.presolve.reduced().numCols, 3);
+  EXPECT_EQ(untouched.presolve.reduced().a.numNz(), 5);
+
+  PresolveOptions noAggregation;
+  noAggregation.aggregate = 0;
+  const LpModel doubleton =
+      test::denseLp({1, -1, 3}, {{0, 4}, {0, 4}, {0, 9}}, {{1, 1, 0}, {1, -2, 1}, {-1, 3, 2}},
+                    {{5, 5}, {1, kInf}, {2, kInf}});
+  EXPECT_LT(Presolved(doubleton).presolve.reduced().numRows, 3);
+  EXPECT_EQ(Presolved(doubleton, noAggregation).presolve.reduced().numRows, 3);
+}
+
+TEST(Presolve, CountsWhatItRemoves) {
+  const LpModel lp = easyModel();
+  Presolved run(lp);
+  EXPECT_EQ(run.presolve.stats().rowsRemoved, 2);
+  EXPECT_EQ(run.presolve.stats().colsRemoved, 3);
+  EXPECT_EQ(run.presolve.stats().nonzerosRemoved, 5);
+  LpSolution full;
+  run.presolve.postsolve({}, full);
+  EXPECT_TRUE(test::isOptimal(lp, full, 1e-9));
+  EXPECT_NEAR(full.objective, test::solveReference(lp).objective, 1e-9);
+}
+
+TEST(Presolve, ContradictingBoundsAreInfeasible) {
+  LpModel rows = easyModel();
+  rows.rowLower[1] = 2, rows.rowUpper[1] = 1;
+  EXPECT_EQ(Presolved(rows).status, PresolveStatus::Infeasible);
+  LpModel cols = easyModel();
+  cols.colLower[2] = 2, cols.colUpper[2] = 1;
+  EXPECT_EQ(Presolved(cols).status, PresolveStatus::Infeasible);
+  cols.colLower[2] = kInf, cols.colUpper[2] = kInf;
+  EXPECT_EQ(Presolved(cols).status, PresolveStatus::Infeasible);
+}
+
+TEST(Presolve, ACallbackStopsIt) {
+  struct Refusing : Progress {
+    bool onPresolve(const PresolveProgress &) override { return false; }
+  } refusing;
+  EXPECT_EQ(Presolved(easyModel(), {}, &refusing).status, PresolveStatus::Stopped);
+}
+
+TEST(Presolve, IntegralColumnsKeepIntegralSolutions) {
+  // 2x + 3y = 12 with both integral must not become bounds of one real column.
+  const LpModel lp = test::denseLp({1, 1}, {{0, 10}, {0, 10}}, {{2, 3}}, {{12, 12}});
+  const Vec<char> integer{1, 1};
+  PresolveOptions options;
+  options.integer = &integer;
+  Presolved run(lp, options);
+  ASSERT_TRUE(hasReduced(run.status));
+  EXPECT_EQ(run.presolve.reduced().numCols, 2);
+
+  // 2 <= 3x <= 10 is 1 <= x <= 3.
+  const LpModel bounds =
+      test::denseLp({0, 1}, {{0, 10}, {0, 10}}, {{3, 0}, {1, 2}}, {{2, 10}, {3, 5}});
+  Presolved rounded(bounds, options);
+  const LpModel &reduced = rounded.presolve.reduced();
+  ASSERT_EQ(reduced.numCols, 2);
+  EXPECT_EQ(reduced.colLower[0], 1);
+  EXPECT_EQ(reduced.colUpper[0], 3);
+}
+
+TEST(Presolve, WarmStartsHaveOneBasicVariableARow) {
+  test::RandomLpOptions shape;
+  shape.maxRows = 12;
+  shape.maxCols = 16;
+  int nontrivial = 0;
+  for (std::uint64_t seed = 0; seed < 2000; ++seed) {
+    const LpModel lp = test::randomLp(seed, shape);
+    const LpSolution optimum = test::solveReference(lp);
+    if (optimum.status != LpStatus::Optimal) continue;
+    Presolved run(lp);
+    if (!hasReduced(run.status)) continue;
+    Basis crushed;
+    ASSERT_TRUE(run.presolve.crushBasis(optimum.basis, crushed));
+    const auto basics = std::count(crushed.col.begin(), crushed.col.end(), VarStatus::Basic) +
+                        std::count(crushed.row.begin(), crushed.row.end(), VarStatus::Basic);
+    ASSERT_EQ(basics, run.presolve.reduced().numRows);
+    ASSERT_EQ(static_cast<int>(crushed.col.size()), run.presolve.reduced().numCols);
+    nontrivial += basics > 2;
+    for (std::size_t k = 0; k < crushed.col.size(); ++k) {
+      const bool atUpper = crushed.col[k] == VarStatus::AtUpper;
+      ASSERT_FALSE(atUpper && isInf(run.presolve.reduced().colUpper[k]));
+    }
+    EXPECT_FALSE(run.presolve.crushBasis({}, crushed));
+  }
+  EXPECT_GT(nontrivial, 50);
+}
+
+}  // namespace
+}  // namespace tarvik
