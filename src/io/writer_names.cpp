@@ -134,6 +134,18 @@ void WriterNames::checkUniqueConstrs() {
     check_.constrsUsable = check_.qconstrsUsable = check_.genConstrsUsable = false;
 }
 
+void WriterNames::rejectVars(const char *kind, std::string_view name) {
+  model_.env().log("Warning: %s name \"%s\" cannot be read back\n", kind,
+                   std::string(name).c_str());
+  check_.varsUsable = false;
+}
+
+void WriterNames::rejectConstrs(const char *kind, std::string_view name) {
+  model_.env().log("Warning: %s name \"%s\" cannot be read back\n", kind,
+                   std::string(name).c_str());
+  check_.constrsUsable = check_.qconstrsUsable = check_.genConstrsUsable = false;
+}
+
 int WriterNames::entriesOf(int j) {
   if (quadraticEntries_.empty()) {
     quadraticEntries_.assign(data_.numVars(), 0);

@@ -33,6 +33,10 @@ class WriterNames {
   // True when the general constraint has a name of its own to show.
   bool genConstrHasName(int k) const;
 
+  // Generic names from now on, because a format cannot hold this name; the reason is logged.
+  void rejectVars(const char *kind, std::string_view name);
+  void rejectConstrs(const char *kind, std::string_view name);
+
   // True when a check failed and names of the model are replaced by generic ones.
   bool replacesVars() const { return checked_ && !check_.varsUsable; }
   bool replacesConstrs() const { return checked_ && !check_.constrsUsable; }

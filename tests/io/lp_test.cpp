@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <tuple>
+
 #include "file_fixture.h"
 
 namespace tarvik {
@@ -120,6 +123,76 @@ TEST_F(Lp, NamesThatCannotBeReadBackAreReplaced) {
   EXPECT_TRUE(logged("Warning: variable name \"a b\" has a space\n"));
   EXPECT_TRUE(logged("Warning: to let Tarvik read it back, use rlp format\n"));
   EXPECT_NE(text.find("C0(0)"), std::string::npos);
+}
+
+// Every model that is written is read back whole, whatever its names are.
+TEST_F(Lp, OddNamesLoseNothing) {
+  const char *odd[] = {"5",        "1.5e3",     "inf",      "nan",        "st",
+                       "End",      "free",      "a^b",      "a\\b",       "\\a",
+                       "+x",       "-x",        "[x",       "]",          "^",
+                       "(",        ")",         "x)",       ",",          "x,",
+                       "*",        "/",         "/2",       "->",         "<",
+                       "<=x",      "=",         "3x",       "a*b",        "a<b",
+                       "S1",       "x(1)",      "user",     "lazy",       "such",
+                       "subject",  "__pwl(x",   "__pwl(x)", "priority=1", "multi-objectives",
+                       "Constant", "Constant0", "semi",     "0x10",       "infinity"};
+  for (const char *name : odd)
+    for (const bool special : {false, true})
+      for (const char *suffix : {".lp", ".opb", ".mps"}) {
+        const bool binary = suffix == std::string(".opb");
+        if (binary && special) continue;
+        TVKmodel *model = nullptr;
+        const char *names[] = {name, "cuts", "7", "to"};
+        const char *rows[] = {name, "that"};
+        double obj[] = {1, 1, 3, 1}, lb[] = {0, 0, -1e100, 0}, ub[] = {1, 4, 1e100, 1e100};
+        char types[] = {'B', 'I', 'C', 'C'};
+        if (binary) {
+          std::fill(types, types + 4, 'B');
+          std::fill(lb, lb + 4, 0);
+          std::fill(ub, ub + 4, 1);
+        }
+        ASSERT_EQ(TVKnewmodel(env_, &model, "odd", 4, obj, lb, ub, types, names), 0);
+        models_.push_back(model);
+        int ind[] = {0, 1, 2, 3};
+        double val[] = {1, -1, 1, 1};
+        ASSERT_EQ(TVKaddconstr(model, 4, ind, val, '<', 5, rows[0]), 0);
+        ASSERT_EQ(TVKaddconstr(model, 2, ind + 1, val, '>', -2, rows[1]), 0);
+        if (special) {
+          ASSERT_EQ(TVKaddqpterms(model, 1, ind, ind + 2, val), 0);
+          ASSERT_EQ(TVKaddgenconstrMax(model, nullptr, 3, 2, ind, 2.0), 0);
+        }
+        ASSERT_EQ(TVKupdatemodel(model), 0);
+        const std::string file = std::string("o") + suffix;
+        const std::string text = written(model, file);
+        TVKmodel *again = readFile(path(file));
+        ASSERT_NE(again, nullptr) << text;
+        const ModelData &a = model->data(), &b = again->data();
+        ASSERT_EQ(b.numVars(), 4) << text << log_;
+        ASSERT_EQ(b.numConstrs(), 2) << text;
+        // The order of columns may differ, what each of them holds may not.
+        Vec<std::tuple<double, double, double, char, int>> before, after;
+        for (int j = 0; j < 4; ++j) {
+          before.emplace_back(a.obj[j], a.lb[j], a.ub[j], a.vtype[j], a.a.length(j));
+          after.emplace_back(b.obj[j], b.lb[j], b.ub[j], b.vtype[j], b.a.length(j));
+        }
+        std::sort(before.begin(), before.end());
+        std::sort(after.begin(), after.end());
+        EXPECT_EQ(after, before) << text;
+        EXPECT_EQ(b.objCon, 0) << text;
+        EXPECT_EQ(b.q.count(), a.q.count()) << text;
+        EXPECT_EQ(b.numGenConstrs(), a.numGenConstrs()) << text;
+      }
+}
+
+TEST_F(Lp, NumbersAsNamesAreKept) {
+  const std::string text =
+      "\\ Model \n\\ LP format - for model browsing. Use MPS format to capture full model detail.\n"
+      "Minimize\n  1 1 - 1 2 + 3 x\nSubject To\n 7: 2 1 - 1 2 + x <= 4\n 8: 1 2 >= 1\nBounds\n"
+      " 1 free\n 2 <= 5\nGenerals\n 1 x\nEnd\n";
+  TVKmodel *model = read("n.lp", text);
+  EXPECT_EQ(model->data().numVars(), 3);
+  EXPECT_TRUE(logged("Warning: Numeric variable name in LP file ('1') - often the result\n"));
+  EXPECT_EQ(written(model, "m.lp"), text);
 }
 
 TEST_F(Lp, ScenariosAndObjectives) {

@@ -1,5 +1,7 @@
 #include "io/lp/lp_keywords.h"
 
+#include <cmath>
+
 #include "base/number_format.h"
 #include "base/text_reader.h"
 
@@ -74,12 +76,27 @@ bool isLpToken(std::string_view token) {
   }
 }
 
+bool isLpLabel(std::string_view name) {
+  return isLpToken(name) && name.front() != '+' && name.front() != '-' && name.front() != '/' &&
+         name.find_first_of(" \t\r\n\v\f^\\:") == std::string_view::npos;
+}
+
 bool isLpName(std::string_view name) {
+  // Words that are keywords together with what may follow them.
+  static constexpr const char *kReserved[] = {"free", "subject", "such",
+                                              "lazy", "user",    "multi-objectives"};
   double value = 0;
-  return isLpToken(name) && lpSection(name) == LpSection::None && name != "," &&
-         name.front() != '+' && name.front() != '-' && name.front() != '/' &&
-         name.find_first_of("^\\:") == std::string_view::npos && !parseNumber(name, value) &&
-         !equalIgnoringCase(name, "free") && name.substr(0, 6) != "__pwl(";
+  if (!isLpLabel(name) || parseNumber(name, value) || lpSection(name) != LpSection::None)
+    return false;
+  for (const char *word : kReserved)
+    if (equalIgnoringCase(name, word)) return false;
+  return name.front() != ',' && name.front() != ')' && name.back() != ',' && name.back() != ')' &&
+         name.substr(0, 6) != "__pwl(";
+}
+
+bool isNumericLpName(std::string_view name) {
+  double value = 0;
+  return isLpLabel(name) && parseNumber(name, value) && std::isfinite(value);
 }
 
 }  // namespace tarvik

@@ -30,7 +30,12 @@ LpSection lpSection(std::string_view token);
 bool isLpSense(std::string_view token);
 // True for tokens that stand where a name is expected: neither punctuation nor a label.
 bool isLpToken(std::string_view token);
-// True when a name is read back as this name wherever it is written.
+// True when a variable's name is read back as this name wherever it is written.
 bool isLpName(std::string_view name);
+// True for a name that is a number: it is read back behind a coefficient, in bounds and in lists
+// of names, but not where a number may stand as well.
+bool isNumericLpName(std::string_view name);
+// True when the name of a row, an objective or a scenario is read back.
+bool isLpLabel(std::string_view name);
 
 }  // namespace tarvik

@@ -34,7 +34,10 @@ class LpLines {
   void term(double value, std::string_view name) {
     NumberText number;
     const std::string_view sign = value < 0 ? "-" : first_ ? "" : "+";
-    const std::string_view coefficient = formatLpCoefficient(std::fabs(value), number);
+    std::string_view coefficient = formatLpCoefficient(std::fabs(value), number);
+    // Alone, a name that is a number would be read as a constant.
+    double parsed = 0;
+    if (coefficient.empty() && parseNumber(name, parsed)) coefficient = "1";
     std::size_t size = 1 + name.size();
     if (!sign.empty()) size += 1 + sign.size();
     if (!coefficient.empty()) size += 1 + coefficient.size();

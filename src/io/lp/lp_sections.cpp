@@ -37,10 +37,12 @@ void LpParser::parseBound() {
     return column;
   };
   double value = 0;
-  // A number before a relation and a name is a bound; before a relation and a number, a name.
-  const bool numericName = isSense(peek(1)) && vars_.find(peek()) >= 0 &&
-                           (isNumber(peek(2)) || peek(2) == "-" || peek(2) == "+") &&
-                           !isSense(peek(3));
+  // A number before a relation and a name is a bound; before a relation and a number, or before
+  // "free", a name.
+  const bool numericName =
+      vars_.find(peek()) >= 0 && (equalIgnoringCase(peek(1), "free") ||
+                                  (isSense(peek(1)) && !isSense(peek(3)) &&
+                                   (isNumber(peek(2)) || peek(2) == "-" || peek(2) == "+")));
   if (!numericName && takeNumber(value)) {
     if (!isSense(peek())) fail("Unrecognized variable bound");
     const char sense = peek().front();

@@ -27,7 +27,8 @@ class LpWriter {
         out_(out),
         lines_(out),
         names_(model, type == TVK_FILETYPE_RLP || type == TVK_FILETYPE_DLP) {
-    const bool replaced = hasOddNames() || names_.replacesVars() || names_.replacesConstrs() ||
+    rejectOddNames();
+    const bool replaced = names_.replacesVars() || names_.replacesConstrs() ||
                           names_.replacesQConstrs() || names_.replacesGenConstrs();
     if (replaced && type == TVK_FILETYPE_LP)
       model.env().log("Warning: to let Tarvik read it back, use rlp format\n");
@@ -67,11 +68,29 @@ class LpWriter {
   }
 
  private:
-  // True when a variable's name would not be read back as a name.
-  bool hasOddNames() {
-    for (int j = 0; j < data_.numVars(); ++j)
-      if (!isLpName(names_.var(j))) return true;
-    return false;
+  // Names that would not be read back as names give way to generic ones.
+  void rejectOddNames() {
+    const bool plain = data_.q.count() == 0 && data_.qconstrs.empty() && data_.cones.empty() &&
+                       data_.genConstrs.empty() && data_.pwl.empty() && data_.scenarios.empty();
+    for (int j = 0; j < data_.numVars() && !names_.replacesVars(); ++j) {
+      const std::string_view name = names_.var(j);
+      const bool kept = isLpName(name) || (plain && isNumericLpName(name));
+      if (!kept || standsForConstant(j)) names_.rejectVars("variable", name);
+    }
+    const auto check = [&](const char *kind, int count, auto &&nameOf) {
+      for (int k = 0; k < count && !names_.replacesConstrs(); ++k)
+        if (const std::string_view name = nameOf(k); !isLpLabel(name))
+          names_.rejectConstrs(kind, name);
+    };
+    check("constraint", data_.numConstrs(), [&](int i) { return names_.constr(i); });
+    check("Q constraint", data_.numQConstrs(), [&](int k) { return names_.qconstr(k); });
+    check("general constraint", data_.numGenConstrs(), [&](int k) { return names_.genConstr(k); });
+  }
+
+  // True for a variable that a reader would fold into the objective's constant.
+  bool standsForConstant(int j) {
+    return data_.lb[j] == 1 && data_.ub[j] == 1 && data_.a.length(j) == 0 &&
+           names_.var(j).substr(0, 8) == "Constant";
   }
 
   static std::string oneLine(std::string text) {
@@ -163,7 +182,7 @@ class LpWriter {
     out_.put(heading()).put(" multi-objectives\n");
     for (std::size_t n = 0; n < data_.objectives.size(); ++n) {
       const Objective &o = data_.objectives[n];
-      out_.put("  ").put(breaksFields(o.name) ? numbered("OBJ", n) : o.name).put(": ");
+      out_.put("  ").put(!isLpLabel(o.name) ? numbered("OBJ", n) : o.name).put(": ");
       out_.format("Priority=%d ", o.priority);
       out_.put("Weight=").put(number(o.weight)).put(' ');
       out_.put("AbsTol=").put(number(o.absTol)).put(' ');
@@ -427,7 +446,7 @@ class LpWriter {
   }
 
   void writeScenario(const Scenario &s, int index) {
-    out_.put("Scenario ").put(breaksFields(s.name) ? std::to_string(index) : s.name).put('\n');
+    out_.put("Scenario ").put(!isLpLabel(s.name) ? std::to_string(index) : s.name).put('\n');
     if (!s.obj.empty()) out_.put(heading()).put('\n');
     for (std::size_t k = 0; k < s.obj.index().size(); ++k)
       out_.put(' ')

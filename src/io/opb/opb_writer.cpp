@@ -27,6 +27,7 @@ class OpbWriter {
       : model_(model), data_(model.data()), out_(out), names_(model, false, false) {}
 
   void write() {
+    rejectOddNames();
     if (names_.replacesVars())
       model_.env().log("Warning: default variable names used to write opb file\n");
     const SparseMatrix rows = transpose(data_.a);
@@ -39,6 +40,18 @@ class OpbWriter {
   }
 
  private:
+  // Names that would not be read back as names give way to generic ones.
+  void rejectOddNames() {
+    for (int j = 0; j < data_.numVars() && !names_.replacesVars(); ++j) {
+      const std::string_view name = names_.var(j);
+      double number = 0;
+      const bool odd = name.empty() || name.find_first_of(";<>=") != std::string_view::npos ||
+                       std::string_view("+-~*").find(name.front()) != std::string_view::npos ||
+                       parseNumber(name, number) || (data_.objCon != 0 && name == "Constant");
+      if (odd) names_.rejectVars("variable", name);
+    }
+  }
+
   std::string name(int j) {
     if (names_.replacesVars()) return numbered("x", j);
     return std::string(names_.var(j));
