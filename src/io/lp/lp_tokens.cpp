@@ -34,7 +34,7 @@ bool joins(std::string_view first, std::string_view second) {
 
 void LpTokens::Token::set(std::string_view text, int lineNumber) {
   size = static_cast<int>(std::min(text.size(), kMaxLength + 1));
-  std::memcpy(data, text.data(), size);
+  std::copy_n(text.data(), size, data);
   line = lineNumber;
 }
 
