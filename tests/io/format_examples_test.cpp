@@ -7,8 +7,7 @@ namespace {
 class FormatExamples : public FileTest {
  protected:
   static std::string example(const std::string &language) {
-    const std::filesystem::path root = std::filesystem::path(__FILE__).parent_path() / "../..";
-    const std::string text = contents((root / "docs/formats.md").string());
+    const std::string text = contents(TARVIK_SOURCE_DIR "/docs/formats.md");
     const std::size_t start = text.find("```" + language + "\n");
     if (start == std::string::npos) return "";
     const std::size_t begin = text.find('\n', start) + 1;
