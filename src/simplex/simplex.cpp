@@ -161,6 +161,7 @@ bool Simplex::extended() const { return engine_->extended(); }
 LpStatus Simplex::solve(SimplexMethod method, SolveControl &control) {
   return engine_->solve(method, control);
 }
+void Simplex::setIterationCap(double iterations) { engine_->state().iterationCap = iterations; }
 double Simplex::iterations() const { return engine_->state().iterations; }
 double Simplex::objective() const {
   return engine_->visit(

@@ -53,6 +53,9 @@ class Simplex {
   Vec<double> edgeWeights() const;
   void setEdgeWeights(const Vec<double> &weights);
 
+  // The next solve stops, with IterationLimit, once iterations() reaches this.
+  void setIterationCap(double iterations);
+
   // Solves from the current basis. Resumable: a stop by a limit keeps the basis.
   LpStatus solve(SimplexMethod method, SolveControl &control);
 

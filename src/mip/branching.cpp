@@ -1,0 +1,304 @@
+#include "mip/branching.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tarvik {
+
+namespace {
+
+constexpr int kReliable = 8;         // observations in both directions
+constexpr int kMaxCandidates = 100;  // probed at one node
+constexpr int kLookAhead = 9;        // probes without a better score
+constexpr double kFreeIterations = 10000;
+// A branch whose relaxation is worth this much more than the other's is left for later.
+constexpr double kRootMove = 0.4;
+
+double fractionality(double x) { return std::fabs(x - std::round(x)); }
+
+}  // namespace
+
+void Brancher::fractionalColumns(const Domain &domain, const Vec<double> &x, Vec<int> &cols) const {
+  cols.clear();
+  const double tolerance = problem_.tolerances().integral;
+  for (const int j : problem_.integers())
+    if (!domain.isFixed(j) && fractionality(x[j]) > tolerance) cols.push_back(j);
+  // A semi-integral column may be zero or integral within its range.
+  for (const int j : problem_.semis())
+    if (problem_.isIntegral(j) && !domain.isFixed(j) && fractionality(x[j]) > tolerance)
+      cols.push_back(j);
+  const Vec<int> &priority = problem_.model().branchPriority;
+  if (priority.empty() || cols.empty()) return;
+  int highest = priority[cols[0]];
+  for (const int j : cols) highest = std::max(highest, priority[j]);
+  cols.erase(std::remove_if(cols.begin(), cols.end(), [&](int j) { return priority[j] < highest; }),
+             cols.end());
+}
+
+int Brancher::reliability() const {
+  const double allowed = 0.5 * nodeIterations_ + kFreeIterations;
+  if (strongIterations_ < allowed) return kReliable;
+  return strongIterations_ < 2 * allowed ? 1 : 0;
+}
+
+double Brancher::iterationsPerProbe() const {
+  const double average = nodeSolves_ > 0 ? nodeIterations_ / nodeSolves_ : 100;
+  return std::min(std::max(2 * average, 10.0), 500.0);
+}
+
+double Brancher::scoreOf(int col, double downGain, double upGain) const {
+  const double cutoffs = pseudoCosts_.cutoffRate(col, false) + pseudoCosts_.cutoffRate(col, true);
+  const double average = pseudoCosts_.averageScore();
+  return PseudoCosts::score(downGain, upGain) / std::max(average, 1e-12) + 0.01 * cutoffs;
+}
+
+bool Brancher::upFirst(int col, double x, double downGain, double upGain) const {
+  if (options_.branchDir != 0) return options_.branchDir > 0;
+  if (!rootX_.empty() && std::fabs(x - rootX_[col]) > kRootMove) return x > rootX_[col];
+  if (problem_.isBinary(col) && problem_.upLocks(col) != problem_.downLocks(col) &&
+      std::min(problem_.upLocks(col), problem_.downLocks(col)) == 0)
+    return problem_.upLocks(col) == 0;
+  const double up = upGain * (1 - (x - std::floor(x)));
+  const double down = downGain * (x - std::floor(x));
+  return up == down ? x - std::floor(x) > 0.5 : up < down;
+}
+
+Branching Brancher::split(int col, double x) const {
+  Branching branching;
+  branching.result = Branching::Split;
+  branching.col = col;
+  branching.value = x;
+  branching.down.push_back({col, BoundSide::Upper, std::floor(x)});
+  branching.up.push_back({col, BoundSide::Lower, std::floor(x) + 1});
+  return branching;
+}
+
+Brancher::Probe Brancher::probe(int col, bool up, double x, Domain &domain, Relaxation &lp,
+                                const NodeBasis &basis, const Vec<double> &weights,
+                                SolutionSink &sink, SolveControl &control) {
+  Probe result;
+  const int level = domain.level();
+  const double before = lp.iterations();
+  const Vec<BoundChange> change{
+      {col, up ? BoundSide::Lower : BoundSide::Upper, up ? std::floor(x) + 1 : std::floor(x)}};
+  if (!domain.decide(change) || !domain.propagate(control.work)) {
+    result.infeasible = true;
+    domain.backtrackTo(level);
+    return result;
+  }
+  lp.follow(domain);
+  const LpStatus status = lp.solve(control, iterationsPerProbe());
+  strongIterations_ += lp.iterations() - before;
+  result.objective = lp.objective();
+  switch (status) {
+    case LpStatus::Optimal: {
+      result.exact = true;
+      Vec<int> fractional;
+      fractionalColumns(domain, lp.x(), fractional);
+      if (fractional.empty() && result.objective < sink.cutoff())
+        sink.submit(Vec<double>(lp.x()), SolutionSource::Node);
+      result.infeasible = result.objective >= sink.cutoff();
+      break;
+    }
+    case LpStatus::Infeasible:
+    case LpStatus::Cutoff:
+      result.infeasible = true;
+      break;
+    case LpStatus::IterationLimit:
+      break;
+    default:
+      result.stopped = status != LpStatus::Numeric && status != LpStatus::Unbounded;
+      result.objective = -kUserInf;
+  }
+  domain.backtrackTo(level);
+  lp.follow(domain);
+  lp.setBasis(basis);
+  if (!weights.empty()) lp.simplex().setEdgeWeights(weights);
+  return result;
+}
+
+Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink &sink,
+                                   SolveControl &control) {
+  const Vec<double> x(lp.x());
+  const double objective = lp.objective();
+  struct Candidate {
+    int col;
+    double score;
+  };
+  Vec<Candidate> order;
+  for (const int j : candidates_)
+    order.push_back({j, options_.varBranch == 2
+                            ? fractionality(x[j])
+                            : scoreOf(j, pseudoCosts_.down(j, x[j]), pseudoCosts_.up(j, x[j]))});
+  std::stable_sort(order.begin(), order.end(),
+                   [](const Candidate &a, const Candidate &b) { return a.score > b.score; });
+  const int reliable = options_.varBranch < 0    ? reliability()
+                       : options_.varBranch == 3 ? kMaxInt
+                                                 : 0;
+  Branching best;
+  double bestScore = -1;
+  int probed = 0, sinceBetter = 0;
+  std::shared_ptr<const NodeBasis> basis;
+  Vec<double> weights;
+  for (const Candidate &candidate : order) {
+    const int j = candidate.col;
+    double downGain = pseudoCosts_.down(j, x[j]), upGain = pseudoCosts_.up(j, x[j]);
+    double downBound = objective, upBound = objective;
+    double score = candidate.score;
+    const bool unsure =
+        std::min(pseudoCosts_.count(j, false), pseudoCosts_.count(j, true)) < reliable;
+    if (unsure && probed < kMaxCandidates && sinceBetter < kLookAhead) {
+      if (!basis) {
+        basis = lp.basis();
+        weights = lp.simplex().edgeWeights();
+      }
+      ++probed;
+      const Probe down = probe(j, false, x[j], domain, lp, *basis, weights, sink, control);
+      const Probe up = probe(j, true, x[j], domain, lp, *basis, weights, sink, control);
+      if (down.stopped || up.stopped) {
+        best.result = Branching::Stopped;
+        return best;
+      }
+      const double f = x[j] - std::floor(x[j]);
+      if (down.infeasible) pseudoCosts_.noteCutoff(j, false);
+      if (up.infeasible) pseudoCosts_.noteCutoff(j, true);
+      if (down.infeasible && up.infeasible) {
+        best.result = Branching::Pruned;
+        return best;
+      }
+      if (down.infeasible || up.infeasible) {
+        const BoundSide side = down.infeasible ? BoundSide::Lower : BoundSide::Upper;
+        const double bound = std::floor(x[j]) + (down.infeasible ? 1 : 0);
+        best.result = domain.tighten(j, side, bound, {Reason::Other, -1}) ? Branching::Tightened
+                                                                          : Branching::Pruned;
+        return best;
+      }
+      downBound = std::max(down.objective, objective);
+      upBound = std::max(up.objective, objective);
+      downGain = downBound - objective;
+      upGain = upBound - objective;
+      if (down.exact) pseudoCosts_.update(j, -f, downGain);
+      if (up.exact) pseudoCosts_.update(j, 1 - f, upGain);
+      score = scoreOf(j, downGain, upGain);
+      sinceBetter = score > bestScore ? 0 : sinceBetter + 1;
+    }
+    if (score <= bestScore) continue;
+    bestScore = score;
+    best = split(j, x[j]);
+    best.downGain = downGain;
+    best.upGain = upGain;
+    best.downBound = downBound;
+    best.upBound = upBound;
+    best.upFirst = upFirst(j, x[j], downGain, upGain);
+  }
+  return best;
+}
+
+Branching Brancher::chooseSemi(const Domain &domain, const Vec<double> &x) const {
+  Branching best;
+  double worst = problem_.tolerances().integral;
+  for (const int j : problem_.semis()) {
+    const double lower = problem_.model().semiLower[j];
+    // Zero must still be possible, and the value strictly between zero and the range.
+    if (domain.lower(j) > 0 || domain.upper(j) < lower) continue;
+    const double off = std::min(x[j], lower - x[j]);
+    if (off <= worst) continue;
+    worst = off;
+    best = {};
+    best.result = Branching::Split;
+    best.down.push_back({j, BoundSide::Upper, 0});
+    best.up.push_back({j, BoundSide::Lower, lower});
+    best.upFirst = x[j] > lower / 2;
+  }
+  return best;
+}
+
+// The members are split at their centre of gravity: one child has zeros to the right, the other to
+// the left (Beale and Tomlin, 1970).
+Branching Brancher::chooseSos(const Domain &domain, const Vec<double> &x) const {
+  Branching best;
+  double most = 0;
+  const double tolerance = problem_.tolerances().integral;
+  for (const SosSet &set : problem_.model().sos) {
+    const int count = static_cast<int>(set.cols.size());
+    double weighted = 0, total = 0;
+    int first = -1, last = -1;
+    for (int k = 0; k < count; ++k) {
+      const double size = std::fabs(x[set.cols[k]]);
+      if (size <= tolerance) continue;
+      if (first < 0) first = k;
+      last = k;
+      weighted += size * k;
+      total += size;
+    }
+    const int spread = last - first;
+    if (first < 0 || spread < set.type) continue;
+    if (spread <= most) continue;
+    // Type 1: zeros behind r, or up to it; type 2: the member r itself may stay in both children.
+    const int centre = static_cast<int>(weighted / total);
+    const int r = std::min(std::max(centre, set.type == 1 ? first : first + 1), last - 1);
+    Branching branching;
+    branching.result = Branching::Split;
+    for (int k = 0; k < count; ++k) {
+      const int j = set.cols[k];
+      Vec<BoundChange> *side = nullptr;
+      if (k > r) side = &branching.down;
+      if (set.type == 1 ? k <= r : k < r) side = &branching.up;
+      if (!side) continue;
+      if (domain.lower(j) < 0) side->push_back({j, BoundSide::Lower, 0});
+      if (domain.upper(j) > 0) side->push_back({j, BoundSide::Upper, 0});
+    }
+    branching.upFirst = weighted / total > r;
+    most = spread;
+    best = std::move(branching);
+  }
+  return best;
+}
+
+// For a point that satisfies everything within tolerance, but that was refused: any column that is
+// not fixed yet.
+Branching Brancher::chooseAny(const Domain &domain, const Vec<double> &x) const {
+  int chosen = -1;
+  double most = -1;
+  for (const int j : problem_.integers()) {
+    if (domain.isFixed(j)) continue;
+    if (fractionality(x[j]) <= most) continue;
+    most = fractionality(x[j]);
+    chosen = j;
+  }
+  if (chosen < 0) return {};
+  const double value =
+      std::min(std::max(std::round(x[chosen]), domain.lower(chosen)), domain.upper(chosen));
+  Branching branching = split(chosen, value);
+  if (value == domain.upper(chosen)) branching = split(chosen, value - 0.5);
+  branching.upFirst = value == domain.upper(chosen);
+  return branching;
+}
+
+Branching Brancher::choose(Domain &domain, Relaxation &lp, SolutionSink &sink,
+                           SolveControl &control) {
+  fractionalColumns(domain, lp.x(), candidates_);
+  if (!candidates_.empty()) return chooseIntegral(domain, lp, sink, control);
+  Branching branching = chooseSemi(domain, lp.x());
+  if (branching.result == Branching::None) branching = chooseSos(domain, lp.x());
+  if (branching.result != Branching::None) return branching;
+  // Everything holds: the caller submits the point, and asks again only when it was refused.
+  if (sink.submit(Vec<double>(lp.x()), SolutionSource::Node) || lp.objective() >= sink.cutoff())
+    return branching;
+  branching = chooseAny(domain, lp.x());
+  if (branching.result == Branching::None) branching.result = Branching::Refused;
+  return branching;
+}
+
+Branching Brancher::chooseBlindly(const Domain &domain) const {
+  Vec<double> x(problem_.numCols(), 0);
+  for (const int j : problem_.integers())
+    x[j] = isInf(domain.lower(j)) ? domain.upper(j) : domain.lower(j);
+  for (double &value : x)
+    if (isInf(value)) value = 0;
+  Branching branching = chooseAny(domain, x);
+  if (branching.result == Branching::None) branching.result = Branching::Refused;
+  return branching;
+}
+
+}  // namespace tarvik

@@ -1,0 +1,80 @@
+// How a node is split: reliability branching on fractional integral columns (strong branching
+// until the pseudo-costs of a column have been observed often enough), then semi-continuous
+// columns off their range, then ordered sets.
+//
+// Literature: Achterberg, Koch and Martin (2005); Linderoth and Savelsbergh (1999).
+#pragma once
+
+#include "mip/heuristics/heuristic.h"
+#include "mip/node_queue.h"
+#include "mip/pseudo_costs.h"
+
+namespace tarvik {
+
+struct Branching {
+  enum Result {
+    None,       // nothing is left to branch on: the point satisfies all discrete conditions
+    Split,      // see the children
+    Tightened,  // bounds of the node were tightened: solve it again
+    Pruned,     // both branches of some column are infeasible or beyond the cutoff
+    Refused,    // everything is fixed, but the point was not accepted
+    Stopped     // a limit
+  } result = None;
+  Vec<BoundChange> down, up;
+  int col = -1;  // of an integral column's branching
+  double value = 0;
+  double downBound = -kUserInf, upBound = -kUserInf;  // what strong branching has proven
+  double downGain = 0, upGain = 0;                    // expected
+  bool upFirst = false;
+};
+
+class Brancher {
+ public:
+  Brancher(const Problem &problem, const MipOptions &options, PseudoCosts &pseudoCosts)
+      : problem_(problem), options_(options), pseudoCosts_(pseudoCosts) {}
+
+  // The domain and the relaxation stand at the node, solved to optimality.
+  Branching choose(Domain &domain, Relaxation &lp, SolutionSink &sink, SolveControl &control);
+
+  // A split without a relaxation to look at, where it could not be solved.
+  Branching chooseBlindly(const Domain &domain) const;
+
+  // Integral columns that are fractional at x.
+  void fractionalColumns(const Domain &domain, const Vec<double> &x, Vec<int> &cols) const;
+  // The point at which the root relaxation was solved, for the choice of the first child.
+  void setRootPoint(const Vec<double> &x) { rootX_ = x; }
+  // Iterations of ordinary node solves so far, which strong branching has to stay in proportion to.
+  void noteNodeIterations(double iterations) {
+    nodeIterations_ += iterations;
+    ++nodeSolves_;
+  }
+  double strongIterations() const { return strongIterations_; }
+
+ private:
+  struct Probe {
+    double objective = 0;  // lower bound of the branch
+    bool infeasible = false, exact = false, stopped = false;
+  };
+
+  Branching chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink &sink,
+                           SolveControl &control);
+  Branching chooseSemi(const Domain &domain, const Vec<double> &x) const;
+  Branching chooseSos(const Domain &domain, const Vec<double> &x) const;
+  Branching chooseAny(const Domain &domain, const Vec<double> &x) const;
+  Probe probe(int col, bool up, double x, Domain &domain, Relaxation &lp, const NodeBasis &basis,
+              const Vec<double> &weights, SolutionSink &sink, SolveControl &control);
+  Branching split(int col, double x) const;
+  bool upFirst(int col, double x, double downGain, double upGain) const;
+  int reliability() const;
+  double iterationsPerProbe() const;
+  double scoreOf(int col, double downGain, double upGain) const;
+
+  const Problem &problem_;
+  const MipOptions &options_;
+  PseudoCosts &pseudoCosts_;
+  Vec<double> rootX_;
+  Vec<int> candidates_;
+  double nodeIterations_ = 0, nodeSolves_ = 0, strongIterations_ = 0;
+};
+
+}  // namespace tarvik

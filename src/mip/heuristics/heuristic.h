@@ -1,0 +1,71 @@
+// Primal heuristics: one interface. A heuristic works on its own copies of domain and relaxation,
+// or on the worker's, which it must leave as it found them, and hands every point it finds to the
+// sink, which checks it.
+#pragma once
+
+#include "base/random.h"
+#include "mip/domain.h"
+#include "mip/mip_options.h"
+#include "mip/relaxation.h"
+
+namespace tarvik {
+
+enum class SolutionSource : int {
+  Node,
+  Start,
+  Rounding,
+  Shifting,
+  Diving,
+  FeasibilityPump,
+  Rins,
+  Rens,
+  Crossover,
+  LocalBranching,
+  ZeroObjective,
+  MinRel,
+  NoRel,
+  FeasibilityJump,
+  Int2Bin,
+  Partition,
+  RelaxAndFix,
+  OneOpt,
+  Trivial
+};
+
+// Where points go. submit() rounds, checks against the problem and against the user's model,
+// repairs continuous values if it has to, and keeps improving solutions; true when the point was
+// accepted.
+class SolutionSink {
+ public:
+  virtual ~SolutionSink() = default;
+  virtual bool submit(const Vec<double> &x, SolutionSource source) = 0;
+  virtual bool hasIncumbent() const = 0;
+  virtual double incumbentObjective() const = 0;     // kUserInf without one
+  virtual const Vec<double> &incumbent() const = 0;  // in the problem's space
+  virtual double cutoff() const = 0;                 // objectives must be below
+};
+
+struct HeuristicContext {
+  const Problem *problem;
+  const MipOptions *options;
+  Domain *domain;        // at the current node, propagated
+  Relaxation *lp;        // solved at the current node
+  const Vec<double> *x;  // its optimum
+  SolutionSink *sink;
+  SolveControl *control;  // limits, work, log
+  class PseudoCosts *pseudoCosts;
+  Random *random;
+  bool root;
+  double nodes;      // explored so far
+  double workLimit;  // on control->work.counted(): give up soon after
+};
+
+class Heuristic {
+ public:
+  virtual ~Heuristic() = default;
+  virtual const char *name() const = 0;
+  // True when the model was proven infeasible by the way.
+  virtual bool run(HeuristicContext &context) = 0;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,34 @@
+// A mixed-integer linear program as the MIP kernel takes it: a linear program, what its columns
+// may be, and ordered sets. Semi-continuous and semi-integer columns are zero or within
+// [semiLower, colUpper]; their colLower in the linear program is min(0, semiLower).
+#pragma once
+
+#include "lp/lp_model.h"
+
+namespace tarvik {
+
+enum class VarKind : char { Continuous, Integer, SemiContinuous, SemiInteger };
+
+inline bool isIntegral(VarKind kind) {
+  return kind == VarKind::Integer || kind == VarKind::SemiInteger;
+}
+inline bool isSemi(VarKind kind) {
+  return kind == VarKind::SemiContinuous || kind == VarKind::SemiInteger;
+}
+
+// At most `type` (1 or 2) members are nonzero; with 2 they are neighbours in the order given.
+struct SosSet {
+  int type = 1;
+  Vec<int> cols;        // in ascending order of their weights
+  Vec<double> weights;  // strictly ascending
+};
+
+struct MipModel {
+  LpModel lp;
+  Vec<VarKind> kind;      // a column
+  Vec<double> semiLower;  // a column; empty without semi columns
+  Vec<SosSet> sos;
+  Vec<int> branchPriority;  // a column; empty: all equal
+};
+
+}  // namespace tarvik

@@ -1,0 +1,58 @@
+// What a MIP solve may be told: plain numbers, named after the parameters they come from.
+#pragma once
+
+#include "base/types.h"
+#include "mip/problem.h"
+#include "presolve/presolve.h"
+#include "simplex/simplex_options.h"
+
+namespace tarvik {
+
+// Effective levels of the cut families: 0 off, 1 moderate, 2 aggressive, -1 automatic.
+struct CutSettings {
+  int cover = 2, clique = 1, implied = 2, projImplied = 0, mir = 1, strongCg = 1, flowCover = 1,
+      mixing = 1, flowPath = 1, gubCover = 1, mipSep = 0, infProof = 2, rlt = 1, relaxLift = 1,
+      bqp = 1, psd = 1, liftProject = -1, zeroHalf = 1, modK = 1, network = 1, subMip = 0;
+  int gomoryPasses = -1;  // -1 automatic, -3 automatic and more aggressive, 0 none
+  int aggregationPasses = -1;
+  int passes = -1;  // rounds at the root; -1 automatic
+};
+
+struct MipOptions {
+  MipTolerances tolerances;
+  SimplexOptions simplex;
+  PresolveOptions presolve;
+  CutSettings cuts;
+
+  double mipGap = 1e-4, mipGapAbs = 1e-10;
+  double cutoff = kUserInf;  // minimization sense
+  double bestObjStop = -kUserInf, bestBdStop = kUserInf;
+  double nodeLimit = kUserInf, iterationLimit = kUserInf;
+  int solutionLimit = kMaxInt;
+  double improveStartTime = kUserInf, improveStartGap = 0, improveStartNodes = kUserInf;
+  bool noSolutionCutoff = false;
+
+  int focus = 0;             // MIPFocus, 4 in the improve-start phase
+  double heuristics = 0.05;  // share of the work
+  int rins = -1;
+  int pumpPasses = -1;
+  int subMipNodes = 500;
+  int startNodeLimit = -1;
+  int minRelNodes = -1, zeroObjNodes = -1;
+  double noRelTime = 0, noRelWork = 0;
+  int varBranch = -1, branchDir = 0;
+  int symmetry = -1;
+  int degenMoves = -1;
+  int nodeMethod = -1;
+  int poolSearchMode = 0, poolSolutions = 10;
+  double poolGap = kUserInf, poolGapAbs = kUserInf;
+  bool presolveMip = true;  // reductions beyond the linear ones
+  bool subMip = false;      // a search inside a search: silent, no nested sub-MIPs
+  int threads = 1;
+  int seed = 0;
+  double displayInterval = 5;
+  bool verbose = false;  // every node is logged
+  double objSense = 1;   // -1: printed objectives are negated
+};
+
+}  // namespace tarvik

@@ -1,0 +1,152 @@
+#include "mip/relaxation.h"
+
+#include <algorithm>
+
+namespace tarvik {
+
+Relaxation::Relaxation(const Problem &problem, const SimplexOptions &options)
+    : problem_(&problem),
+      simplex_(options),
+      lower_(problem.lp().colLower),
+      upper_(problem.lp().colUpper) {
+  simplex_.load(problem.lp());
+}
+
+namespace {
+
+// The bound of a continuous column without what rows imply: such bounds would only make the
+// relaxation degenerate.
+double boundForLp(const Domain &domain, int col, BoundSide side) {
+  const double bound = side == BoundSide::Lower ? domain.lower(col) : domain.upper(col);
+  if (domain.problem().isIntegral(col) || domain.isFixed(col)) return bound;
+  int position = domain.position(col, side);
+  while (position >= 0) {
+    const TrailEntry &entry = domain.trail()[position];
+    if (entry.reason.kind != Reason::Row && entry.reason.kind != Reason::Objective)
+      return entry.value;
+    position = entry.previous;
+  }
+  const LpModel &lp = domain.problem().lp();
+  return side == BoundSide::Lower ? lp.colLower[col] : lp.colUpper[col];
+}
+
+}  // namespace
+
+void Relaxation::follow(Domain &domain) {
+  for (const int j : domain.takeChanged()) {
+    const double lower = boundForLp(domain, j, BoundSide::Lower);
+    const double upper = boundForLp(domain, j, BoundSide::Upper);
+    if (lower == lower_[j] && upper == upper_[j]) continue;
+    lower_[j] = lower;
+    upper_[j] = upper;
+    simplex_.setColBounds(j, lower, upper);
+  }
+}
+
+void Relaxation::setCutoff(double cutoff) {
+  simplex_.options().cutoff = std::min(cutoff, kUserInf);
+}
+
+LpStatus Relaxation::solve(SolveControl &control, double iterationLimit) {
+  const double before = simplex_.iterations();
+  simplex_.setIterationCap(iterationLimit < kUserInf ? before + iterationLimit : kUserInf);
+  status_ = simplex_.solve(SimplexMethod::Dual, control);
+  totalIterations_ += simplex_.iterations() - before;
+  objective_ = simplex_.objective();
+  if (status_ != LpStatus::Optimal) return status_;
+  simplex_.getSolution(solution_);
+  objective_ = solution_.objective;
+  for (int k = 0; k < numCuts(); ++k) {
+    const bool slack = solution_.basis.row[problem_->numRows() + k] == VarStatus::Basic;
+    cuts_[k].age = slack ? cuts_[k].age + 1 : 0;
+  }
+  return status_;
+}
+
+void Relaxation::addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<int> &ids) {
+  Vec<NzIndex> start{0};
+  Vec<int> index;
+  Vec<double> value, lower, upper;
+  for (std::size_t k = 0; k < cuts.size(); ++k) {
+    const Cut &cut = *cuts[k];
+    index.insert(index.end(), cut.index.begin(), cut.index.end());
+    value.insert(value.end(), cut.value.begin(), cut.value.end());
+    start.push_back(static_cast<NzIndex>(index.size()));
+    lower.push_back(-kInf);
+    upper.push_back(cut.rhs);
+    cuts_.push_back({cuts[k], ids[k]});
+  }
+  simplex_.addRows(static_cast<int>(cuts.size()), start.data(), index.data(), value.data(),
+                   lower.data(), upper.data());
+}
+
+int Relaxation::removeSlackCuts(int age) {
+  Vec<char> mark(numRows(), 0);
+  Vec<Active> kept;
+  for (int k = 0; k < numCuts(); ++k) {
+    if (cuts_[k].age >= age)
+      mark[problem_->numRows() + k] = 1;
+    else
+      kept.push_back(cuts_[k]);
+  }
+  const int removed = numCuts() - static_cast<int>(kept.size());
+  if (removed == 0) return 0;
+  simplex_.deleteRows(mark);
+  cuts_.swap(kept);
+  return removed;
+}
+
+void Relaxation::removeAllCuts() {
+  Vec<char> mark(numRows(), 0);
+  std::fill(mark.begin() + problem_->numRows(), mark.end(), 1);
+  if (numCuts() > 0) simplex_.deleteRows(mark);
+  cuts_.clear();
+}
+
+void Relaxation::row(int i, const int *&index, const double *&value, int &count) const {
+  if (i < problem_->numRows()) {
+    const SparseMatrix &rows = problem_->rows();
+    index = rows.index.data() + rows.start[i];
+    value = rows.value.data() + rows.start[i];
+    count = rows.length(i);
+    return;
+  }
+  const Cut &c = cut(i - problem_->numRows());
+  index = c.index.data();
+  value = c.value.data();
+  count = static_cast<int>(c.index.size());
+}
+
+double Relaxation::rowLower(int i) const {
+  return i < problem_->numRows() ? problem_->lp().rowLower[i] : -kInf;
+}
+double Relaxation::rowUpper(int i) const {
+  return i < problem_->numRows() ? problem_->lp().rowUpper[i] : cut(i - problem_->numRows()).rhs;
+}
+int Relaxation::rowRank(int i) const {
+  return i < problem_->numRows() ? 0 : cut(i - problem_->numRows()).rank;
+}
+
+std::shared_ptr<const NodeBasis> Relaxation::basis() const {
+  auto result = std::allocate_shared<NodeBasis>(AccountAllocator<NodeBasis>());
+  result->basis = simplex_.basis();
+  for (const Active &active : cuts_) result->cutIds.push_back(active.id);
+  return result;
+}
+
+void Relaxation::setBasis(const NodeBasis &from) {
+  Basis basis;
+  basis.col = from.basis.col;
+  const int rows = problem_->numRows();
+  basis.row.assign(from.basis.row.begin(), from.basis.row.begin() + rows);
+  // Both lists of cuts are in the order of their ids.
+  std::size_t next = 0;
+  for (const Active &active : cuts_) {
+    while (next < from.cutIds.size() && from.cutIds[next] < active.id) ++next;
+    const bool known = next < from.cutIds.size() && from.cutIds[next] == active.id;
+    basis.row.push_back(known ? from.basis.row[rows + next] : VarStatus::Basic);
+  }
+  simplex_.setBasis(basis);
+}
+
+}  // namespace tarvik

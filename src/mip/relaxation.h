@@ -1,0 +1,73 @@
+// The linear relaxation of a node: a simplex engine that holds the problem's rows, then the active
+// cuts. Bounds follow a Domain; rows are appended and deleted in place; the basis stays warm.
+#pragma once
+
+#include <memory>
+
+#include "mip/cuts/cut.h"
+#include "simplex/simplex.h"
+
+namespace tarvik {
+
+// A basis shared by the nodes that begin with it.
+struct NodeBasis {
+  Basis basis;      // rows: the problem's rows, then the cuts active at that time
+  Vec<int> cutIds;  // of those cuts
+};
+
+class Relaxation {
+ public:
+  Relaxation(const Problem &problem, const SimplexOptions &options);
+
+  const Problem &problem() const { return *problem_; }
+  Simplex &simplex() { return simplex_; }
+
+  // Bounds of the columns that changed in the domain since the last call.
+  void follow(Domain &domain);
+  void setCutoff(double cutoff);
+
+  // Dual simplex from the current basis, at most iterationLimit iterations.
+  LpStatus solve(SolveControl &control, double iterationLimit = 1e100);
+  LpStatus status() const { return status_; }
+  double objective() const { return objective_; }
+  double iterations() const { return totalIterations_; }  // of all solves
+  // Of the last optimal solve.
+  const Vec<double> &x() const { return solution_.colValue; }
+  const LpSolution &solution() const { return solution_; }
+
+  // Rows beyond the problem's.
+  int numCuts() const { return static_cast<int>(cuts_.size()); }
+  int numRows() const { return problem_->numRows() + numCuts(); }
+  const Cut &cut(int k) const { return *cuts_[k].cut; }
+  int cutId(int k) const { return cuts_[k].id; }
+  void addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<int> &ids);
+  // Deletes cuts whose logical has been basic in `age` successive optimal solves.
+  int removeSlackCuts(int age);
+  void removeAllCuts();
+  // Entries of row i (of the problem, or of a cut), its bounds.
+  void row(int i, const int *&index, const double *&value, int &count) const;
+  double rowLower(int i) const;
+  double rowUpper(int i) const;
+  int rowRank(int i) const;
+
+  std::shared_ptr<const NodeBasis> basis() const;
+  // Statuses for the rows that are there now; cuts that the basis does not know are basic.
+  void setBasis(const NodeBasis &basis);
+
+ private:
+  struct Active {
+    std::shared_ptr<const Cut> cut;
+    int id;
+    int age = 0;
+  };
+
+  const Problem *problem_;
+  Simplex simplex_;
+  Vec<double> lower_, upper_;  // as the engine has them
+  Vec<Active> cuts_;
+  LpSolution solution_;
+  LpStatus status_ = LpStatus::NotSolved;
+  double objective_ = 0, totalIterations_ = 0;
+};
+
+}  // namespace tarvik

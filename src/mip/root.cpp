@@ -1,0 +1,263 @@
+// The root of a search: its relaxation, rounds of cutting planes that go on while they pay, and the
+// heuristics that need a relaxation to start from.
+#include <algorithm>
+#include <cmath>
+
+#include "mip/cuts/cut_filter.h"
+#include "mip/mip_search.h"
+
+namespace tarvik {
+
+namespace {
+
+constexpr int kMaxRounds = 100;
+constexpr int kStallRounds = 8;
+// A round that improves the bound by less than this share of it has stalled.
+constexpr double kLeastImprovement = 1e-4;
+// Cuts whose logical was basic in so many solves leave the relaxation.
+constexpr int kSlackAge = 3;
+
+const char *textOf(LpStatus status) {
+  switch (status) {
+    case LpStatus::Infeasible:
+      return "infeasible";
+    case LpStatus::InfeasibleOrUnbounded:
+      return "infeasible or unbounded";
+    case LpStatus::Unbounded:
+      return "unbounded";
+    case LpStatus::Cutoff:
+      return "cutoff";
+    case LpStatus::IterationLimit:
+      return "iteration limit";
+    case LpStatus::TimeLimit:
+      return "time limit";
+    case LpStatus::Interrupted:
+    case LpStatus::Callback:
+      return "interrupted";
+    case LpStatus::Numeric:
+      return "numerical trouble";
+    case LpStatus::WorkLimit:
+      return "work limit";
+    case LpStatus::MemoryLimit:
+      return "memory limit";
+    default:
+      return "unknown termination status";
+  }
+}
+
+}  // namespace
+
+void MipSearch::reportRoot(double seconds, double work) const {
+  if (options_.subMip) return;
+  const double workUnits = work * 1e-9;
+  if (rootStatus_ == LpStatus::Optimal)
+    control_.log->print(
+        "\nRoot relaxation: objective %.6e, %.0f iterations, %.2f seconds (%.2f work units)\n",
+        options_.objSense * worker_.lpObjective(), rootIterations_, seconds, workUnits);
+  else
+    control_.log->print("\nRoot relaxation: %s, %.0f iterations, %.2f seconds (%.2f work units)\n",
+                        textOf(rootStatus_), rootIterations_, seconds, workUnits);
+}
+
+void MipSearch::rememberRoot() {
+  const LpSolution &solution = worker_.lp().solution();
+  rootX_ = solution.colValue;
+  rootReducedCost_ = solution.colDual;
+  rootObjective_ = solution.objective;
+  rootBound_ = std::max(rootBound_, rootObjective_);
+  worker_.brancher().setRootPoint(rootX_);
+}
+
+void MipSearch::solveRoot() {
+  createSeparators();
+  createHeuristics();
+  Domain &domain = worker_.domain();
+  Relaxation &lp = worker_.lp();
+  if (!domain.propagate(control_.work)) {
+    infeasible_ = rootDone_ = true;
+    status_ = MipStatus::Infeasible;
+    rootStatus_ = LpStatus::Infeasible;
+    return;
+  }
+  const double seconds = control_.limits.seconds(), work = control_.work.counted();
+  lp.follow(domain);
+  lp.setCutoff(cutoff_);
+  lp.solve(control_);
+  rootStatus_ = lp.status();
+  lp.simplex().options().logging = false;
+  rootIterations_ = lp.iterations();
+  reportRoot(control_.limits.seconds() - seconds, control_.work.counted() - work);
+  log_.rootSolved();
+  if (rootStatus_ == LpStatus::Infeasible || rootStatus_ == LpStatus::Cutoff) {
+    rootDone_ = true;
+    infeasible_ = !hasIncumbent();
+    status_ = hasIncumbent() ? MipStatus::Optimal : MipStatus::Infeasible;
+    return;
+  }
+  if (rootStatus_ == LpStatus::Unbounded) {
+    status_ = MipStatus::Unbounded;
+    return;
+  }
+  if (rootStatus_ == LpStatus::Optimal) {
+    rememberRoot();
+    rootCutLoop();
+    runRootHeuristics();
+  }
+  mipCheckTermination();
+  rootDone_ = true;
+  auto root = std::allocate_shared<Node>(AccountAllocator<Node>());
+  root->bound = rootBound_;
+  root->estimate = rootBound_;
+  root->basis = lp.basis();
+  root->id = nextNodeId_++;
+  queue_.push(std::move(root));
+  globalsStale_ = true;
+  mipCheckTermination();
+}
+
+// True when the point ends the search at the root.
+bool MipSearch::rootPointIsFeasible() {
+  Vec<int> fractional;
+  worker_.brancher().fractionalColumns(worker_.domain(), worker_.lp().x(), fractional);
+  lastInfeasibilities_ = static_cast<int>(fractional.size());
+  if (!fractional.empty() || !problem_.semis().empty() || !problem_.model().sos.empty())
+    return false;
+  return submit(Vec<double>(worker_.lp().x()), SolutionSource::Node);
+}
+
+int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
+  SeparationPoint point{};
+  point.problem = &problem_;
+  point.global = &worker_.domain();
+  point.lp = &worker_.lp();
+  const Vec<double> x(worker_.lp().x());
+  point.x = &x;
+  point.work = &control_.work;
+  point.round = round;
+  for (const auto &separator : separators_) {
+    if (control_.limits.pollNow(control_.work, 0) != StopReason::None) break;
+    separator->separate(point, levelOf(separator->family()), cuts);
+  }
+  return static_cast<int>(cuts.size());
+}
+
+MipSearch::Round MipSearch::separateAndSolve(int round) {
+  Relaxation &lp = worker_.lp();
+  Domain &domain = worker_.domain();
+  const double before = lp.objective();
+  Vec<Cut> cuts;
+  if (separateRound(round, cuts) == 0) return Round::Over;
+  CutFilter filter;
+  filter.limit = std::max(100, std::min(2000, problem_.numRows() + problem_.numCols() / 2));
+  Vec<std::shared_ptr<const Cut>> chosen;
+  Vec<int> ids;
+  for (const int k : chooseCuts(cuts, problem_, lp.x(), filter)) {
+    ++cutCounters_[static_cast<int>(cuts[k].family)];
+    chosen.push_back(std::allocate_shared<Cut>(AccountAllocator<Cut>(), std::move(cuts[k])));
+    ids.push_back(nextCutId_++);
+  }
+  if (chosen.empty()) return Round::Over;
+  lp.addCuts(chosen, ids);
+  lp.setCutoff(cutoff_);
+  const LpStatus status = lp.solve(control_);
+  if (status == LpStatus::Infeasible || status == LpStatus::Cutoff) {
+    rootBound_ = hasIncumbent() ? incumbentObjective_ : kUserInf;
+    infeasible_ = !hasIncumbent();
+    return Round::Over;
+  }
+  if (status != LpStatus::Optimal) return Round::Over;
+  rememberRoot();
+  lp.removeSlackCuts(kSlackAge);
+  if (!worker_.tightenByReducedCosts(rootX_, rootReducedCost_, rootObjective_) ||
+      !domain.propagate(control_.work)) {
+    rootBound_ = hasIncumbent() ? incumbentObjective_ : kUserInf;
+    infeasible_ = !hasIncumbent();
+    return Round::Over;
+  }
+  lp.follow(domain);
+  const bool improved =
+      lp.objective() - before > kLeastImprovement * (1 + std::fabs(lp.objective()));
+  return improved ? Round::Improved : Round::Stalled;
+}
+
+void MipSearch::rootCutLoop() {
+  if (rootPointIsFeasible()) return;
+  const int limit = options_.cuts.passes >= 0 ? options_.cuts.passes : kMaxRounds;
+  int stalled = 0;
+  for (int round = 0; round < limit && stalled < kStallRounds; ++round) {
+    mipCheckTermination();
+    if (status_ != MipStatus::Running || separators_.empty()) break;
+    const Round result = separateAndSolve(round);
+    if (result == Round::Over) break;
+    stalled = result == Round::Improved ? 0 : stalled + 1;
+    if (!options_.subMip) log_.nodeLogElapsed(nullptr);
+    log_.nodeLogLine(state(), NodeOutcome::Solved, worker_.lpObjective(), 0, lastInfeasibilities_);
+    if (rootPointIsFeasible()) break;
+  }
+  if (worker_.lp().status() == LpStatus::Optimal) worker_.lp().removeSlackCuts(1);
+  worker_.lp().solve(control_);
+}
+
+void MipSearch::runRootHeuristics() {
+  if (options_.heuristics <= 0) return;
+  for (const auto &heuristic : rootHeuristics_) {
+    mipCheckTermination();
+    if (status_ != MipStatus::Running || worker_.lp().status() != LpStatus::Optimal) return;
+    if (runHeuristic(*heuristic, 10 * options_.heuristics, true)) {
+      infeasible_ = true;
+      rootBound_ = kUserInf;
+      return;
+    }
+  }
+}
+
+int MipSearch::levelOf(CutFamily family) const {
+  const CutSettings &cuts = options_.cuts;
+  switch (family) {
+    case CutFamily::Gomory:
+      return cuts.gomoryPasses != 0 ? 1 : 0;
+    case CutFamily::LiftProject:
+      return cuts.liftProject;
+    case CutFamily::Cover:
+      return cuts.cover;
+    case CutFamily::ImpliedBound:
+      return cuts.implied;
+    case CutFamily::ProjImpliedBound:
+      return cuts.projImplied;
+    case CutFamily::Clique:
+      return cuts.clique;
+    case CutFamily::Mir:
+      return cuts.mir;
+    case CutFamily::Mixing:
+      return cuts.mixing;
+    case CutFamily::StrongCg:
+      return cuts.strongCg;
+    case CutFamily::FlowCover:
+      return cuts.flowCover;
+    case CutFamily::FlowPath:
+      return cuts.flowPath;
+    case CutFamily::GubCover:
+      return cuts.gubCover;
+    case CutFamily::InfProof:
+      return cuts.infProof;
+    case CutFamily::ZeroHalf:
+      return cuts.zeroHalf;
+    case CutFamily::ModK:
+      return cuts.modK;
+    case CutFamily::Network:
+      return cuts.network;
+    default:
+      return 0;
+  }
+}
+
+void MipSearch::createSeparators() {
+  makeSeparators(separators_);
+  separators_.erase(std::remove_if(separators_.begin(), separators_.end(),
+                                   [&](const auto &s) { return levelOf(s->family()) == 0; }),
+                    separators_.end());
+}
+
+void MipSearch::createHeuristics() { makeHeuristics(options_, rootHeuristics_, nodeHeuristics_); }
+
+}  // namespace tarvik

@@ -1,0 +1,190 @@
+#include "mip/worker.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "mip/sos_propagator.h"
+
+namespace tarvik {
+
+namespace {
+// Relaxations solved at one node, as tightening goes on.
+constexpr int kMaxSolves = 50;
+}  // namespace
+
+Worker::Worker(const Problem &problem, const MipOptions &options, SolutionSink &sink,
+               SolveControl &control)
+    : problem_(problem),
+      options_(options),
+      sink_(sink),
+      control_(control),
+      domain_(problem),
+      lp_(problem, options.simplex),
+      pseudoCosts_(problem.numCols()),
+      brancher_(problem, options, pseudoCosts_) {
+  if (problem.model().sos.empty()) return;
+  sosPropagator_ = std::make_unique<SosPropagator>(problem);
+  domain_.addPropagator(sosPropagator_.get());
+}
+
+void Worker::returnToRoot() {
+  domain_.backtrackTo(0);
+  chain_.clear();
+  path_.reset();
+}
+
+// Undoes what the node does not share with the last one and makes its other decisions.
+bool Worker::moveTo(const Node &node) {
+  Vec<std::shared_ptr<const NodePath>> target(node.depth);
+  std::shared_ptr<const NodePath> step = node.path;
+  for (int k = node.depth - 1; k >= 0; --k) {
+    target[k] = step;
+    step = step->parent;
+  }
+  std::size_t common = 0;
+  while (common < chain_.size() && common < target.size() && chain_[common] == target[common])
+    ++common;
+  // The engine still has the parent's basis.
+  const bool continues = path_ && node.path && node.path->parent == path_;
+  domain_.backtrackTo(static_cast<int>(common));
+  chain_.resize(common);
+  path_ = node.path;
+  bool possible = domain_.propagate(control_.work);
+  for (std::size_t k = common; k < target.size() && possible; ++k) {
+    possible = domain_.decide(target[k]->decision) && domain_.propagate(control_.work);
+    chain_.push_back(target[k]);
+  }
+  if (possible && !continues && node.basis) lp_.setBasis(*node.basis);
+  return possible;
+}
+
+LpStatus Worker::solveRelaxation() {
+  lp_.follow(domain_);
+  lp_.setCutoff(sink_.cutoff());
+  const double before = lp_.iterations();
+  LpStatus status = lp_.solve(control_);
+  if (status == LpStatus::Numeric) {
+    // Once more from the slack basis.
+    NodeBasis slack;
+    slack.basis.col.assign(problem_.numCols(), VarStatus::AtLower);
+    slack.basis.row.assign(problem_.numRows(), VarStatus::Basic);
+    lp_.setBasis(slack);
+    status = lp_.solve(control_);
+  }
+  brancher_.noteNodeIterations(lp_.iterations() - before);
+  return status;
+}
+
+void Worker::learnFrom(const Node &node, LpStatus status) {
+  const BranchInfo &info = node.branch;
+  if (info.col < 0) return;
+  if (status == LpStatus::Optimal)
+    pseudoCosts_.update(info.col, info.distance, lp_.objective() - info.parentObjective);
+  else
+    pseudoCosts_.noteCutoff(info.col, info.up);
+}
+
+bool Worker::tightenByReducedCosts(const Vec<double> &x, const Vec<double> &reducedCost,
+                                   double objective) {
+  const double room = sink_.cutoff() - objective;
+  if (sink_.cutoff() >= kUserInf) return true;
+  const double tolerance = problem_.tolerances().dual;
+  for (int j = 0; j < problem_.numCols(); ++j) {
+    const double d = reducedCost[j];
+    if (problem_.kind(j) != VarKind::Integer || std::fabs(d) <= tolerance || domain_.isFixed(j))
+      continue;
+    const bool atLower = d > 0 && x[j] <= domain_.lower(j) + tolerance;
+    const bool atUpper = d < 0 && x[j] >= domain_.upper(j) - tolerance;
+    if (!atLower && !atUpper) continue;
+    const double step = room / std::fabs(d);
+    if (step >= domain_.upper(j) - domain_.lower(j)) continue;
+    const double bound = atLower ? domain_.lower(j) + step : domain_.upper(j) - step;
+    if (!domain_.tighten(j, atLower ? BoundSide::Upper : BoundSide::Lower, bound,
+                         {Reason::Other, -1}))
+      return false;
+  }
+  return true;
+}
+
+bool Worker::pointIsCutOff() const {
+  const Vec<double> &x = lp_.x();
+  const double tolerance = problem_.tolerances().primal;
+  for (int j = 0; j < problem_.numCols(); ++j)
+    if (problem_.isIntegral(j) &&
+        (x[j] < domain_.lower(j) - tolerance || x[j] > domain_.upper(j) + tolerance))
+      return true;
+  return false;
+}
+
+NodeOutcome Worker::outcomeOf(LpStatus status) const {
+  return status == LpStatus::Cutoff ? NodeOutcome::Cutoff : NodeOutcome::Infeasible;
+}
+
+NodeResult Worker::process(Node &node) {
+  NodeResult result;
+  if (!moveTo(node)) {
+    learnFrom(node, LpStatus::Infeasible);
+    result.outcome = NodeOutcome::Infeasible;
+    return result;
+  }
+  for (int round = 0; round < kMaxSolves; ++round) {
+    const LpStatus status = solveRelaxation();
+    if (round == 0 && (status == LpStatus::Optimal || status == LpStatus::Infeasible ||
+                       status == LpStatus::Cutoff))
+      learnFrom(node, status);
+    if (status == LpStatus::Infeasible || status == LpStatus::Cutoff) {
+      result.outcome = outcomeOf(status);
+      return result;
+    }
+    if (status != LpStatus::Optimal) {
+      result.stopped = status != LpStatus::Numeric && status != LpStatus::Unbounded;
+      if (result.stopped) return result;
+      result.branching = brancher_.chooseBlindly(domain_);
+      result.unsolved = result.branching.result != Branching::Split;
+      result.objective = node.bound;
+      return result;
+    }
+    result.objective = lp_.objective();
+    node.bound = std::max(node.bound, result.objective);
+    if (result.objective >= sink_.cutoff()) {
+      result.outcome = NodeOutcome::Cutoff;
+      return result;
+    }
+    if (!tightenByReducedCosts(lp_.x(), lp_.solution().colDual, result.objective) ||
+        !domain_.propagate(control_.work)) {
+      result.outcome = NodeOutcome::Cutoff;
+      return result;
+    }
+    if (pointIsCutOff()) continue;
+    Vec<int> fractional;
+    brancher_.fractionalColumns(domain_, lp_.x(), fractional);
+    result.fractional = static_cast<int>(fractional.size());
+    result.branching = brancher_.choose(domain_, lp_, sink_, control_);
+    switch (result.branching.result) {
+      case Branching::Tightened:
+        if (!domain_.propagate(control_.work)) {
+          result.outcome = NodeOutcome::Infeasible;
+          return result;
+        }
+        continue;
+      case Branching::Pruned:
+        result.outcome = NodeOutcome::Cutoff;
+        return result;
+      case Branching::Stopped:
+        result.stopped = true;
+        return result;
+      case Branching::Refused:
+        result.unsolved = true;
+        return result;
+      case Branching::None:
+      case Branching::Split:
+        return result;
+    }
+  }
+  // Tightening goes on and on: split where we stand.
+  result.branching = brancher_.chooseBlindly(domain_);
+  result.unsolved = result.branching.result != Branching::Split;
+  return result;
+}
+
+}  // namespace tarvik

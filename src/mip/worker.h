@@ -1,0 +1,63 @@
+// One worker of the search: a domain and a relaxation that move from node to node, and what it
+// learns on the way. It shares nothing that changes with others while it runs.
+#pragma once
+
+#include "mip/branching.h"
+#include "mip/node_log.h"
+
+namespace tarvik {
+
+struct NodeResult {
+  NodeOutcome outcome = NodeOutcome::Solved;
+  double objective = -kUserInf;
+  int fractional = 0;
+  Branching branching;
+  bool stopped = false;   // a limit; the node remains open
+  bool unsolved = false;  // numerical trouble kept it from being solved and from being split
+};
+
+class Worker {
+ public:
+  Worker(const Problem &problem, const MipOptions &options, SolutionSink &sink,
+         SolveControl &control);
+
+  Domain &domain() { return domain_; }
+  Relaxation &lp() { return lp_; }
+  PseudoCosts &pseudoCosts() { return pseudoCosts_; }
+  double lpIterations() const { return lp_.iterations(); }
+  double lpObjective() const { return lp_.objective(); }
+  Brancher &brancher() { return brancher_; }
+
+  // Moves to the node, solves its relaxation, tightens and chooses a branching.
+  NodeResult process(Node &node);
+  // Back at level 0; decisions of the node that was processed last are undone.
+  void returnToRoot();
+  // The path of the node processed last; its children continue from here.
+  const std::shared_ptr<const NodePath> &path() const { return path_; }
+
+  // Bounds that reduced costs at an optimum imply under the cutoff; at the current level.
+  // False: the domain became empty.
+  bool tightenByReducedCosts(const Vec<double> &x, const Vec<double> &reducedCost,
+                             double objective);
+
+ private:
+  bool moveTo(const Node &node);
+  LpStatus solveRelaxation();
+  void learnFrom(const Node &node, LpStatus status);
+  bool pointIsCutOff() const;
+  NodeOutcome outcomeOf(LpStatus status) const;
+
+  const Problem &problem_;
+  const MipOptions &options_;
+  SolutionSink &sink_;
+  SolveControl &control_;
+  Domain domain_;
+  Relaxation lp_;
+  PseudoCosts pseudoCosts_;
+  Brancher brancher_;
+  std::unique_ptr<Propagator> sosPropagator_;
+  std::shared_ptr<const NodePath> path_;
+  Vec<std::shared_ptr<const NodePath>> chain_;  // the decisions in force, root first
+};
+
+}  // namespace tarvik
