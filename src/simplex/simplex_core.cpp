@@ -84,8 +84,7 @@ PhaseResult SimplexCore<Real>::run(SimplexMethod method) {
         break;
       case PhaseResult::Optimal:
         if (tightenIfViolated()) break;
-        polish();
-        return result;
+        return polish();
       case PhaseResult::Cutoff:
         // With perturbed costs the bound proves nothing: count again with the true ones.
         if (!engine.costsPerturbed && engine.costShift == ShiftState::None) return result;
@@ -140,12 +139,14 @@ bool SimplexCore<Real>::tightenIfViolated() {
 }
 
 // Goes on with tight tolerances for a few iterations. What does not get better that way is taken
-// back: the optimum within the caller's tolerances stands.
+// back: the optimum within the caller's tolerances stands. Unless it is feasible only because many
+// small violations make up for a large one: then infeasibility is proven here, and the basic
+// solution that shows it misses the caller's tolerance, as it would have on another path.
 template <class Real>
-void SimplexCore<Real>::polish() {
+PhaseResult SimplexCore<Real>::polish() {
   double primal, dual;
   unscaledViolations(primal, dual);
-  if (primal <= tuning::kPolishTol && dual <= tuning::kPolishTol) return;
+  if (primal <= tuning::kPolishTol && dual <= tuning::kPolishTol) return PhaseResult::Optimal;
   const Basis kept = basis();
   const Vec<Real> keptValue = engine.value;
   const Real primalTol = engine.primalTol, dualTol = engine.dualTol;
@@ -163,7 +164,12 @@ void SimplexCore<Real>::polish() {
   engine.iterationCap = 1e100;
   engine.primalTol = primalTol;
   engine.dualTol = dualTol;
-  if (result == PhaseResult::Optimal) return;
+  if (result == PhaseResult::Optimal) return result;
+  if (result == PhaseResult::Infeasible) {
+    unscaledViolations(primal, dual);
+    if (primal > engine.options.primalTol) return result;
+    engine.certificateRow.clear();
+  }
   if (engine.stop == StopReason::IterationLimit) engine.stop = StopReason::None;
   engine.stability.clearExtendRequest();
   setBasis(kept, nullptr);
@@ -171,9 +177,10 @@ void SimplexCore<Real>::polish() {
     if (engine.canEnter(j) && engine.move[j] == 0) engine.value[j] = keptValue[j];
   engine.resetWorkingBounds();
   engine.resetWorkingCosts();
-  if (!engine.refactor()) return;
+  if (!engine.refactor()) return PhaseResult::Trouble;
   engine.computePrimal();
   engine.computeDual();
+  return PhaseResult::Optimal;
 }
 
 template <class Real>

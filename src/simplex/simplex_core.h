@@ -58,7 +58,7 @@ class SimplexCore {
   bool boundsCross();
   bool tightenIfViolated();
   Recovery recover();
-  void polish();
+  PhaseResult polish();
   void unscaledViolations(double &primal, double &dual) const;
 
   DualSimplex<Real> dual_;

@@ -1,0 +1,66 @@
+// Verdicts on models where tolerances leave a choice.
+#include <gtest/gtest.h>
+
+#include "lp/check.h"
+#include "simplex/simplex.h"
+#include "support/ill_conditioned_lp.h"
+
+namespace tarvik::test {
+namespace {
+
+constexpr int kLinks = 60;
+
+// x_1 = 0, x_k+1 - x_k = 0, x_n = gap: infeasible, though a gap of less than kLinks tolerances can
+// be spread over the links until no row misses its bound by a whole tolerance.
+LpModel brokenChain(double gap) {
+  LpModel lp = emptyLp(kLinks + 1, kLinks);
+  for (int k = 0; k < kLinks; ++k) {
+    const int rows[2] = {k, k + 1};
+    const double values[2] = {1, k + 1 < kLinks ? -1.0 : 1.0};
+    lp.a.append(2, rows, values);
+  }
+  lp.colLower.assign(kLinks, -kInf);
+  lp.rowLower.assign(kLinks + 1, 0.0);
+  lp.rowLower[kLinks] = gap;
+  lp.rowUpper = lp.rowLower;
+  return lp;
+}
+
+LpSolution solveFromSpread(const LpModel &lp, double gap, SimplexMethod method) {
+  Basis basis;
+  basis.col.assign(kLinks, VarStatus::Superbasic);
+  basis.row.assign(kLinks + 1, VarStatus::Basic);
+  Vec<double> x(kLinks);
+  for (int k = 0; k < kLinks; ++k) x[k] = gap * (k + 1) / (kLinks + 1);
+  Simplex simplex{SimplexOptions{}};
+  simplex.load(lp);
+  simplex.setBasis(basis, &x);
+  SilentLog log;
+  SolveControl control;
+  control.log = &log;
+  control.limits.start();
+  LpSolution solution;
+  simplex.solve(method, control);
+  simplex.getSolution(solution);
+  return solution;
+}
+
+TEST(Verdict, ViolationsSpreadOverManyRowsAreNotFeasible) {
+  constexpr double kGap = 5e-5;
+  const LpModel lp = brokenChain(kGap);
+  for (const auto method : {SimplexMethod::Dual, SimplexMethod::Primal}) {
+    const LpSolution solution = solveFromSpread(lp, kGap, method);
+    EXPECT_EQ(solution.status, LpStatus::Infeasible);
+    EXPECT_GT(farkasViolation(lp, solution.farkas), 0);
+  }
+}
+
+TEST(Verdict, ContradictionsWithinTheToleranceAreForgiven) {
+  constexpr double kGap = 5e-7;
+  const LpModel lp = brokenChain(kGap);
+  for (const auto method : {SimplexMethod::Dual, SimplexMethod::Primal})
+    EXPECT_EQ(solveFromSpread(lp, kGap, method).status, LpStatus::Optimal);
+}
+
+}  // namespace
+}  // namespace tarvik::test
