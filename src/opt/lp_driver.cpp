@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/compensated_sum.h"
+
 namespace tarvik {
 
 namespace {
@@ -221,11 +223,31 @@ LpStatus LpDriver::stopStatus() {
   return LpStatus::Interrupted;
 }
 
+// Reduced costs exactly as the duals imply them: updated ones drift, and only the duals count.
+void LpDriver::refreshReducedCosts(LpSolution &solution) const {
+  if (static_cast<int>(solution.rowDual.size()) != lp_.numRows ||
+      static_cast<int>(solution.colDual.size()) != lp_.numCols)
+    return;
+  for (int j = 0; j < lp_.numCols; ++j) {
+    CompensatedSum sum(lp_.cost[j]);
+    for (NzIndex k = lp_.a.start[j]; k < lp_.a.start[j + 1]; ++k)
+      sum.addProduct(-solution.rowDual[lp_.a.index[k]], lp_.a.value[k]);
+    solution.colDual[j] = sum.value();
+  }
+}
+
+Verdict LpDriver::judge(LpSolution &solution) const {
+  Verdict verdict = verify(lp_, solution, tolerances_);
+  if (verdict.proven || solution.status != LpStatus::Optimal) return verdict;
+  refreshReducedCosts(solution);
+  return verify(lp_, solution, tolerances_);
+}
+
 LpOutcome LpDriver::settle(LpSolution &&solution) {
   // Presolve gave the distinction up, as it was allowed to.
   const bool undecided = solution.status == LpStatus::InfeasibleOrUnbounded && presolved_ &&
                          options_.presolve.dualReductions;
-  const Verdict verdict = verify(lp_, solution, tolerances_);
+  const Verdict verdict = judge(solution);
   LpOutcome outcome;
   if (verdict.proven || undecided) {
     outcome.solution = std::move(solution);
@@ -262,7 +284,7 @@ LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
     const bool cleanUp = &step == kRepairSteps && warm;
     LpSolution next = cleanUp ? solveFull(method, &lastBasis, nullptr, nullptr)
                               : solveApart(lp_, options, method, warm ? &lastBasis : nullptr);
-    lastVerdict = verify(lp_, next, tolerances_);
+    lastVerdict = judge(next);
     method = repairMethod(next, lastVerdict);
     const bool stopped = isStop(next.status);
     if (!next.basis.empty()) lastBasis = next.basis;

@@ -62,6 +62,9 @@ class LpDriver {
   LpSolution solveWithoutRows() const;
   void logPresolve(const Presolve &presolve, PresolveStatus status) const;
   LpStatus stopStatus();
+  // Verifies, with fresh reduced costs when the kernel's own do not suffice.
+  Verdict judge(LpSolution &solution) const;
+  void refreshReducedCosts(LpSolution &solution) const;
   LpOutcome settle(LpSolution &&solution);
   LpOutcome repair(LpSolution &&doubtful, const Verdict &verdict);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tarvik {
 
@@ -13,13 +14,18 @@ constexpr double kNearly = 1e3;
 constexpr double kRounding = 1 + 1e-6;
 // The part of the objective that may hide in products of duals and distances to bounds.
 constexpr double kComplementarityShare = 1e-6;
+// A reduced cost cannot be closer to what the duals imply than its own rounding.
+constexpr double kDualRounding = 4 * std::numeric_limits<double>::epsilon();
 
 Verdict verifyOptimal(const LpModel &lp, const LpSolution &solution, const Tolerances &tol) {
   Verdict verdict;
   if (static_cast<int>(solution.colValue.size()) != lp.numCols) return verdict;
   const SolutionQuality &quality = verdict.quality.emplace(checkSolution(lp, solution, tol.primal));
   const double primal = std::max(quality.boundViolation, quality.rowViolation) / tol.primal;
-  const double dual = std::max(quality.dualViolation, quality.dualResidual) / tol.dual;
+  double largest = 0;
+  for (const double d : solution.colDual) largest = std::max(largest, std::fabs(d));
+  const double residual = quality.dualResidual - kDualRounding * largest;
+  const double dual = std::max(quality.dualViolation, residual) / tol.dual;
   const double gap =
       quality.complementaritySum / (kComplementarityShare * (1 + std::fabs(quality.objective)));
   const bool complete = static_cast<int>(solution.rowDual.size()) == lp.numRows &&

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "base/random.h"
 #include "support/ill_conditioned_lp.h"
 #include "support/lp_checks.h"
@@ -74,7 +76,8 @@ void expectResult(const LpModel &lp, const LpSolution &expected, const LpOutcome
 }
 
 TEST(LpDriver, AgreesWithTheReferenceOnEveryRoad) {
-  for (std::uint64_t seed = 0; seed < 3000 && !::testing::Test::HasFailure(); ++seed) {
+  const std::uint64_t count = test::randomLpCount(3000);
+  for (std::uint64_t seed = 0; seed < count && !::testing::Test::HasFailure(); ++seed) {
     const LpModel lp = test::randomLp(seed);
     const LpSolution expected = test::solveReference(lp);
     for (const Road &road : kRoads) {
@@ -102,7 +105,8 @@ Basis randomBasis(const LpModel &lp, std::uint64_t seed) {
 }
 
 TEST(LpDriver, AnyWarmStartLeadsToTheSameResult) {
-  for (std::uint64_t seed = 0; seed < 1500 && !::testing::Test::HasFailure(); ++seed) {
+  const std::uint64_t count = test::randomLpCount(3000) / 2;
+  for (std::uint64_t seed = 0; seed < count && !::testing::Test::HasFailure(); ++seed) {
     const LpModel lp = test::randomLp(seed);
     const LpSolution expected = test::solveReference(lp);
     const Basis start = randomBasis(lp, seed);
@@ -148,6 +152,20 @@ TEST(LpDriver, AnOptimalBasisNeedsNoIterations) {
     ++warm;
   }
   EXPECT_GT(warm, 100);
+}
+
+// A reduced cost of 1e12 cannot be stored more exactly than to 1e-4.
+TEST(LpDriver, RoundingOfLargeReducedCostsIsNoResidual) {
+  const LpModel lp = test::denseLp({1e12, 1}, {{0, kInf}, {0, kInf}}, {{0.1, 1}}, {{1, kInf}});
+  LpSolution solution;
+  solution.status = LpStatus::Optimal;
+  solution.colValue = {0, 1};
+  solution.rowActivity = {1};
+  solution.rowDual = {1};
+  solution.colDual = {std::nextafter(1e12 - 0.1, 0.0), 0};
+  EXPECT_TRUE(verify(lp, solution, {}).proven);
+  solution.colDual[0] -= 0.01;
+  EXPECT_FALSE(verify(lp, solution, {}).proven);
 }
 
 // The iteration limit holds for all engines of a solve together.

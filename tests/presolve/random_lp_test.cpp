@@ -92,7 +92,7 @@ Counts compareMany(std::uint64_t first, int count, const test::RandomLpOptions &
 }
 
 TEST(RandomLp, TinyModels) {
-  const Counts counts = compareMany(1, 30000, {}, {});
+  const Counts counts = compareMany(1, test::randomLpCount(30000), {}, {});
   EXPECT_GT(counts.optimal, 5000);
   EXPECT_GT(counts.infeasible, 3000);
   EXPECT_GT(counts.undecided, 3000);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 
 #include "lp/check.h"
 #include "simplex/simplex.h"
@@ -17,11 +16,7 @@ namespace {
 
 constexpr double kTol = 1e-6;
 
-// How many models to try; longer runs set TARVIK_RANDOM_LPS.
-int modelCount() {
-  const char *text = std::getenv("TARVIK_RANDOM_LPS");
-  return text ? std::atoi(text) : 4000;
-}
+int modelCount() { return randomLpCount(4000); }
 
 LpSolution solveWith(Simplex &simplex, SimplexMethod method) {
   SilentLog log;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <initializer_list>
 #include <string>
 #include <utility>
@@ -12,6 +13,12 @@
 #include "lp/lp_model.h"
 
 namespace tarvik::test {
+
+// How many models a test tries: its own number, or TARVIK_RANDOM_LPS for longer runs.
+inline int randomLpCount(int usual) {
+  const char *text = std::getenv("TARVIK_RANDOM_LPS");
+  return text ? std::atoi(text) : usual;
+}
 
 struct RandomLpOptions {
   int maxRows = 6;
