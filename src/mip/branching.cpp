@@ -11,8 +11,11 @@ constexpr int kReliable = 8;         // observations in both directions
 constexpr int kMaxCandidates = 100;  // probed at one node
 constexpr int kLookAhead = 9;        // probes without a better score
 constexpr double kFreeIterations = 10000;
-// A branch whose relaxation is worth this much more than the other's is left for later.
+// A value that has moved so far from the root's shows where the search is going.
 constexpr double kRootMove = 0.4;
+
+// Relative accuracy of an objective value.
+constexpr double kRounding = 1e-8;
 
 double fractionality(double x) { return std::fabs(x - std::round(x)); }
 
@@ -198,58 +201,61 @@ Branching Brancher::chooseSemi(const Domain &domain, const Vec<double> &x) const
   Branching best;
   double worst = problem_.tolerances().integral;
   for (const int j : problem_.semis()) {
-    const double lower = problem_.model().semiLower[j];
-    // Zero must still be possible, and the value strictly between zero and the range.
-    if (domain.lower(j) > 0 || domain.upper(j) < lower) continue;
-    const double off = std::min(x[j], lower - x[j]);
+    const double low = problem_.model().holeLower[j], high = problem_.model().holeUpper[j];
+    if (domain.lower(j) > low || domain.upper(j) < high) continue;
+    const double off = std::min(x[j] - low, high - x[j]);
     if (off <= worst) continue;
     worst = off;
     best = {};
     best.result = Branching::Split;
-    best.down.push_back({j, BoundSide::Upper, 0});
-    best.up.push_back({j, BoundSide::Lower, lower});
-    best.upFirst = x[j] > lower / 2;
+    best.down.push_back({j, BoundSide::Upper, low});
+    best.up.push_back({j, BoundSide::Lower, high});
+    best.upFirst = x[j] > (low + high) / 2;
   }
   return best;
 }
 
 // The members are split at their centre of gravity: one child has zeros to the right, the other to
-// the left (Beale and Tomlin, 1970).
+// the left (Beale and Tomlin, 1970). None when the nonzeros of x satisfy the set.
+Branching Brancher::splitSet(const SosSet &set, const Domain &domain, const Vec<double> &x) const {
+  Branching branching;
+  const int count = static_cast<int>(set.cols.size());
+  double weighted = 0, total = 0;
+  int first = -1, last = -1;
+  for (int k = 0; k < count; ++k) {
+    const double size = std::fabs(x[set.cols[k]]);
+    if (size <= problem_.tolerances().integral) continue;
+    if (first < 0) first = k;
+    last = k;
+    weighted += size * k;
+    total += size;
+  }
+  if (first < 0 || last - first < set.type) return branching;
+  // Type 1: zeros behind r, or up to it; type 2: the member r itself may stay in both children.
+  const int centre = static_cast<int>(weighted / total);
+  const int r = std::min(std::max(centre, set.type == 1 ? first : first + 1), last - 1);
+  branching.result = Branching::Split;
+  for (int k = 0; k < count; ++k) {
+    const int j = set.cols[k];
+    Vec<BoundChange> *side = nullptr;
+    if (k > r) side = &branching.down;
+    if (set.type == 1 ? k <= r : k < r) side = &branching.up;
+    if (!side) continue;
+    if (domain.lower(j) < 0) side->push_back({j, BoundSide::Lower, 0});
+    if (domain.upper(j) > 0) side->push_back({j, BoundSide::Upper, 0});
+  }
+  branching.upFirst = weighted / total > r;
+  return branching;
+}
+
 Branching Brancher::chooseSos(const Domain &domain, const Vec<double> &x) const {
   Branching best;
-  double most = 0;
-  const double tolerance = problem_.tolerances().integral;
+  std::size_t most = 0;
   for (const SosSet &set : problem_.model().sos) {
-    const int count = static_cast<int>(set.cols.size());
-    double weighted = 0, total = 0;
-    int first = -1, last = -1;
-    for (int k = 0; k < count; ++k) {
-      const double size = std::fabs(x[set.cols[k]]);
-      if (size <= tolerance) continue;
-      if (first < 0) first = k;
-      last = k;
-      weighted += size * k;
-      total += size;
-    }
-    const int spread = last - first;
-    if (first < 0 || spread < set.type) continue;
-    if (spread <= most) continue;
-    // Type 1: zeros behind r, or up to it; type 2: the member r itself may stay in both children.
-    const int centre = static_cast<int>(weighted / total);
-    const int r = std::min(std::max(centre, set.type == 1 ? first : first + 1), last - 1);
-    Branching branching;
-    branching.result = Branching::Split;
-    for (int k = 0; k < count; ++k) {
-      const int j = set.cols[k];
-      Vec<BoundChange> *side = nullptr;
-      if (k > r) side = &branching.down;
-      if (set.type == 1 ? k <= r : k < r) side = &branching.up;
-      if (!side) continue;
-      if (domain.lower(j) < 0) side->push_back({j, BoundSide::Lower, 0});
-      if (domain.upper(j) > 0) side->push_back({j, BoundSide::Upper, 0});
-    }
-    branching.upFirst = weighted / total > r;
-    most = spread;
+    Branching branching = splitSet(set, domain, x);
+    const std::size_t changes = branching.down.size() + branching.up.size();
+    if (branching.result != Branching::Split || changes <= most) continue;
+    most = changes;
     best = std::move(branching);
   }
   return best;
@@ -282,21 +288,52 @@ Branching Brancher::choose(Domain &domain, Relaxation &lp, SolutionSink &sink,
   Branching branching = chooseSemi(domain, lp.x());
   if (branching.result == Branching::None) branching = chooseSos(domain, lp.x());
   if (branching.result != Branching::None) return branching;
-  // Everything holds: the caller submits the point, and asks again only when it was refused.
-  if (sink.submit(Vec<double>(lp.x()), SolutionSource::Node) || lp.objective() >= sink.cutoff())
-    return branching;
+  // Everything holds within tolerance. The sink may refuse the point, or accept a worse one made
+  // from it: the node is done only when nothing better than what is known is left in it.
+  sink.submit(Vec<double>(lp.x()), SolutionSource::Node);
+  const double margin = kRounding * (1 + std::fabs(lp.objective()));
+  if (lp.objective() >= sink.cutoff() - margin) return branching;
+  if (sink.incumbentObjective() <= lp.objective() + margin) return branching;
   branching = chooseAny(domain, lp.x());
   if (branching.result == Branching::None) branching.result = Branching::Refused;
   return branching;
 }
 
+// A set in which more members than it allows may still be nonzero is split in the middle of those.
+Branching Brancher::chooseOpenSet(const Domain &domain) const {
+  Branching branching;
+  for (const SosSet &set : problem_.model().sos) {
+    Vec<double> open(problem_.numCols(), 0);
+    for (const int j : set.cols)
+      if (domain.lower(j) < 0 || domain.upper(j) > 0) open[j] = 1;
+    branching = splitSet(set, domain, open);
+    if (branching.result == Branching::Split) return branching;
+  }
+  return branching;
+}
+
+Branching Brancher::chooseWithoutPoint(const Domain &domain) const {
+  for (const int j : problem_.semis()) {
+    const double low = problem_.model().holeLower[j], high = problem_.model().holeUpper[j];
+    if (domain.lower(j) > low || domain.upper(j) < high) continue;
+    Branching branching;
+    branching.result = Branching::Split;
+    branching.down.push_back({j, BoundSide::Upper, low});
+    branching.up.push_back({j, BoundSide::Lower, high});
+    return branching;
+  }
+  return chooseOpenSet(domain);
+}
+
 Branching Brancher::chooseBlindly(const Domain &domain) const {
+  Branching branching = chooseWithoutPoint(domain);
+  if (branching.result != Branching::None) return branching;
   Vec<double> x(problem_.numCols(), 0);
   for (const int j : problem_.integers())
     x[j] = isInf(domain.lower(j)) ? domain.upper(j) : domain.lower(j);
   for (double &value : x)
     if (isInf(value)) value = 0;
-  Branching branching = chooseAny(domain, x);
+  branching = chooseAny(domain, x);
   if (branching.result == Branching::None) branching.result = Branching::Refused;
   return branching;
 }

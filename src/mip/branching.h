@@ -38,6 +38,8 @@ class Brancher {
 
   // A split without a relaxation to look at, where it could not be solved.
   Branching chooseBlindly(const Domain &domain) const;
+  // The same on holes and sets only: these may be what bounds an unbounded relaxation.
+  Branching chooseWithoutPoint(const Domain &domain) const;
 
   // Integral columns that are fractional at x.
   void fractionalColumns(const Domain &domain, const Vec<double> &x, Vec<int> &cols) const;
@@ -60,6 +62,8 @@ class Brancher {
                            SolveControl &control);
   Branching chooseSemi(const Domain &domain, const Vec<double> &x) const;
   Branching chooseSos(const Domain &domain, const Vec<double> &x) const;
+  Branching splitSet(const SosSet &set, const Domain &domain, const Vec<double> &x) const;
+  Branching chooseOpenSet(const Domain &domain) const;
   Branching chooseAny(const Domain &domain, const Vec<double> &x) const;
   Probe probe(int col, bool up, double x, Domain &domain, Relaxation &lp, const NodeBasis &basis,
               const Vec<double> &weights, SolutionSink &sink, SolveControl &control);

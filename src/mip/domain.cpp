@@ -34,10 +34,7 @@ Domain::Domain(const Problem &problem)
       objectiveCols_.push_back(j);
       objectiveCoefs_.push_back(problem.lp().cost[j]);
     }
-    if (!problem.isIntegral(j)) continue;
-    if (!isInf(lower_[j])) lower_[j] = std::ceil(lower_[j] - kRoundingSlack);
-    if (!isInf(upper_[j])) upper_[j] = std::floor(upper_[j] + kRoundingSlack);
-    if (lower_[j] > upper_[j]) fail({}, j);
+    if (problem.isIntegral(j) && lower_[j] > upper_[j]) fail({}, j);
   }
   initialiseActivities();
   for (int i = 0; i < problem.numRows(); ++i) {
@@ -143,14 +140,13 @@ double Domain::rounded(int col, BoundSide side, double value) const {
                                   : std::floor(value + kRoundingSlack);
 }
 
-// A semi column that cannot be zero is within its range; one that cannot reach it is zero.
+// Bounds within the hole of a semi column move to its ends.
 double Domain::semiAdjusted(int col, BoundSide side, double value) const {
   if (!problem_->isSemi(col)) return value;
-  const double semiLower = problem_->model().semiLower[col];
+  const double low = problem_->model().holeLower[col], high = problem_->model().holeUpper[col];
   const double tolerance = problem_->tolerances().primal;
-  if (semiLower <= 0) return value;
-  if (side == BoundSide::Lower) return value > tolerance ? std::max(value, semiLower) : value;
-  return value < semiLower - tolerance ? std::min(value, 0.0) : value;
+  if (side == BoundSide::Lower) return value > low + tolerance && value < high ? high : value;
+  return value < high - tolerance && value > low ? low : value;
 }
 
 bool Domain::fail(Reason reason, int col) {

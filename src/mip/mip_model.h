@@ -1,6 +1,6 @@
 // A mixed-integer linear program as the MIP kernel takes it: a linear program, what its columns
-// may be, and ordered sets. Semi-continuous and semi-integer columns are zero or within
-// [semiLower, colUpper]; their colLower in the linear program is min(0, semiLower).
+// may be, and ordered sets. The values of semi-continuous and semi-integer columns have a hole with
+// zero at one of its ends: they are never strictly between holeLower and holeUpper.
 #pragma once
 
 #include "lp/lp_model.h"
@@ -25,8 +25,8 @@ struct SosSet {
 
 struct MipModel {
   LpModel lp;
-  Vec<VarKind> kind;      // a column
-  Vec<double> semiLower;  // a column; empty without semi columns
+  Vec<VarKind> kind;                 // a column
+  Vec<double> holeLower, holeUpper;  // a column; empty without semi columns
   Vec<SosSet> sos;
   Vec<int> branchPriority;  // a column; empty: all equal
 };

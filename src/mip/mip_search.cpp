@@ -92,6 +92,12 @@ void MipSearch::lowerCutoff() {
   globalsStale_ = true;
 }
 
+void MipSearch::knowSolution(double objective) {
+  incumbentObjective_ = std::min(incumbentObjective_, objective);
+  ++solutionCount_;
+  lowerCutoff();
+}
+
 bool MipSearch::submit(const Vec<double> &x, SolutionSource source) {
   Vec<double> candidate(x);
   for (int j = 0; j < problem_.numCols(); ++j) {
@@ -267,8 +273,10 @@ void MipSearch::handle(Node &node, const NodeResult &result) {
     unsolvedBound_ = std::min(unsolvedBound_, node.bound);
     return;
   }
-  if (result.branching.result == Branching::Split && result.objective < cutoff_ &&
-      result.outcome == NodeOutcome::Solved)
+  if (result.unbounded) status_ = MipStatus::Unbounded;
+  const bool open =
+      result.outcome == NodeOutcome::Solved || result.outcome == NodeOutcome::Unbounded;
+  if (open && result.branching.result == Branching::Split && result.objective < cutoff_)
     branch(node, result);
 }
 

@@ -51,8 +51,8 @@ class MipSearch : public SolutionSink {
   MipSearch(const Problem &problem, const MipOptions &options, SolveControl &control,
             UserSpace &user);
 
-  // A solution that is known already: of a start, or of an earlier search.
-  void offerIncumbent(const Vec<double> &x, SolutionSource source) { submit(x, source); }
+  // A solution of the user's model is known that may have no image in the presolved problem.
+  void knowSolution(double objective);
   // To an end or a limit; may be called again to go on after a limit was lifted.
   MipStatus run();
 

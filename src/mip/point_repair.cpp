@@ -15,8 +15,10 @@ Vec<BoundChange> PointRepair::discretePart(const Vec<double> &point) const {
     const bool zero = std::fabs(point[j]) <= tolerance;
     if (problem_.isIntegral(j) || (problem_.isSemi(j) && zero))
       fix(j, std::round(point[j]));
+    else if (problem_.isSemi(j) && point[j] > 0)
+      changes.push_back({j, BoundSide::Lower, problem_.model().holeUpper[j]});
     else if (problem_.isSemi(j))
-      changes.push_back({j, BoundSide::Lower, problem_.model().semiLower[j]});
+      changes.push_back({j, BoundSide::Upper, problem_.model().holeLower[j]});
   }
   for (const SosSet &set : problem_.model().sos)
     for (const int j : set.cols)

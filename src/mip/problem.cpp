@@ -15,6 +15,9 @@ constexpr double kStepError = 1e-11;
 // Steps below this share of the largest coefficient say nothing.
 constexpr double kSmallestStep = 1e-6;
 
+// Slack with which an integral bound is rounded.
+constexpr double kRoundingSlack = 1e-6;
+
 double greatestCommonDivisor(double a, double b, double tolerance) {
   while (b > tolerance) {
     const double rest = a - std::floor(a / b + 0.5) * b;
@@ -28,6 +31,7 @@ double greatestCommonDivisor(double a, double b, double tolerance) {
 
 Problem::Problem(MipModel &&model, const MipTolerances &tolerances)
     : model_(std::move(model)), tolerances_(tolerances), rows_(transpose(model_.lp.a)) {
+  roundIntegralBounds();
   const LpModel &lp = model_.lp;
   downLocks_.assign(lp.numCols, 0);
   upLocks_.assign(lp.numCols, 0);
@@ -45,6 +49,15 @@ Problem::Problem(MipModel &&model, const MipTolerances &tolerances)
     }
   }
   findObjectiveStep();
+}
+
+void Problem::roundIntegralBounds() {
+  for (int j = 0; j < numCols(); ++j) {
+    if (!isIntegral(j)) continue;
+    double &lower = model_.lp.colLower[j], &upper = model_.lp.colUpper[j];
+    if (!isInf(lower)) lower = std::ceil(lower - kRoundingSlack);
+    if (!isInf(upper)) upper = std::floor(upper + kRoundingSlack);
+  }
 }
 
 void Problem::findObjectiveStep() {
@@ -80,8 +93,8 @@ double Problem::objective(const Vec<double> &x) const {
 
 namespace {
 
-double semiViolation(double x, double lower, double upper) {
-  return std::min(std::fabs(x), std::max({lower - x, x - upper, 0.0}));
+double holeViolation(double x, double lower, double upper) {
+  return std::max(0.0, std::min(x - lower, upper - x));
 }
 
 // The least that has to be taken from the members so that the set's rule holds.
@@ -108,7 +121,7 @@ double Problem::violation(const Vec<double> &x) const {
     worst = std::max({worst, model.colLower[j] - x[j], x[j] - model.colUpper[j]});
     if (isIntegral(j)) worst = std::max(worst, std::fabs(x[j] - std::round(x[j])) * integralScale);
     if (isSemi(j))
-      worst = std::max(worst, semiViolation(x[j], model_.semiLower[j], model.colUpper[j]));
+      worst = std::max(worst, holeViolation(x[j], model_.holeLower[j], model_.holeUpper[j]));
   }
   for (int i = 0; i < numRows(); ++i) {
     CompensatedSum sum;

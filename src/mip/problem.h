@@ -16,7 +16,8 @@ struct MipTolerances {
 
 class Problem {
  public:
-  // Takes the model over; `tolerances` are the user's.
+  // Takes the model over; `tolerances` are the user's. Bounds of integral columns are rounded
+  // inwards, and may cross then.
   Problem(MipModel &&model, const MipTolerances &tolerances);
 
   const MipModel &model() const { return model_; }
@@ -54,6 +55,7 @@ class Problem {
   double violation(const Vec<double> &x) const;
 
  private:
+  void roundIntegralBounds();
   void findObjectiveStep();
 
   MipModel model_;

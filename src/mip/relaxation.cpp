@@ -18,7 +18,8 @@ namespace {
 // relaxation degenerate.
 double boundForLp(const Domain &domain, int col, BoundSide side) {
   const double bound = side == BoundSide::Lower ? domain.lower(col) : domain.upper(col);
-  if (domain.problem().isIntegral(col) || domain.isFixed(col)) return bound;
+  const Problem &problem = domain.problem();
+  if (problem.isIntegral(col) || problem.isSemi(col) || domain.isFixed(col)) return bound;
   int position = domain.position(col, side);
   while (position >= 0) {
     const TrailEntry &entry = domain.trail()[position];
@@ -26,7 +27,7 @@ double boundForLp(const Domain &domain, int col, BoundSide side) {
       return entry.value;
     position = entry.previous;
   }
-  const LpModel &lp = domain.problem().lp();
+  const LpModel &lp = problem.lp();
   return side == BoundSide::Lower ? lp.colLower[col] : lp.colUpper[col];
 }
 

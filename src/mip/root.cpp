@@ -94,7 +94,8 @@ void MipSearch::solveRoot() {
     status_ = hasIncumbent() ? MipStatus::Optimal : MipStatus::Infeasible;
     return;
   }
-  if (rootStatus_ == LpStatus::Unbounded) {
+  const bool mayBeBounded = !problem_.semis().empty() || !problem_.model().sos.empty();
+  if (rootStatus_ == LpStatus::Unbounded && !mayBeBounded) {
     status_ = MipStatus::Unbounded;
     return;
   }

@@ -136,8 +136,14 @@ NodeResult Worker::process(Node &node) {
       result.outcome = outcomeOf(status);
       return result;
     }
+    if (status == LpStatus::Unbounded) {
+      result.outcome = NodeOutcome::Unbounded;
+      result.branching = brancher_.chooseWithoutPoint(domain_);
+      result.unbounded = result.branching.result != Branching::Split;
+      return result;
+    }
     if (status != LpStatus::Optimal) {
-      result.stopped = status != LpStatus::Numeric && status != LpStatus::Unbounded;
+      result.stopped = status != LpStatus::Numeric;
       if (result.stopped) return result;
       result.branching = brancher_.chooseBlindly(domain_);
       result.unsolved = result.branching.result != Branching::Split;

@@ -12,8 +12,9 @@ struct NodeResult {
   double objective = -kUserInf;
   int fractional = 0;
   Branching branching;
-  bool stopped = false;   // a limit; the node remains open
-  bool unsolved = false;  // numerical trouble kept it from being solved and from being split
+  bool stopped = false;    // a limit; the node remains open
+  bool unbounded = false;  // with all holes and sets decided
+  bool unsolved = false;   // numerical trouble kept it from being solved and from being split
 };
 
 class Worker {

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/compensated_sum.h"
+#include "presolve/presolve_log.h"
 
 namespace tarvik {
 
@@ -73,7 +74,7 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
   Presolve presolve;
   const PresolveStatus status = presolve.run(lp_, options_.presolve, control_);
   presolved_ = true;
-  logPresolve(presolve, status);
+  logPresolve(presolve, status, options_.presolve.name, *control_.log);
   LpSolution full;
   switch (status) {
     case PresolveStatus::Stopped:
@@ -117,26 +118,6 @@ LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmSta
   const bool warm = warmStart && presolve.crushBasis(*warmStart, crushed);
   return solveApart(presolve.reduced(), options_.simplex, options_.method,
                     warm ? &crushed : nullptr);
-}
-
-// What presolve achieved, as far as there is a reduced model to speak of.
-void LpDriver::logPresolve(const Presolve &presolve, PresolveStatus status) const {
-  const char *name = options_.presolve.name;
-  Log &log = *control_.log;
-  const PresolveStats &stats = presolve.stats();
-  const auto positive = [](int count) { return std::max(0, count); };
-  if (stats.rowsRemoved < 0 || stats.colsRemoved < 0)
-    log.print("%s added %d rows and %d columns\n", name, positive(-stats.rowsRemoved),
-              positive(-stats.colsRemoved));
-  if (stats.rowsRemoved > 0 || stats.colsRemoved > 0)
-    log.print("%s removed %d rows and %d columns\n", name, positive(stats.rowsRemoved),
-              positive(stats.colsRemoved));
-  log.print("%s time: %.2fs\n", name, stats.seconds);
-  if (status == PresolveStatus::Solved) log.print("%s: All rows and columns removed\n", name);
-  if (status != PresolveStatus::Reduced && status != PresolveStatus::Unchanged) return;
-  const LpModel &reduced = presolve.reduced();
-  log.print("%sd: %d rows, %d columns, %lu nonzeros\n\n", name, reduced.numRows, reduced.numCols,
-            static_cast<unsigned long>(reduced.a.numNz()));
 }
 
 LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,

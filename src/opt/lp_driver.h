@@ -60,7 +60,6 @@ class LpDriver {
                         const Basis *start);
   LpSolution runEngine(Simplex &simplex, SimplexMethod method);
   LpSolution solveWithoutRows() const;
-  void logPresolve(const Presolve &presolve, PresolveStatus status) const;
   LpStatus stopStatus();
   // Verifies, with fresh reduced costs when the kernel's own do not suffice.
   Verdict judge(LpSolution &solution) const;

@@ -7,6 +7,7 @@
 #include "attr/statistics.h"
 #include "base/locale_scope.h"
 #include "opt/lp_solve.h"
+#include "opt/mip_driver.h"
 #include "opt/param_scope.h"
 #include "opt/result_file.h"
 #include "opt/running_scope.h"
@@ -91,11 +92,7 @@ void logFingerprint(Model &model) {
 // Refuses what this version has no algorithm for, before anything of the model is touched.
 void checkSupported(const ModelData &data) {
   const char *feature = nullptr;
-  if (data.numNonContinuous > 0)
-    feature = "integer variables";
-  else if (data.numSos() > 0)
-    feature = "SOS constraints";
-  else if (data.numGenConstrs() > 0)
+  if (data.numGenConstrs() > 0)
     feature = "general constraints";
   else if (data.numQConstrs() > 0 || !data.cones.empty())
     feature = "quadratic constraints";
@@ -127,7 +124,10 @@ void solve(Model &model) {
   checkSupported(data);
   adjustDefaults(params, env, data.isMip());
   try {
-    solveLinearModel(model, clock.control());
+    if (data.isMip())
+      solveMipModel(model, clock.control());
+    else
+      solveLinearModel(model, clock.control());
   } catch (const std::bad_alloc &) {
     logOutOfMemory(env);
     throw Error(TVK_ERROR_OUT_OF_MEMORY, "Optimization exhausted available memory");

@@ -60,6 +60,10 @@ bool tryDoubletonEquation(Workspace &ws, int i) {
               false,     false};
   double lower = 0, upper = 0;
   transferredBounds(d, lower, upper);
+  if (keptCol.integer) {
+    lower = integerLower(lower);
+    upper = integerUpper(upper);
+  }
   d.lowerFromGone = !isInf(lower) && lower > keptCol.lower + ws.roundingTol(lower);
   d.upperFromGone = !isInf(upper) && upper < keptCol.upper - ws.roundingTol(upper);
   double newLower = d.lowerFromGone ? lower : keptCol.lower;

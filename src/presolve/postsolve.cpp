@@ -60,7 +60,8 @@ void PresolveRun::postsolve(const LpSolution &reducedSolution, LpSolution &full)
   const std::size_t numCols = static_cast<std::size_t>(lp_->numCols);
   PostsolveState state;
   state.hasPrimal = reducedSolution.colValue.size() == cols.size();
-  state.hasDual = reducedSolution.rowDual.size() == rows.size() &&
+  // A problem with integral columns has no duals; its solution is not basic.
+  state.hasDual = !ws.options.integer && reducedSolution.rowDual.size() == rows.size() &&
                   reducedSolution.colDual.size() == cols.size();
   state.hasBasis = state.hasPrimal && state.hasDual &&
                    reducedSolution.basis.col.size() == cols.size() &&

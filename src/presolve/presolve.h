@@ -34,7 +34,7 @@ struct PresolveOptions {
   double dualTol = 1e-6;
   double zeroTol = 1e-13;  // entries that cancel below this fraction of their terms vanish
   // Nonzero for columns that must stay integral; null for a pure LP. Reductions then keep the
-  // set of integral solutions.
+  // set of integral solutions, and postsolve restores primal values only.
   const Vec<char> *integer = nullptr;
   const char *name = "Presolve";  // how progress lines call this run
   bool logging = true;

@@ -52,7 +52,9 @@ void PresolveRun::checkBounds(const LpModel &lp) {
   for (int i = 0; i < lp.numRows; ++i)
     if (crossed(lp.rowLower[i], lp.rowUpper[i])) ws.infeasible();
   for (int j = 0; j < lp.numCols; ++j)
-    if (crossed(lp.colLower[j], lp.colUpper[j])) ws.infeasible();
+    if (crossed(lp.colLower[j], lp.colUpper[j]) ||
+        (ws.model.col(j).integer && ws.model.col(j).lower > ws.model.col(j).upper))
+      ws.infeasible();
   for (int i = 0; i < lp.numRows; ++i) ws.model.touchRow(i);
   for (int j = 0; j < lp.numCols; ++j) ws.model.touchCol(j);
 }

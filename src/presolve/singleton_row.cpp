@@ -15,8 +15,8 @@ bool trySingletonRow(Workspace &ws, int i) {
   const Col &col = model.col(j);
   double lower = model.impliedLower(entry), upper = model.impliedUpper(entry);
   if (col.integer) {
-    lower = isInf(lower) ? lower : std::ceil(lower - ws.options.primalTol);
-    upper = isInf(upper) ? upper : std::floor(upper + ws.options.primalTol);
+    lower = integerLower(lower);
+    upper = integerUpper(upper);
   }
   const bool lowerFromRow = lower > col.lower, upperFromRow = upper < col.upper;
   double newLower = std::max(lower, col.lower), newUpper = std::min(upper, col.upper);

@@ -31,6 +31,9 @@ void WorkingModel::load(const LpModel &lp, const PresolveOptions &options) {
     col.upper = finiteOrInf(lp.colUpper[j]);
     col.cost = lp.cost[j];
     col.integer = options.integer && (*options.integer)[j];
+    if (!col.integer) continue;
+    col.lower = integerLower(col.lower);
+    col.upper = integerUpper(col.upper);
   }
   rowsLeft_ = lp.numRows;
   colsLeft_ = lp.numCols;

@@ -8,6 +8,8 @@
 // know why a change is right and leave no record; that is the business of the reductions.
 #pragma once
 
+#include <cmath>
+
 #include "base/compensated_sum.h"
 #include "lp/lp_model.h"
 #include "presolve/presolve.h"
@@ -37,6 +39,15 @@ struct Row {
   bool alive = true;
   bool isEquation() const { return lower == upper; }
 };
+
+// Bounds of an integral column, rounded inwards; what misses an integer by rounding only is it.
+constexpr double kIntegerSlack = 1e-6;
+inline double integerLower(double bound) {
+  return isInf(bound) ? bound : std::ceil(bound - kIntegerSlack);
+}
+inline double integerUpper(double bound) {
+  return isInf(bound) ? bound : std::floor(bound + kIntegerSlack);
+}
 
 struct Col {
   double lower, upper, cost;

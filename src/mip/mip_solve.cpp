@@ -1,0 +1,181 @@
+#include "mip/mip_solve.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "mip/gap_rules.h"
+#include "presolve/presolve_log.h"
+
+namespace tarvik {
+
+// The user's model, its solutions so far, and the map from the presolved problem to it.
+class MipSolve::Space : public UserSpace {
+ public:
+  Space(MipSolve &owner)
+      : owner_(owner),
+        problem_(MipModel(owner.model_), owner.options_.tolerances),
+        repair_(problem_, owner.options_.simplex) {}
+
+  bool accept(const Vec<double> &x, double &objective) override {
+    Vec<double> full = x;
+    if (owner_.presolved_) {
+      LpSolution reduced, mapped;
+      reduced.status = LpStatus::Optimal;
+      reduced.colValue = x;
+      owner_.presolve_.postsolve(reduced, mapped);
+      full = std::move(mapped.colValue);
+    }
+    return acceptFull(full, objective);
+  }
+
+  bool acceptFull(const Vec<double> &x, double &objective) {
+    Vec<double> point(x);
+    for (int j = 0; j < problem_.numCols(); ++j) {
+      if (problem_.isIntegral(j)) point[j] = std::round(point[j]);
+      point[j] = std::min(std::max(point[j], problem_.lp().colLower[j]), problem_.lp().colUpper[j]);
+    }
+    const double tolerance = problem_.tolerances().primal;
+    Vec<double> repaired;
+    if (problem_.violation(point) > tolerance) {
+      if (repair_.run(point, owner_.control_, repaired) &&
+          problem_.violation(repaired) <= tolerance)
+        point.swap(repaired);
+      else if (problem_.violation(x) <= tolerance)
+        point = x;
+      else
+        return false;
+    }
+    objective = problem_.objective(point);
+    keep(std::move(point), objective);
+    return true;
+  }
+
+  const Vec<MipSolution> &solutions() const { return solutions_; }
+  double iterations() const { return repair_.iterations(); }
+
+ private:
+  void keep(Vec<double> &&x, double objective) {
+    const auto place = std::lower_bound(
+        solutions_.begin(), solutions_.end(), objective,
+        [](const MipSolution &solution, double value) { return solution.objective < value; });
+    const bool best = place == solutions_.begin();
+    solutions_.insert(place, MipSolution{objective, std::move(x)});
+    if (best && owner_.onSolution) owner_.onSolution(solutions_.front());
+    const std::size_t limit = std::max(1, owner_.options_.poolSolutions);
+    if (solutions_.size() > limit) solutions_.resize(limit);
+  }
+
+  MipSolve &owner_;
+  Problem problem_;
+  PointRepair repair_;
+  Vec<MipSolution> solutions_;
+};
+
+MipSolve::MipSolve(const MipModel &model, const MipOptions &options, SolveControl &control)
+    : model_(model), options_(options), control_(control) {
+  options_.simplex.cutoff = kUserInf;
+}
+MipSolve::~MipSolve() = default;
+
+void MipSolve::addStart(const Vec<double> &x) { starts_.push_back(x); }
+
+MipModel MipSolve::reducedModel() {
+  MipModel reduced;
+  if (!presolved_) {
+    reduced = model_;
+    return reduced;
+  }
+  reduced.lp = presolve_.takeReduced();
+  for (const int j : presolve_.originalCol()) {
+    reduced.kind.push_back(model_.kind[j]);
+    if (!model_.branchPriority.empty()) reduced.branchPriority.push_back(model_.branchPriority[j]);
+  }
+  return reduced;
+}
+
+// False when the outcome is known already.
+bool MipSolve::presolve(MipOutcome &outcome) {
+  const bool onlyIntegers =
+      model_.sos.empty() && std::none_of(model_.kind.begin(), model_.kind.end(), isSemi);
+  // The linear reductions know nothing of ranges with a hole and of sets.
+  if (!onlyIntegers || options_.presolve.level == 0) return true;
+  integer_.assign(model_.lp.numCols, 0);
+  for (int j = 0; j < model_.lp.numCols; ++j) integer_[j] = isIntegral(model_.kind[j]);
+  PresolveOptions options = options_.presolve;
+  options.integer = &integer_;
+  options.logging = !options_.subMip;
+  const PresolveStatus status = presolve_.run(model_.lp, options, control_);
+  if (!options_.subMip) logPresolve(presolve_, status, options.name, *control_.log);
+  switch (status) {
+    case PresolveStatus::Infeasible:
+      outcome.status = MipStatus::Infeasible;
+      return false;
+    case PresolveStatus::Unbounded:
+    case PresolveStatus::InfeasibleOrUnbounded:
+      outcome.status = MipStatus::InfeasibleOrUnbounded;
+      return false;
+    case PresolveStatus::Stopped:
+      outcome.status = MipStatus::Interrupted;
+      return false;
+    case PresolveStatus::Unchanged:
+    case PresolveStatus::Reduced:
+    case PresolveStatus::Solved:
+      break;
+  }
+  presolved_ = true;
+  solvedByPresolve_ = status == PresolveStatus::Solved;
+  return true;
+}
+
+void MipSolve::takeOutcome(MipOutcome &outcome) {
+  outcome.bound = search_->bestBound();
+  outcome.explored = search_->explored();
+  outcome.unexplored = search_->unexplored();
+  outcome.iterations = search_->iterations() + space_->iterations();
+  outcome.cuts = search_->cutCounters();
+}
+
+// An unbounded relaxation: of rational data, any integral point makes the problem unbounded too.
+// With holes and sets the ray may not be one of the problem.
+MipStatus MipSolve::resolveUnbounded() {
+  MipModel feasibility = model_;
+  std::fill(feasibility.lp.cost.begin(), feasibility.lp.cost.end(), 0.0);
+  MipOptions options = options_;
+  options.subMip = true;
+  options.simplex.logging = false;
+  options.cutoff = kUserInf;
+  options.solutionLimit = 1;
+  const MipOutcome outcome = MipSolve(feasibility, options, control_).run();
+  if (outcome.status == MipStatus::Infeasible) return MipStatus::Infeasible;
+  const bool decided =
+      (model_.sos.empty() && std::none_of(model_.kind.begin(), model_.kind.end(), isSemi)) ||
+      std::none_of(model_.kind.begin(), model_.kind.end(), isIntegral);
+  return decided && !outcome.solutions.empty() ? MipStatus::Unbounded
+                                               : MipStatus::InfeasibleOrUnbounded;
+}
+
+MipOutcome MipSolve::run() {
+  MipOutcome outcome;
+  space_ = std::make_unique<Space>(*this);
+  for (const Vec<double> &start : starts_) {
+    double objective = 0;
+    space_->acceptFull(start, objective);
+  }
+  if (!presolve(outcome)) return outcome;
+  problem_ = std::make_unique<Problem>(reducedModel(), options_.tolerances);
+  if (!options_.subMip && presolved_ && !solvedByPresolve_) {
+    int binary = 0;
+    for (int j = 0; j < problem_->numCols(); ++j) binary += problem_->isBinary(j);
+    control_.log->print("Variable types: %d continuous, %d integer (%d binary)\n",
+                        problem_->numContinuous(), problem_->numIntegral(), binary);
+  }
+  search_ = std::make_unique<MipSearch>(*problem_, options_, control_, *space_);
+  if (!space_->solutions().empty()) search_->knowSolution(space_->solutions().front().objective);
+  outcome.status = search_->run();
+  if (outcome.status == MipStatus::Unbounded) outcome.status = resolveUnbounded();
+  takeOutcome(outcome);
+  outcome.solutions = space_->solutions();
+  return outcome;
+}
+
+}  // namespace tarvik

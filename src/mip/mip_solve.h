@@ -1,0 +1,59 @@
+// A mixed-integer program from the user's model to its solutions: presolve, search, and the way
+// back, on which every point is checked against the user's model before it counts. Heuristics that
+// search restricted models call the same.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "mip/mip_search.h"
+
+namespace tarvik {
+
+struct MipSolution {
+  double objective = 0;  // minimization sense
+  Vec<double> x;         // of the model that was given
+};
+
+struct MipOutcome {
+  MipStatus status = MipStatus::Running;
+  Vec<MipSolution> solutions;  // best first, at most MipOptions::poolSolutions
+  double bound = -kUserInf;
+  double explored = 0, unexplored = 0, iterations = 0;
+  CutCounters cuts{};
+};
+
+class MipSolve {
+ public:
+  // The model and the control must outlive this object.
+  MipSolve(const MipModel &model, const MipOptions &options, SolveControl &control);
+  ~MipSolve();
+
+  // A point of the model to begin with; complete, feasible or not.
+  void addStart(const Vec<double> &x);
+  // Solutions better than the ones known so far are also told to the listener, as they are found.
+  std::function<void(const MipSolution &)> onSolution;
+
+  MipOutcome run();
+
+ private:
+  class Space;
+
+  bool presolve(MipOutcome &outcome);
+  MipModel reducedModel();
+  MipStatus resolveUnbounded();
+  void takeOutcome(MipOutcome &outcome);
+
+  const MipModel &model_;
+  MipOptions options_;
+  SolveControl &control_;
+  Vec<char> integer_;
+  Presolve presolve_;
+  bool presolved_ = false, solvedByPresolve_ = false;
+  std::unique_ptr<Space> space_;
+  std::unique_ptr<Problem> problem_;
+  std::unique_ptr<MipSearch> search_;
+  Vec<Vec<double>> starts_;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,141 @@
+#include "opt/mip_driver.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lp/check.h"
+#include "mip/gap_rules.h"
+#include "mip/mip_solve.h"
+#include "opt/lp_from_model.h"
+#include "opt/mip_from_model.h"
+#include "opt/mip_log.h"
+#include "opt/mip_options.h"
+
+namespace tarvik {
+
+namespace {
+
+int statusCode(MipStatus status) {
+  switch (status) {
+    case MipStatus::Optimal:
+      return TVK_OPTIMAL;
+    case MipStatus::Infeasible:
+      return TVK_INFEASIBLE;
+    case MipStatus::InfeasibleOrUnbounded:
+      return TVK_INF_OR_UNBD;
+    case MipStatus::Unbounded:
+      return TVK_UNBOUNDED;
+    case MipStatus::IterationLimit:
+      return TVK_ITERATION_LIMIT;
+    case MipStatus::NodeLimit:
+      return TVK_NODE_LIMIT;
+    case MipStatus::TimeLimit:
+    case MipStatus::SoftLimit:
+      return TVK_TIME_LIMIT;
+    case MipStatus::SolutionLimit:
+      return TVK_SOLUTION_LIMIT;
+    case MipStatus::Interrupted:
+      return TVK_INTERRUPTED;
+    case MipStatus::Suboptimal:
+      return TVK_SUBOPTIMAL;
+    case MipStatus::UserObjectiveLimit:
+      return TVK_USER_OBJ_LIMIT;
+    case MipStatus::WorkLimit:
+      return TVK_WORK_LIMIT;
+    case MipStatus::MemoryLimit:
+      return TVK_MEM_LIMIT;
+    case MipStatus::Numeric:
+    case MipStatus::Running:
+    case MipStatus::ImproveStart:
+      break;
+  }
+  return TVK_NUMERIC;
+}
+
+class MipRun {
+ public:
+  MipRun(Model &model, SolveControl &control)
+      : model_(model), env_(model.env()), store_(model.solution()), control_(control) {}
+
+  void run() {
+    store_.clearResults();
+    const BadBounds bad = findBadBounds(model_.data(), env_.get(Dbl::FeasibilityTol));
+    MipOutcome outcome;
+    if (bad.kind == BadBounds::Kind::None)
+      outcome = search();
+    else
+      outcome.status = MipStatus::Infeasible;
+    store(outcome);
+    MipSummary summary;
+    summary.status = store_.status;
+    summary.explored = outcome.explored;
+    summary.iterations = outcome.iterations;
+    summary.seconds = control_.limits.seconds();
+    summary.workUnits = control_.work.workUnits();
+    summary.objective = store_.hasObjective ? store_.objVal : kUserInf;
+    summary.bound = store_.objBound;
+    summary.sense = model_.data().objSense;
+    for (const MipSolution &solution : outcome.solutions)
+      summary.objectives.push_back(summary.sense * solution.objective);
+    mipCutSummary(env_, outcome.cuts);
+    mipSummary(env_, summary);
+  }
+
+ private:
+  MipOutcome search() {
+    MipOptions options = mipOptions(env_, model_.data().objSense);
+    const MipModel mip = mipFromModel(model_.data());
+    // Iterations of all relaxations count together.
+    control_.limits.iterationLimit = kUserInf;
+    MipSolve solve(mip, options, control_);
+    return solve.run();
+  }
+
+  void store(MipOutcome &outcome) {
+    store_.status = statusCode(outcome.status);
+    if (store_.status == TVK_INFEASIBLE && !outcome.solutions.empty()) store_.status = TVK_OPTIMAL;
+    store_.iterCount = outcome.iterations;
+    store_.nodeCount = outcome.explored;
+    store_.openNodeCount = outcome.unexplored;
+    store_.solCount = static_cast<int>(outcome.solutions.size());
+    if (!outcome.solutions.empty()) {
+      const MipSolution &best = outcome.solutions.front();
+      store_.hasObjective = true;
+      store_.objVal = best.objective;
+      outcome.bound = std::min(outcome.bound, best.objective);
+      storeValues(best);
+    }
+    if (store_.status != TVK_INFEASIBLE || !outcome.solutions.empty())
+      store_.objBound = store_.objBoundC = store_.poolObjBound = outcome.bound;
+    else
+      store_.objBound = kUserInf;
+    store_.mipGap =
+        mipRelativeGap(1, store_.objBound, store_.hasObjective ? store_.objVal : kUserInf);
+    for (MipSolution &solution : outcome.solutions) {
+      store_.poolObj.push_back(solution.objective);
+      store_.poolX.push_back(std::move(solution.x));
+    }
+  }
+
+  void storeValues(const MipSolution &solution) {
+    const ModelData &data = model_.data();
+    LpSolution values;
+    values.colValue = solution.x;
+    values.rowActivity.assign(data.numConstrs(), 0);
+    for (int j = 0; j < data.numVars(); ++j)
+      for (NzIndex k = data.a.start[j]; k < data.a.start[j + 1]; ++k)
+        values.rowActivity[data.a.index[k]] += data.a.value[k] * solution.x[j];
+    storeSolution(data, std::move(values), store_);
+  }
+
+  Model &model_;
+  Env &env_;
+  SolutionStore &store_;
+  SolveControl &control_;
+};
+
+}  // namespace
+
+void solveMipModel(Model &model, SolveControl &control) { MipRun(model, control).run(); }
+
+}  // namespace tarvik

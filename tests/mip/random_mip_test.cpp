@@ -1,0 +1,135 @@
+// Tiny random mixed-integer programs against enumeration, under many settings.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "mip/mip_solve.h"
+#include "reference_mip.h"
+#include "support/random_lp.h"
+
+namespace tarvik {
+namespace {
+
+using test::ReferenceMip;
+
+MipModel randomMip(std::uint64_t seed) {
+  Random random(seed + 77);
+  MipModel model;
+  test::RandomLpOptions options;
+  options.maxRows = 5;
+  options.maxCols = 6;
+  model.lp = test::randomLp(seed, options);
+  const int n = model.lp.numCols;
+  model.kind.assign(n, VarKind::Continuous);
+  const bool withSemi = random.uniform() < 0.2, withSets = random.uniform() < 0.2;
+  for (int j = 0; j < n; ++j) {
+    double &lower = model.lp.colLower[j], &upper = model.lp.colUpper[j];
+    if (withSemi && random.uniform() < 0.4) {
+      if (model.holeLower.empty()) {
+        model.holeLower.assign(n, 0);
+        model.holeUpper.assign(n, 0);
+      }
+      model.kind[j] = random.uniform() < 0.5 ? VarKind::SemiContinuous : VarKind::SemiInteger;
+      const double size = 1 + random.below(2);
+      const bool negative = random.uniform() < 0.3;
+      model.holeLower[j] = negative ? -size : 0;
+      model.holeUpper[j] = negative ? 0 : size;
+      lower = negative ? -size - 2 : 0;
+      upper = negative ? 0 : size + random.below(3);
+    } else if (random.uniform() < 0.6) {
+      model.kind[j] = VarKind::Integer;
+      const bool binary = random.uniform() < 0.5;
+      if (isInf(lower)) lower = isInf(upper) ? -1 : std::floor(upper) - 2;
+      lower = std::floor(lower);
+      upper = std::min(upper, lower + 2);
+      if (binary) lower = 0, upper = 1;
+    }
+  }
+  if (withSets && n >= 3) {
+    SosSet set;
+    set.type = 1 + random.below(2);
+    for (int j = 0; j < n; ++j) {
+      if (random.uniform() > 0.7 || model.lp.colLower[j] > 0 || model.lp.colUpper[j] < 0) continue;
+      set.cols.push_back(j);
+      set.weights.push_back(j);
+    }
+    if (set.cols.size() > 1) model.sos.push_back(set);
+  }
+  return model;
+}
+
+MipOptions randomOptions(std::uint64_t seed) {
+  Random random(seed + 5);
+  MipOptions options;
+  options.subMip = true;
+  options.mipGap = 0;
+  options.simplex.logging = false;
+  options.simplex.seed = random.below(5);
+  options.seed = options.simplex.seed;
+  options.presolve.level = random.uniform() < 0.5 ? 0 : -1;
+  options.heuristics = random.uniform() < 0.3 ? 0 : random.uniform() < 0.5 ? 0.05 : 0.5;
+  options.varBranch = random.below(5) - 1;
+  options.branchDir = random.below(3) - 1;
+  options.focus = random.below(4);
+  if (random.uniform() < 0.3) options.cuts.passes = 0;
+  return options;
+}
+
+std::string describeDiscrete(const MipModel &model) {
+  std::string text = "kinds";
+  for (const VarKind kind : model.kind) text.append(" ").append(std::to_string(int(kind)));
+  for (const SosSet &set : model.sos) {
+    text.append("; set of type ").append(std::to_string(set.type)).append(":");
+    for (const int j : set.cols) text.append(" x").append(std::to_string(j));
+  }
+  return text;
+}
+
+void check(std::uint64_t seed) {
+  const MipModel model = randomMip(seed);
+  const LpSolution expected = ReferenceMip(model).solve();
+  SilentLog log;
+  SolveControl control;
+  control.log = &log;
+  control.limits.start();
+  MipSolve solve(model, randomOptions(seed), control);
+  const MipOutcome outcome = solve.run();
+  SCOPED_TRACE(std::string("seed ").append(std::to_string(seed)).append("\n") +
+               test::describe(model.lp) + describeDiscrete(model));
+  switch (outcome.status) {
+    case MipStatus::Optimal:
+      ASSERT_EQ(expected.status, LpStatus::Optimal);
+      break;
+    case MipStatus::Infeasible:
+      ASSERT_EQ(expected.status, LpStatus::Infeasible);
+      return;
+    case MipStatus::Unbounded:
+      ASSERT_EQ(expected.status, LpStatus::Unbounded);
+      return;
+    case MipStatus::InfeasibleOrUnbounded:
+      ASSERT_NE(expected.status, LpStatus::Optimal);
+      return;
+    default:
+      FAIL() << "status " << static_cast<int>(outcome.status);
+  }
+  ASSERT_FALSE(outcome.solutions.empty());
+  const double tolerance = 1e-5 * (1 + std::fabs(expected.objective));
+  EXPECT_NEAR(outcome.solutions.front().objective, expected.objective, tolerance);
+  EXPECT_NEAR(outcome.bound, expected.objective, tolerance);
+  const Problem problem(MipModel(model), MipTolerances{});
+  for (const MipSolution &solution : outcome.solutions) {
+    EXPECT_LE(problem.violation(solution.x), 1e-6);
+    EXPECT_NEAR(problem.objective(solution.x), solution.objective, 1e-9);
+  }
+}
+
+TEST(RandomMip, AgreesWithEnumeration) {
+  const char *wanted = std::getenv("TARVIK_RANDOM_MIPS");
+  const char *first = std::getenv("TARVIK_RANDOM_FIRST");
+  const std::uint64_t begin = first ? std::strtoull(first, nullptr, 10) : 1;
+  const std::uint64_t count = wanted ? std::strtoull(wanted, nullptr, 10) : 1500;
+  for (std::uint64_t seed = begin; seed < begin + count && !HasFailure(); ++seed) check(seed);
+}
+
+}  // namespace
+}  // namespace tarvik
