@@ -256,11 +256,11 @@ bool Domain::propagateRow(int row, WorkMeter &work) {
   const int count = rows.length(row);
   work.charge(2.0 * count);
   const Reason reason{Reason::Row, row};
-  if (!isInf(lp.rowUpper[row]) && !atMost(&rows.index[start], &rows.value[start], count, 1,
-                                          lp.rowUpper[row], min_[row], reason))
+  if (!isInf(lp.rowUpper[row]) && !atMost(rows.index.data() + start, rows.value.data() + start,
+                                          count, 1, lp.rowUpper[row], min_[row], reason))
     return false;
-  return isInf(lp.rowLower[row]) || atMost(&rows.index[start], &rows.value[start], count, -1,
-                                           -lp.rowLower[row], max_[row], reason);
+  return isInf(lp.rowLower[row]) || atMost(rows.index.data() + start, rows.value.data() + start,
+                                           count, -1, -lp.rowLower[row], max_[row], reason);
 }
 
 bool Domain::propagateObjective(WorkMeter &work) {

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "mip/gap_rules.h"
-#include "presolve/presolve_log.h"
 
 namespace tarvik {
 
@@ -17,15 +16,7 @@ class MipSolve::Space : public UserSpace {
         repair_(problem_, owner.options_.simplex) {}
 
   bool accept(const Vec<double> &x, double &objective) override {
-    Vec<double> full = x;
-    if (owner_.presolved_) {
-      LpSolution reduced, mapped;
-      reduced.status = LpStatus::Optimal;
-      reduced.colValue = x;
-      owner_.presolve_.postsolve(reduced, mapped);
-      full = std::move(mapped.colValue);
-    }
-    return acceptFull(full, objective);
+    return acceptFull(owner_.presolve_->postsolve(x), objective);
   }
 
   bool acceptFull(const Vec<double> &x, double &objective) {
@@ -79,52 +70,50 @@ MipSolve::~MipSolve() = default;
 
 void MipSolve::addStart(const Vec<double> &x) { starts_.push_back(x); }
 
-MipModel MipSolve::reducedModel() {
-  MipModel reduced;
-  if (!presolved_) {
-    reduced = model_;
-    return reduced;
-  }
-  reduced.lp = presolve_.takeReduced();
-  for (const int j : presolve_.originalCol()) {
-    reduced.kind.push_back(model_.kind[j]);
-    if (!model_.branchPriority.empty()) reduced.branchPriority.push_back(model_.branchPriority[j]);
-  }
-  return reduced;
+// What presolve achieved, and what is left.
+void MipSolve::logPresolved(double seconds) const {
+  const MipModel &reduced = presolve_->reduced();
+  const int rows = model_.lp.numRows - reduced.lp.numRows;
+  const int cols = model_.lp.numCols - reduced.lp.numCols;
+  Log &log = *control_.log;
+  if (rows > 0 || cols > 0) log.print("Presolve removed %d rows and %d columns\n", rows, cols);
+  log.print("Presolve time: %.2fs\n", seconds);
+  if (presolve_->solved()) log.print("Presolve: All rows and columns removed\n");
+  if (reduced.lp.numCols == 0) return;
+  log.print("Presolved: %d rows, %d columns, %lu nonzeros\n", reduced.lp.numRows,
+            reduced.lp.numCols, static_cast<unsigned long>(reduced.lp.a.numNz()));
+  if (!reduced.sos.empty())
+    log.print("Presolved model has %d SOS constraint(s)\n", static_cast<int>(reduced.sos.size()));
+  log.print("\n");
 }
 
 // False when the outcome is known already.
 bool MipSolve::presolve(MipOutcome &outcome) {
-  const bool onlyIntegers =
-      model_.sos.empty() && std::none_of(model_.kind.begin(), model_.kind.end(), isSemi);
-  // The linear reductions know nothing of ranges with a hole and of sets.
-  if (!onlyIntegers || options_.presolve.level == 0) return true;
-  integer_.assign(model_.lp.numCols, 0);
-  for (int j = 0; j < model_.lp.numCols; ++j) integer_[j] = isIntegral(model_.kind[j]);
-  PresolveOptions options = options_.presolve;
-  options.integer = &integer_;
-  options.logging = !options_.subMip;
-  const PresolveStatus status = presolve_.run(model_.lp, options, control_);
-  if (!options_.subMip) logPresolve(presolve_, status, options.name, *control_.log);
+  presolve_ = std::make_unique<MipPresolve>(model_, options_, control_);
+  const double start = control_.limits.seconds();
+  const PresolveStatus status = presolve_->run();
   switch (status) {
     case PresolveStatus::Infeasible:
       outcome.status = MipStatus::Infeasible;
-      return false;
+      break;
     case PresolveStatus::Unbounded:
     case PresolveStatus::InfeasibleOrUnbounded:
       outcome.status = MipStatus::InfeasibleOrUnbounded;
-      return false;
+      break;
     case PresolveStatus::Stopped:
       outcome.status = MipStatus::Interrupted;
-      return false;
+      if (control_.limits.seconds() >= control_.limits.timeLimit)
+        outcome.status = MipStatus::TimeLimit;
+      break;
     case PresolveStatus::Unchanged:
     case PresolveStatus::Reduced:
     case PresolveStatus::Solved:
-      break;
+      if (!options_.subMip) logPresolved(control_.limits.seconds() - start);
+      return true;
   }
-  presolved_ = true;
-  solvedByPresolve_ = status == PresolveStatus::Solved;
-  return true;
+  if (!options_.subMip)
+    control_.log->print("Presolve time: %.2fs\n", control_.limits.seconds() - start);
+  return false;
 }
 
 void MipSolve::takeOutcome(MipOutcome &outcome) {
@@ -162,8 +151,8 @@ MipOutcome MipSolve::run() {
     space_->acceptFull(start, objective);
   }
   if (!presolve(outcome)) return outcome;
-  problem_ = std::make_unique<Problem>(reducedModel(), options_.tolerances);
-  if (!options_.subMip && presolved_ && !solvedByPresolve_) {
+  problem_ = std::make_unique<Problem>(MipModel(presolve_->reduced()), options_.tolerances);
+  if (!options_.subMip && problem_->numCols() > 0) {
     int binary = 0;
     for (int j = 0; j < problem_->numCols(); ++j) binary += problem_->isBinary(j);
     control_.log->print("Variable types: %d continuous, %d integer (%d binary)\n",

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 
+#include "mip/mip_presolve.h"
 #include "mip/mip_search.h"
 
 namespace tarvik {
@@ -40,16 +41,14 @@ class MipSolve {
   class Space;
 
   bool presolve(MipOutcome &outcome);
-  MipModel reducedModel();
+  void logPresolved(double seconds) const;
   MipStatus resolveUnbounded();
   void takeOutcome(MipOutcome &outcome);
 
   const MipModel &model_;
   MipOptions options_;
   SolveControl &control_;
-  Vec<char> integer_;
-  Presolve presolve_;
-  bool presolved_ = false, solvedByPresolve_ = false;
+  std::unique_ptr<MipPresolve> presolve_;
   std::unique_ptr<Space> space_;
   std::unique_ptr<Problem> problem_;
   std::unique_ptr<MipSearch> search_;

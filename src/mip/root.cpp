@@ -5,6 +5,7 @@
 
 #include "mip/cuts/cut_filter.h"
 #include "mip/mip_search.h"
+#include "mip/probing.h"
 
 namespace tarvik {
 
@@ -16,6 +17,10 @@ constexpr int kStallRounds = 8;
 constexpr double kLeastImprovement = 1e-4;
 // Cuts whose logical was basic in so many solves leave the relaxation.
 constexpr int kSlackAge = 3;
+
+// Work of probing: so much, and so much for each entry of the matrix.
+constexpr double kProbingWork = 1e7;
+constexpr double kProbingShare = 1000;
 
 const char *textOf(LpStatus status) {
   switch (status) {
@@ -78,6 +83,16 @@ void MipSearch::solveRoot() {
     status_ = MipStatus::Infeasible;
     rootStatus_ = LpStatus::Infeasible;
     return;
+  }
+  if (options_.presolveMip && options_.presolve.level != 0) {
+    const double budget = control_.work.counted() + kProbingWork +
+                          kProbingShare * static_cast<double>(problem_.cols().numNz());
+    if (probeBinaries(domain, control_, budget).infeasible) {
+      infeasible_ = rootDone_ = true;
+      status_ = MipStatus::Infeasible;
+      rootStatus_ = LpStatus::Infeasible;
+      return;
+    }
   }
   const double seconds = control_.limits.seconds(), work = control_.work.counted();
   lp.follow(domain);

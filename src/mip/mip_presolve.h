@@ -1,0 +1,39 @@
+// Presolve for mixed-integer models: rounds of the linear reductions, which know which columns are
+// integral, and of tightening that keeps the dimensions, while they help each other.
+#pragma once
+
+#include <memory>
+
+#include "mip/mip_options.h"
+#include "presolve/presolve.h"
+
+namespace tarvik {
+
+class MipPresolve {
+ public:
+  MipPresolve(const MipModel &model, const MipOptions &options, SolveControl &control)
+      : reduced_(model), options_(options), control_(control) {}
+
+  // Unchanged, Reduced and Solved leave a reduced model to be searched.
+  PresolveStatus run();
+  const MipModel &reduced() const { return reduced_; }
+  bool solved() const { return reduced_.lp.numCols == 0; }
+  // A point of the reduced model in the space of the model that was given.
+  Vec<double> postsolve(const Vec<double> &x) const;
+
+ private:
+  struct Stage {
+    LpModel input;  // postsolve reads it again
+    Vec<char> integer;
+    Presolve presolve;
+  };
+
+  PresolveStatus reduceLinear(bool &changed);
+
+  MipModel reduced_;
+  const MipOptions &options_;
+  SolveControl &control_;
+  Vec<std::unique_ptr<Stage>> stages_;
+};
+
+}  // namespace tarvik

@@ -1,0 +1,18 @@
+// Probing on binary columns: both values are propagated. A value that cannot be fixes the column;
+// bounds that both values imply hold for good (Savelsbergh, 1994).
+#pragma once
+
+#include "base/solve_control.h"
+#include "mip/domain.h"
+
+namespace tarvik {
+
+struct ProbingResult {
+  bool infeasible = false;
+  int fixed = 0, tightened = 0;
+};
+
+// The domain is at level 0 and propagated; so it is left. Ends soon after workLimit.
+ProbingResult probeBinaries(Domain &domain, SolveControl &control, double workLimit);
+
+}  // namespace tarvik
