@@ -338,6 +338,8 @@ MipStatus MipSearch::run() {
   status_ = MipStatus::Running;
   if (!rootDone_) {
     startWork_ = control_.work.counted();
+    mipCheckTermination();
+    if (status_ != MipStatus::Running) return status_;
     solveRoot();
   }
   if (status_ == MipStatus::Running) treeSearch();

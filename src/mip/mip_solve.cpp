@@ -41,6 +41,7 @@ class MipSolve::Space : public UserSpace {
     return true;
   }
 
+  const Problem &problem() const { return problem_; }
   const Vec<MipSolution> &solutions() const { return solutions_; }
   double iterations() const { return repair_.iterations(); }
 
@@ -67,8 +68,6 @@ MipSolve::MipSolve(const MipModel &model, const MipOptions &options, SolveContro
   options_.simplex.cutoff = kUserInf;
 }
 MipSolve::~MipSolve() = default;
-
-void MipSolve::addStart(const Vec<double> &x) { starts_.push_back(x); }
 
 // What presolve achieved, and what is left.
 void MipSolve::logPresolved(double seconds) const {
@@ -143,13 +142,26 @@ MipStatus MipSolve::resolveUnbounded() {
                                                : MipStatus::InfeasibleOrUnbounded;
 }
 
+void MipSolve::processStarts() {
+  MipStarts::Target target;
+  target.cutoff = [this] {
+    return std::min(options_.cutoff,
+                    space_->solutions().empty() ? kUserInf : space_->solutions().front().objective);
+  };
+  target.accept = [this, &target](const Vec<double> &x, double &objective) {
+    const double cutoff = target.cutoff();
+    return space_->acceptFull(x, objective) && objective < cutoff;
+  };
+  target.rowName = [this](int row) {
+    return rowName ? rowName(row) : std::string("R").append(std::to_string(row));
+  };
+  MipStarts(space_->problem(), options_, control_, target).processMipStarts(starts_);
+}
+
 MipOutcome MipSolve::run() {
   MipOutcome outcome;
   space_ = std::make_unique<Space>(*this);
-  for (const Vec<double> &start : starts_) {
-    double objective = 0;
-    space_->acceptFull(start, objective);
-  }
+  processStarts();
   if (!presolve(outcome)) return outcome;
   problem_ = std::make_unique<Problem>(MipModel(presolve_->reduced()), options_.tolerances);
   if (!options_.subMip && problem_->numCols() > 0) {

@@ -8,6 +8,7 @@
 
 #include "mip/mip_presolve.h"
 #include "mip/mip_search.h"
+#include "mip/mip_starts.h"
 
 namespace tarvik {
 
@@ -30,8 +31,10 @@ class MipSolve {
   MipSolve(const MipModel &model, const MipOptions &options, SolveControl &control);
   ~MipSolve();
 
-  // A point of the model to begin with; complete, feasible or not.
-  void addStart(const Vec<double> &x);
+  // A point of the model to begin with; complete or not, feasible or not.
+  void addStart(MipStart &&start) { starts_.push_back(std::move(start)); }
+  // Names of the model's rows, for messages; without it their numbers are told.
+  std::function<std::string(int)> rowName;
   // Solutions better than the ones known so far are also told to the listener, as they are found.
   std::function<void(const MipSolution &)> onSolution;
 
@@ -43,6 +46,7 @@ class MipSolve {
   bool presolve(MipOutcome &outcome);
   void logPresolved(double seconds) const;
   MipStatus resolveUnbounded();
+  void processStarts();
   void takeOutcome(MipOutcome &outcome);
 
   const MipModel &model_;
@@ -52,7 +56,7 @@ class MipSolve {
   std::unique_ptr<Space> space_;
   std::unique_ptr<Problem> problem_;
   std::unique_ptr<MipSearch> search_;
-  Vec<Vec<double>> starts_;
+  Vec<MipStart> starts_;
 };
 
 }  // namespace tarvik

@@ -84,11 +84,45 @@ class MipRun {
  private:
   MipOutcome search() {
     MipOptions options = mipOptions(env_, model_.data().objSense);
-    const MipModel mip = mipFromModel(model_.data());
+    MipModel mip = mipFromModel(model_.data());
+    if (env_.get(Int::TARV_PAR_IGNOREPRIORITIES) == 1) mip.branchPriority.clear();
     // Iterations of all relaxations count together.
     control_.limits.iterationLimit = kUserInf;
     MipSolve solve(mip, options, control_);
+    solve.rowName = [this](int row) { return std::string(model_.constrName(row)); };
+    addStarts(solve);
+    logSettings();
     return solve.run();
+  }
+
+  void addStarts(MipSolve &solve) {
+    const Vec<Vec<double>> &starts = model_.data().starts;
+    for (std::size_t k = 0; k < starts.size(); ++k)
+      solve.addStart({starts.size() == 1 ? kOnlyStart : static_cast<int>(k), starts[k]});
+    if (!store_.previousX.empty()) solve.addStart({kPreviousSolve, store_.previousX});
+  }
+
+  // Which of the caller's advice the search follows.
+  void logSettings() {
+    const ModelData &data = model_.data();
+    const auto isSet = [](double value) { return value != kUndefined; };
+    if (std::any_of(data.hintVal.begin(), data.hintVal.end(), isSet))
+      env_.log(env_.get(Int::TARV_PAR_IGNOREHINTS) != 0 ? "Ignoring variable hints.\n"
+                                                        : "Using variable hints.\n");
+    const auto nonzero = [](int value) { return value != 0; };
+    const Vec<int> &priority = data.branchPriority;
+    if (!priority.empty()) {
+      const bool some = std::any_of(priority.begin(), priority.end(), nonzero);
+      env_.log(env_.get(Int::TARV_PAR_IGNOREPRIORITIES) == 1 ? "Ignoring branch priorities.\n"
+               : some                                        ? "Using branch priorities.\n"
+                      : "Using branch priorities (all 0).\n");
+    }
+    const auto positive = [](int value) { return value > 0; };
+    if (!data.partition.empty())
+      env_.log(std::any_of(data.partition.begin(), data.partition.end(), positive) &&
+                       env_.get(Int::PartitionPlace) != 0
+                   ? "Using partitions.\n"
+                   : "Ignoring partitions.\n");
   }
 
   void store(MipOutcome &outcome) {
