@@ -58,9 +58,8 @@ double Brancher::scoreOf(int col, double downGain, double upGain) const {
 bool Brancher::upFirst(int col, double x, double downGain, double upGain) const {
   if (options_.branchDir != 0) return options_.branchDir > 0;
   if (!rootX_.empty() && std::fabs(x - rootX_[col]) > kRootMove) return x > rootX_[col];
-  if (problem_.isBinary(col) && problem_.upLocks(col) != problem_.downLocks(col) &&
-      std::min(problem_.upLocks(col), problem_.downLocks(col)) == 0)
-    return problem_.upLocks(col) == 0;
+  // A binary column at one decides much more than one at zero.
+  if (problem_.isBinary(col)) return true;
   const double up = upGain * (1 - (x - std::floor(x)));
   const double down = downGain * (x - std::floor(x));
   return up == down ? x - std::floor(x) > 0.5 : up < down;

@@ -10,10 +10,15 @@ namespace {
 // Bounds of continuous columns are worth a change when they come nearer by this share of the box,
 // or of their own size when there is no box.
 constexpr double kWorthwhileShare = 0.1;
+// The same for integral columns: those with wide boxes would creep along in single steps.
+constexpr double kIntegralShare = 1e-3;
 // Bounds beyond this are too inaccurate to be derived.
 constexpr double kLargestDerived = 1e8;
 // Slack with which an integral bound is rounded.
 constexpr double kRoundingSlack = 1e-6;
+
+// Work of a bound change for each entry of its column.
+constexpr double kChangeWork = 8;
 
 double relativeTolerance(double tolerance, double value) {
   return tolerance * std::max(1.0, std::fabs(value));
@@ -215,9 +220,9 @@ bool Domain::worthwhile(int col, BoundSide side, double value) const {
   if (std::fabs(value) > kLargestDerived) return false;
   const double lower = lower_[col], upper = upper_[col];
   const double old = side == BoundSide::Lower ? lower : upper;
-  if (problem_->isIntegral(col)) return true;
   if (isInf(old)) return true;
   const double step = std::fabs(value - old);
+  if (problem_->isIntegral(col)) return step >= kIntegralShare * (upper - lower);
   const double box = isInf(lower) || isInf(upper) ? std::max(1.0, std::fabs(old)) : upper - lower;
   return step > kWorthwhileShare * box && step > 1e3 * problem_->tolerances().primal;
 }
@@ -288,6 +293,7 @@ bool Domain::tellPropagators() {
 
 bool Domain::propagate(WorkMeter &work) {
   std::size_t next = 0;
+  const std::size_t before = trail_.size();
   while (!empty_) {
     if (!tellPropagators()) break;
     if (next < queue_.size()) {
@@ -303,6 +309,8 @@ bool Domain::propagate(WorkMeter &work) {
   }
   for (std::size_t k = next; k < queue_.size(); ++k) queued_[queue_[k]] = 0;
   queue_.clear();
+  for (std::size_t k = before; k < trail_.size(); ++k)
+    work.charge(kChangeWork * (1 + problem_->cols().length(trail_[k].col)));
   return !empty_;
 }
 

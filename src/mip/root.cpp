@@ -20,7 +20,7 @@ constexpr int kSlackAge = 3;
 
 // Work of probing: so much, and so much for each entry of the matrix.
 constexpr double kProbingWork = 1e7;
-constexpr double kProbingShare = 1000;
+constexpr double kProbingShare = 200;
 
 const char *textOf(LpStatus status) {
   switch (status) {

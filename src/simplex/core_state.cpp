@@ -43,7 +43,8 @@ void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) 
   }
   e.rowWeight.assign(m, 1.0);
   e.rowWeightsValid = false;
-  e.rebuildRows();
+  e.factored = false;
+  for (int j = 0; j < n; ++j) e.syncActive(j);
 }
 
 // Whether the basis has exactly the basic variables of the current one.
@@ -232,6 +233,7 @@ void SimplexCore<Real>::deleteRows(const Vec<char> &mark) {
   for (Vec<Real> *v : {&engine.xB, &engine.lB, &engine.uB}) v->assign(to, Real(0));
   for (SparseVec<Real> *v : {&engine.rho, &engine.column, &engine.work1, &engine.work2})
     v->resize(to);
+  engine.rebuildRows();
   setBasis(kept, nullptr);
   for (int i = 0; i < to; ++i) engine.rowWeight[i] = weightOf[engine.head[i]];
 }
