@@ -5,8 +5,10 @@
 // row's dual is cost / entry, which moves into the costs of the other columns (Andersen and
 // Andersen, 1995).
 //
-// Bounded, in an equation or without cost: the column is the row's slack. It goes, and its range
-// widens the row's. Undoing: where the row stands in its range tells where the slack stands.
+// Bounded and without cost: the column is the row's slack. It goes, and its range widens the
+// row's. Undoing: where the row stands in its range tells where the slack stands. A slack with a
+// cost stays: moving the cost to the others would start the simplex far from the optimum of models
+// that penalise what they leave undone.
 
 #include "presolve/reductions.h"
 
@@ -102,7 +104,7 @@ namespace {
 
 struct Slack {
   int col, row;
-  double coef, cost;
+  double coef;
   double lower, upper;        // of the column
   double rowLower, rowUpper;  // before it became part of the row
   bool equation;              // the row is one afterwards
@@ -117,7 +119,7 @@ bool trySlackCol(Workspace &ws, int j) {
   const Entry entry = model.entry(col.first);
   const int i = entry.row;
   const Row &row = model.row(i);
-  if (col.cost != 0 && !row.isEquation()) return false;
+  if (col.cost != 0) return false;
   if (std::fabs(entry.value) < kSlackCoef || row.length < 2) return false;
   if (!ws.take()) return false;
 
@@ -129,9 +131,8 @@ bool trySlackCol(Workspace &ws, int j) {
   const double lower = without(row.lower, rising ? col.upper : col.lower);
   const double upper = without(row.upper, rising ? col.lower : col.upper);
   ws.stack.begin(RecordKind::SlackCol);
-  ws.stack.put(Slack{j, i, entry.value, col.cost, col.lower, col.upper, row.lower, row.upper,
+  ws.stack.put(Slack{j, i, entry.value, col.lower, col.upper, row.lower, row.upper,
                      ws.coincide(lower, upper)});
-  chargeDual(model, i, j, col.cost / entry.value, row.lower, ws.options.zeroTol);
   model.removeCol(j);
   model.setRowBounds(i, lower, ws.coincide(lower, upper) ? lower : upper);
   return true;
@@ -187,9 +188,7 @@ void undoSlackCol(RecordReader record, PostsolveState &state) {
     state.activity[slack.row] += slack.coef * state.x[slack.col];
   }
   if (!state.hasDual) return;
-  const double dual = state.y[slack.row];
-  state.y[slack.row] = dual + state.cost(slack.cost) / slack.coef;
-  state.d[slack.col] = -slack.coef * dual;
+  state.d[slack.col] = -slack.coef * state.y[slack.row];
 }
 
 }  // namespace tarvik::presolve

@@ -24,8 +24,9 @@ inline constexpr int kUsedUpdates = 10, kOldUpdates = 20;
 inline constexpr double kSmallPivot = 1e-5;
 
 // Base of the cost perturbation relative to the (damped) largest cost; larger values remove more
-// degeneracy and leave more clean-up work.
-inline constexpr double kCostPerturbation = 5e-7;
+// degeneracy and leave more clean-up work. Smaller than some ten times the dual tolerance it is
+// lost in the ratio test's own tolerance.
+inline constexpr double kCostPerturbation = 1.5e-5;
 // PerturbValue at which the base applies unchanged.
 inline constexpr double kDefaultPerturbValue = 2e-4;
 
