@@ -9,6 +9,8 @@ Relaxation::Relaxation(const Problem &problem, const SimplexOptions &options)
       simplex_(options),
       lower_(problem.lp().colLower),
       upper_(problem.lp().colUpper) {
+  // Points are checked and repaired before they count; bounds need no polish.
+  simplex_.options().polish = false;
   simplex_.load(problem.lp());
 }
 

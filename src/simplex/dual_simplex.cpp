@@ -37,16 +37,19 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   allowSmallPivots_ = false;
   if (!e_.factored && !e_.refactor()) return e_.troubleResult();
   e_.computeDual();
+  primalFresh_ = false;
   if (perturb && wantsPerturbation()) {
     perturbCosts();
     e_.computeDual();
   }
+  dualsFresh_ = true;
   for (int attempt = 0; attempt < 3; ++attempt) {
     if (correctDuals(false) == 0) {
       const PhaseResult result = phase(false);
       return result == PhaseResult::Optimal ? finishPhaseTwo() : result;
     }
     installPhaseOneBoxes();
+    dualsFresh_ = primalFresh_ = false;
     const PhaseResult result = phase(true);
     e_.resetWorkingBounds();
     if (result != PhaseResult::Optimal) return result;
@@ -79,6 +82,8 @@ bool DualSimplex<Real>::wantsPerturbation() {
   if (structurals == 0) return true;
   e_.loadBasicBounds();
   e_.computePrimal();
+  primalFresh_ = true;
+  freshFlips_ = flips_;
   e_.primalInfeasibilitySum(&primal);
   e_.dualInfeasibilitySum(&dual);
   return primal + dual > std::max(tuning::kWarmInfeasibilities, e_.lp.m / 20);
@@ -183,7 +188,8 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
 // Values of the working problem from the factors; with compare against the updated ones.
 template <class Real>
 void DualSimplex<Real>::recompute(bool phaseOne, bool compare) {
-  e_.computeDual();
+  if (!dualsFresh_) e_.computeDual();
+  dualsFresh_ = false;
   if (compare) e_.compareDuals();
   const double flips = flips_;
   correctDuals(!phaseOne);
@@ -193,7 +199,8 @@ void DualSimplex<Real>::recompute(bool phaseOne, bool compare) {
     width_[j] = e_.upper[j] - e_.lower[j];
     if (j < e_.lp.n && e_.move[j] == 0 && e_.canEnter(j)) freeNonbasic_.push_back(j);
   }
-  e_.computePrimal();
+  if (!primalFresh_ || flips_ != freshFlips_) e_.computePrimal();
+  primalFresh_ = false;
   if (compare && flips_ == flips) e_.comparePrimal();
 }
 

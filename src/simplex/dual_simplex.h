@@ -76,6 +76,10 @@ class DualSimplex {
   bool allowSmallPivots_ = false;
   bool retry_ = false;  // the verdict asks for another try without the row it blocked
   double flips_ = 0;    // of reduced costs mended by a change of side
+  // Values computed at the start of a run that its first rebuild need not compute again; the
+  // primal ones hold as long as no flip was made since.
+  bool dualsFresh_ = false, primalFresh_ = false;
+  double freshFlips_ = 0;
   Real thetaD_ = 0;
   BasisPos troubleRow_ = -1;
   bool phaseOne_ = false;

@@ -144,6 +144,7 @@ bool SimplexCore<Real>::tightenIfViolated() {
 // solution that shows it misses the caller's tolerance, as it would have on another path.
 template <class Real>
 PhaseResult SimplexCore<Real>::polish() {
+  if (!engine.options.polish) return PhaseResult::Optimal;
   double primal, dual;
   unscaledViolations(primal, dual);
   if (primal <= tuning::kPolishTol && dual <= tuning::kPolishTol) return PhaseResult::Optimal;

@@ -22,6 +22,7 @@ struct SimplexOptions {
   int statistics = 0;  // LP statistics report: 1 of what is seen anyway, 2 with condition numbers
   int seed = 0;
   bool primalDualSwitch = true;
+  bool polish = true;  // go on at an optimum until tighter tolerances hold, where that is cheap
   bool wantCertificates = true;  // keep Farkas proof or ray
   bool logging = true;
   double logSign = 1;  // -1 prints objectives of a maximization in its own sense
