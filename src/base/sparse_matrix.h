@@ -36,4 +36,10 @@ struct SparseMatrix {
 // The same matrix with the other dimension major; minor indices come out sorted.
 SparseMatrix transpose(const SparseMatrix &matrix);
 
+// The two steps of a transposition into arrays of the caller: where the vectors of the other
+// dimension start, and their entries.
+void transposedStarts(const SparseMatrix &matrix, Vec<NzIndex> &start);
+void transposeEntries(const SparseMatrix &matrix, const Vec<NzIndex> &start, int *index,
+                      double *value);
+
 }  // namespace tarvik
