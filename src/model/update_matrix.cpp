@@ -17,8 +17,8 @@ void MatrixUpdate::prepare(SparseMatrix &a, const PendingChanges &p, const Vec<i
   std::size_t newEntries = p.cols.a.index.size() + p.rows.a.index.size() + rangeRows.size();
   if (numChanges > 0) {
     rowAt_.assign(p.allConstrs(), -1);
-    orderChanges(p.coefs, numCols);
-    const std::size_t insertions = countInsertions(a, p.coefs);
+    sortChanges(p.coefs, numCols);
+    const std::size_t insertions = countInsertions(a);
     inserted_.reserve(insertions);
     newEntries += insertions;
   }
@@ -28,31 +28,33 @@ void MatrixUpdate::prepare(SparseMatrix &a, const PendingChanges &p, const Vec<i
   makeRoom(a.value, newEntries);
 }
 
-void MatrixUpdate::orderChanges(const CoefChanges &changes, int numCols) {
+// The changes themselves are sorted, not references to them: what follows reads them in sequence.
+void MatrixUpdate::sortChanges(const CoefChanges &changes, int numCols) {
   const int count = static_cast<int>(changes.col.size());
-  order_.resize(count);
+  changes_.resize(count);
   if (static_cast<std::size_t>(count) * 8 < static_cast<std::size_t>(numCols)) {
-    std::iota(order_.begin(), order_.end(), 0);
-    std::stable_sort(order_.begin(), order_.end(),
-                     [&](int x, int y) { return changes.col[x] < changes.col[y]; });
+    for (int k = 0; k < count; ++k) changes_[k] = {changes.row[k], changes.col[k], changes.val[k]};
+    std::stable_sort(changes_.begin(), changes_.end(),
+                     [](const Change &x, const Change &y) { return x.col < y.col; });
     return;
   }
   Vec<int> next(static_cast<std::size_t>(numCols) + 1, 0);
   for (const int j : changes.col) ++next[j + 1];
   std::partial_sum(next.begin(), next.end(), next.begin());
-  for (int k = 0; k < count; ++k) order_[next[changes.col[k]]++] = k;
+  for (int k = 0; k < count; ++k)
+    changes_[next[changes.col[k]]++] = {changes.row[k], changes.col[k], changes.val[k]};
 }
 
 // At most so many changes concern entries that the matrix does not hold.
-std::size_t MatrixUpdate::countInsertions(const SparseMatrix &a, const CoefChanges &changes) {
+std::size_t MatrixUpdate::countInsertions(const SparseMatrix &a) {
   std::size_t count = 0;
-  for (std::size_t from = 0; from < order_.size();) {
-    const int j = changes.col[order_[from]];
+  for (std::size_t from = 0; from < changes_.size();) {
+    const int j = changes_[from].col;
     const bool present = j < a.numMajor;
     for (NzIndex k = present ? a.start[j] : 0; present && k < a.start[j + 1]; ++k)
       rowAt_[a.index[k]] = k;
-    for (; from < order_.size() && changes.col[order_[from]] == j; ++from)
-      count += rowAt_[changes.row[order_[from]]] < 0;
+    for (; from < changes_.size() && changes_[from].col == j; ++from)
+      count += rowAt_[changes_[from].row] < 0;
     for (NzIndex k = present ? a.start[j] : 0; present && k < a.start[j + 1]; ++k)
       rowAt_[a.index[k]] = -1;
   }
@@ -63,7 +65,7 @@ void MatrixUpdate::commit(SparseMatrix &a, PendingChanges &p, const Vec<int> &ra
   appendColumns(a, p.cols, rangeRows);
   a.numMinor = p.allConstrs();
   if (!p.rows.a.index.empty()) insertRows(a, p.rows, p.baseConstrs);
-  if (!order_.empty()) applyChanges(a, p.coefs);
+  if (!changes_.empty()) applyChanges(a);
 }
 
 void MatrixUpdate::appendColumns(SparseMatrix &a, const PendingColumns &cols,
@@ -114,49 +116,49 @@ void MatrixUpdate::insertRows(SparseMatrix &a, const PendingRows &rows, int base
   }
 }
 
-void MatrixUpdate::applyChanges(SparseMatrix &a, CoefChanges &changes) noexcept {
+void MatrixUpdate::applyChanges(SparseMatrix &a) noexcept {
   std::fill(gap_.begin(), gap_.end(), 0);
-  for (std::size_t from = 0; from < order_.size();) {
+  for (std::size_t from = 0; from < changes_.size();) {
     std::size_t to = from + 1;
-    while (to < order_.size() && changes.col[order_[to]] == changes.col[order_[from]]) ++to;
-    applyColumnChanges(a, changes, from, to);
+    while (to < changes_.size() && changes_[to].col == changes_[from].col) ++to;
+    applyColumnChanges(a, from, to);
     from = to;
   }
   if (inserted_.empty()) return;
   openGaps(a);
   for (const int k : inserted_) {
-    if (std::abs(changes.val[k]) < tolerance_) continue;
-    const NzIndex at = gap_[changes.col[k]]++;
-    a.index[at] = changes.row[k];
-    a.value[at] = changes.val[k];
+    const Change &change = changes_[k];
+    if (std::abs(change.val) < tolerance_) continue;
+    const NzIndex at = gap_[change.col]++;
+    a.index[at] = change.row;
+    a.value[at] = change.val;
   }
 }
 
 // Overwrites existing entries; the first change of an absent entry becomes its insertion and
 // later ones replace its value. Values below the tolerance remove the entry.
-void MatrixUpdate::applyColumnChanges(SparseMatrix &a, CoefChanges &changes, std::size_t from,
-                                      std::size_t to) noexcept {
-  const int j = changes.col[order_[from]];
+void MatrixUpdate::applyColumnChanges(SparseMatrix &a, std::size_t from, std::size_t to) noexcept {
+  const int j = changes_[from].col;
   for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k) rowAt_[a.index[k]] = k;
   const std::size_t firstInserted = inserted_.size();
   for (std::size_t c = from; c < to; ++c) {
-    const int change = order_[c];
-    NzIndex &at = rowAt_[changes.row[change]];
+    const Change &change = changes_[c];
+    NzIndex &at = rowAt_[change.row];
     if (at >= 0) {
-      const bool small = std::abs(changes.val[change]) < tolerance_;
-      a.value[at] = small ? 0 : changes.val[change];
+      const bool small = std::abs(change.val) < tolerance_;
+      a.value[at] = small ? 0 : change.val;
       hasZeros_ = hasZeros_ || small;
     } else if (at == -1) {
-      at = -2 - static_cast<NzIndex>(change);
-      inserted_.push_back(change);
+      at = -2 - static_cast<NzIndex>(c);
+      inserted_.push_back(static_cast<int>(c));
     } else {
-      changes.val[-2 - at] = changes.val[change];
+      changes_[-2 - at].val = change.val;
     }
   }
   for (std::size_t k = firstInserted; k < inserted_.size(); ++k)
-    gap_[j] += std::abs(changes.val[inserted_[k]]) >= tolerance_;
+    gap_[j] += std::abs(changes_[inserted_[k]].val) >= tolerance_;
   for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k) rowAt_[a.index[k]] = -1;
-  for (std::size_t c = from; c < to; ++c) rowAt_[changes.row[order_[c]]] = -1;
+  for (std::size_t c = from; c < to; ++c) rowAt_[changes_[c].row] = -1;
   work_ += a.length(j);
 }
 

@@ -23,21 +23,25 @@ class MatrixUpdate {
   double work() const { return work_; }
 
  private:
-  void orderChanges(const CoefChanges &changes, int numCols);
-  std::size_t countInsertions(const SparseMatrix &a, const CoefChanges &changes);
+  struct Change {
+    int row, col;
+    double val;
+  };
+
+  void sortChanges(const CoefChanges &changes, int numCols);
+  std::size_t countInsertions(const SparseMatrix &a);
   void appendColumns(SparseMatrix &a, const PendingColumns &cols,
                      const Vec<int> &rangeRows) noexcept;
   void insertRows(SparseMatrix &a, const PendingRows &rows, int baseRows) noexcept;
-  void applyChanges(SparseMatrix &a, CoefChanges &changes) noexcept;
-  void applyColumnChanges(SparseMatrix &a, CoefChanges &changes, std::size_t from,
-                          std::size_t to) noexcept;
+  void applyChanges(SparseMatrix &a) noexcept;
+  void applyColumnChanges(SparseMatrix &a, std::size_t from, std::size_t to) noexcept;
   void openGaps(SparseMatrix &a) noexcept;
 
   double tolerance_ = 0;
-  Vec<NzIndex> gap_;    // per column: first the size of its gap, then the gap's next position
-  Vec<int> order_;      // coefficient changes by column, in the order given within one
-  Vec<NzIndex> rowAt_;  // per row: position in the column at hand, -1 absent
-  Vec<int> inserted_;   // changes that become new entries
+  Vec<NzIndex> gap_;     // per column: first the size of its gap, then the gap's next position
+  Vec<Change> changes_;  // by column, in the order given within one
+  Vec<NzIndex> rowAt_;   // per row: position in the column at hand, -1 absent
+  Vec<int> inserted_;    // positions of the changes that become new entries
   bool hasZeros_ = false;
   double work_ = 0;
 };
