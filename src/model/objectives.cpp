@@ -102,6 +102,8 @@ void setObjective(Model &model, int sense, double constant, const LinearTerms &l
 void setObjectiveN(Model &model, int number, const ObjectiveSettings &settings,
                    const LinearTerms &linear) {
   if (number < 0) throw Error(TVK_ERROR_INVALID_ARGUMENT, "Objective index must be non-negative");
+  if (number >= kMaxInt)
+    throw Error(TVK_ERROR_INVALID_ARGUMENT, "Objective index %d is too large", number);
   for (const double v : {settings.weight, settings.absTol, settings.relTol, settings.con})
     checkNoNanValue(v);
   model.edit([&](PendingChanges &p) {

@@ -6,6 +6,7 @@
 #include "attr/fingerprint.h"
 #include "attr/statistics.h"
 #include "base/locale_scope.h"
+#include "model/objectives.h"
 #include "opt/lp_solve.h"
 #include "opt/mip_driver.h"
 #include "opt/param_scope.h"
@@ -121,6 +122,7 @@ void solve(Model &model) {
   logModelSize(env, data);
   logFingerprint(model);
   printStatistics(model);
+  checkPwlObjectives(model);
   checkSupported(data);
   adjustDefaults(params, env, data.isMip());
   try {

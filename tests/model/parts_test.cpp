@@ -1,4 +1,5 @@
 // Quadratic parts, cones, SOS, general constraints and whole objectives.
+#include <climits>
 #include <cmath>
 #include <limits>
 
@@ -247,6 +248,8 @@ TEST_F(PartsTest, WholeObjectives) {
                 TVK_ERROR_INVALID_ARGUMENT, "Objective index must be non-negative");
   ASSERT_EQ(TVKsetintparam(modelEnv(), "ObjNumber", 4), 0);
   update();
+  expectFailure(TVKsetobjectiven(model, INT_MAX, 0, 1, 0, 0, nullptr, 0, 0, nullptr, nullptr),
+                TVK_ERROR_INVALID_ARGUMENT, "Objective index 2147483647 is too large");
   EXPECT_EQ(count("NumObj"), 5);
   EXPECT_EQ(doubles("ObjN", 2), (Doubles{3, 0}));
   EXPECT_EQ((Doubles{scalar("ObjNCon"), scalar("ObjNWeight"), scalar("ObjNAbsTol"),
@@ -268,6 +271,7 @@ TEST_F(PartsTest, PiecewiseLinearObjectivesAreCheckedBeforeASolve) {
     return "";
   };
   EXPECT_EQ(check({1, 0}, {0, 0}), "x values for PWL objective of variable C0 aren't sorted");
+  EXPECT_EQ(TVKoptimize(model), TVK_ERROR_INVALID_PIECEWISE_OBJ);
   EXPECT_EQ(check({0, 1e-7}, {0, 0}),
             "all x values for PWL objective of variable C0 differ less than 1E-6");
   EXPECT_EQ(
