@@ -48,39 +48,48 @@ NzIndex getVars(const Model &model, int start, int len, const SparseOutput<Offse
   return count;
 }
 
-// The rows of the range are transposed out of the columns, which are visited in order, so that
-// each row lists its columns in ascending order.
+namespace {
+
+// A caller that asks for a part of the rows asks for the others too: the entries are then kept by
+// rows, so that reading a model row by row costs no more than reading it at once.
+void keepRows(const SparseMatrix &a, SparseMatrix &rows) {
+  if (!rows.index.empty()) return;
+  Vec<int> index(a.index.size());
+  Vec<double> value(a.value.size());
+  transposeEntries(a, rows.start, index.data(), value.data());
+  rows.index = std::move(index);
+  rows.value = std::move(value);
+}
+
+}  // namespace
+
 template <class Offset>
-NzIndex getConstrs(const Model &model, int start, int len, const SparseOutput<Offset> &out) {
+NzIndex getConstrs(Model &model, int start, int len, const SparseOutput<Offset> &out) {
   const SparseMatrix &a = model.data().a;
   checkRange(start, len, a.numMinor, "constraint");
-  Vec<NzIndex> next(static_cast<std::size_t>(len) + 1, 0);
-  const unsigned range = static_cast<unsigned>(len);
-  for (const int i : a.index) {
-    const unsigned row = static_cast<unsigned>(i - start);
-    if (row < range) ++next[row + 1];
+  SparseMatrix &rows = model.derived().rows;
+  if (rows.numMajor != a.numMinor) {
+    transposedStarts(a, rows.start);
+    rows.numMajor = a.numMinor;
   }
-  for (int i = 0; i < len; ++i) next[i + 1] += next[i];
-  const NzIndex count = next[len];
+  const NzIndex first = rows.start[start], count = rows.start[start + len] - first;
   checkCount<Offset>(count);
   if (!out.wanted()) return count;
-  for (int i = 0; i < len; ++i) out.beg[i] = static_cast<Offset>(next[i]);
-  for (int j = 0; j < a.numMajor; ++j) {
-    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k) {
-      const unsigned row = static_cast<unsigned>(a.index[k] - start);
-      if (row >= range) continue;
-      const NzIndex at = next[row]++;
-      out.ind[at] = j;
-      out.val[at] = a.value[k];
-    }
+  for (int i = 0; i < len; ++i) out.beg[i] = static_cast<Offset>(rows.start[start + i] - first);
+  if (len == a.numMinor && rows.index.empty()) {
+    transposeEntries(a, rows.start, out.ind, out.val);
+    return count;
   }
+  keepRows(a, rows);
+  std::copy_n(rows.index.begin() + first, count, out.ind);
+  std::copy_n(rows.value.begin() + first, count, out.val);
   return count;
 }
 
 template NzIndex getVars(const Model &, int, int, const SparseOutput<int> &);
 template NzIndex getVars(const Model &, int, int, const SparseOutput<std::size_t> &);
-template NzIndex getConstrs(const Model &, int, int, const SparseOutput<int> &);
-template NzIndex getConstrs(const Model &, int, int, const SparseOutput<std::size_t> &);
+template NzIndex getConstrs(Model &, int, int, const SparseOutput<int> &);
+template NzIndex getConstrs(Model &, int, int, const SparseOutput<std::size_t> &);
 
 GenConstr &getGenConstr(Model &model, int id, int type) {
   if (id < 0 || id >= model.data().numGenConstrs()) {

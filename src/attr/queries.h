@@ -24,7 +24,7 @@ struct SparseOutput {
 template <class Offset>
 NzIndex getVars(const Model &model, int start, int len, const SparseOutput<Offset> &out);
 template <class Offset>
-NzIndex getConstrs(const Model &model, int start, int len, const SparseOutput<Offset> &out);
+NzIndex getConstrs(Model &model, int start, int len, const SparseOutput<Offset> &out);
 
 // The general constraint of an index, which must be of the type asked for.
 GenConstr &getGenConstr(Model &model, int id, int type);

@@ -25,6 +25,9 @@ struct DerivedData {
   NameIndex varNames, constrNames, qconstrNames;
   // Default texts of elements without a name, as long as the kind has unnamed elements.
   NameList defaultVarNames, defaultConstrNames, defaultQConstrNames, defaultGenConstrNames;
+  // The matrix by rows: their starts once a row was asked for, the entries once a part of the
+  // rows was.
+  SparseMatrix rows;
   bool hasFingerprint = false;
   int fingerprint = 0;
   std::optional<ModelStatistics> statistics;

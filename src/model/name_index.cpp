@@ -1,6 +1,5 @@
 #include "model/name_index.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -28,31 +27,75 @@ std::uint64_t hashName(std::string_view name) {
   return hash ^ (hash >> 29);
 }
 
-void NameIndex::build(const NameList &names) {
-  const std::size_t wanted = static_cast<std::size_t>(1.4 * names.size()) + 1;
-  const std::size_t size = std::bit_ceil(std::max<std::size_t>(wanted, 8));
-  Vec<Slot> slots(size);
-  for (int k = 0; k < names.size(); ++k) {
-    const std::string_view name = names.get(k);
-    if (name.empty()) continue;
-    const std::uint64_t hash = hashName(name);
-    const std::uint32_t tag = static_cast<std::uint32_t>(hash >> 32);
-    std::size_t s = hash & (size - 1);
-    while (slots[s].position >= 0 && (slots[s].tag != tag || name != names.get(slots[s].position)))
-      s = (s + 1) & (size - 1);
-    if (slots[s].position < 0) slots[s] = {tag, k};
+namespace {
+
+constexpr std::uintptr_t kCacheLine = 64;
+
+std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
+
+}  // namespace
+
+NameIndex::Slot *NameIndex::locate(const NameList &names, std::string_view name,
+                                   std::uint64_t hash) {
+  const std::uint32_t tag = tagOf(hash);
+  Slot *group = groupOf(hash);
+  for (std::uint64_t k = 0; k < numGroups_; ++k, group = nextGroup(group)) {
+    unsigned matches = 0;
+    for (int s = 0; s < kGroupSize; ++s) matches |= static_cast<unsigned>(group[s].tag == tag) << s;
+    for (; matches != 0; matches &= matches - 1) {
+      Slot &slot = group[std::countr_zero(matches)];
+      if (slot.position >= 0 && names.textEquals(slot.text, name)) return &slot;
+    }
+    for (int s = 0; s < kGroupSize; ++s)
+      if (group[s].position < 0) return &group[s];
   }
-  mask_ = size - 1;
-  slots_ = std::move(slots);
+  return nullptr;
 }
 
-int NameIndex::find(const NameList &names, std::string_view name) const {
+void NameIndex::insert(const NameList &names, int position, std::uint64_t hash) {
+  Slot *slot = locate(names, names.get(position), hash);
+  if (slot->position >= 0)
+    unique_ = false;
+  else
+    *slot = {names.textStart(position), tagOf(hash), position};
+}
+
+// Hashes run ahead of the insertions, so that the slots are on their way when they are needed.
+void NameIndex::build(const NameList &names) {
+  constexpr int kAhead = 32;
+  const auto wanted = static_cast<std::uint64_t>(1.4 * names.size()) + 1;
+  const std::uint64_t numGroups = (wanted + kGroupSize - 1) / kGroupSize;
+  Vec<Slot> slots(kGroupSize * (numGroups + 1));
+  slots_ = std::move(slots);
+  numGroups_ = numGroups;
+  const auto address = reinterpret_cast<std::uintptr_t>(slots_.data());
+  groups_ = slots_.data() + (kCacheLine - address % kCacheLine) % kCacheLine / sizeof(Slot);
+  unique_ = true;
+  lastFound_ = -2;
+  inOrder_ = false;
+
+  std::uint64_t hashes[kAhead];
+  const int count = names.size();
+  for (int k = 0; k < count + kAhead; ++k) {
+    std::uint64_t &hash = hashes[k % kAhead];
+    if (k >= kAhead && !names.isBlank(k - kAhead)) insert(names, k - kAhead, hash);
+    if (k >= count) continue;
+    hash = hashName(names.get(k));
+    __builtin_prefetch(groupOf(hash), 1);
+  }
+}
+
+int NameIndex::find(const NameList &names, std::string_view name) {
   if (name.empty()) return -1;
-  const std::uint64_t hash = hashName(name);
-  const std::uint32_t tag = static_cast<std::uint32_t>(hash >> 32);
-  for (std::size_t s = hash & mask_; slots_[s].position >= 0; s = (s + 1) & mask_)
-    if (slots_[s].tag == tag && name == names.get(slots_[s].position)) return slots_[s].position;
-  return -1;
+  const int next = lastFound_ + 1;
+  if (inOrder_ && unique_ && next < names.size() && names.textEquals(names.textStart(next), name)) {
+    return lastFound_ = next;
+  }
+  const Slot *slot = locate(names, name, hashName(name));
+  const int position = slot ? slot->position : -1;
+  if (position < 0) return -1;
+  inOrder_ = position == next;
+  return lastFound_ = position;
 }
 
 }  // namespace tarvik

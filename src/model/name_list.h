@@ -19,6 +19,13 @@ class NameList {
   const char *get(int k) const { return pool_.data() + start_[k]; }
   bool isBlank(int k) const { return *get(k) == '\0'; }
   std::size_t poolBytes() const { return pool_.size(); }
+  // Where the text of an entry begins in the pool, and whether the text there is the given one.
+  NzIndex textStart(int k) const { return start_[k]; }
+  bool textEquals(NzIndex start, std::string_view text) const {
+    return pool_.size() - static_cast<std::size_t>(start) > text.size() &&
+           std::memcmp(&pool_[start], text.data(), text.size()) == 0 &&
+           pool_[start + static_cast<NzIndex>(text.size())] == '\0';
+  }
 
   // Without reallocation, and so without a throw, once reserve() made room.
   void append(std::string_view name) {

@@ -1,4 +1,5 @@
 // Variables, linear constraints, ranges, coefficients, deletions, names and the update.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -291,6 +292,80 @@ TEST_F(LinearTest, MatrixQueriesFollowTheTwoCallProtocol) {
   double value;
   EXPECT_EQ(TVKgetcoeff(model, 2, 9, &value), TVK_ERROR_INDEX_OUT_OF_RANGE);
   EXPECT_EQ(error(), "Row index 2 out of range in coefficient query");
+}
+
+// In list order, in random order, with repeated names and after changes: always the first of the
+// variables that have the name now.
+TEST_F(LinearTest, NamesAreFoundInAnyOrder) {
+  constexpr int kNumVars = 3000;
+  std::vector<std::string> names;
+  for (int j = 0; j < kNumVars; ++j) {
+    names.push_back(j % 97 == 0 ? "again" : "name" + std::to_string(j * j));
+    addVar(0, 0, 1, 'C', names.back().c_str());
+  }
+  update();
+  const auto find = [&](const std::string &name) {
+    int index = -77;
+    EXPECT_EQ(TVKgetvarbyname(model, name.c_str(), &index), 0);
+    return index;
+  };
+  const auto first = [&](const std::string &name) {
+    const auto it = std::find(names.begin(), names.end(), name);
+    return it == names.end() ? -1 : static_cast<int>(it - names.begin());
+  };
+  for (const std::string &name : names) EXPECT_EQ(find(name), first(name));
+  for (int k = 0; k < kNumVars; ++k) {
+    const std::string &name = names[static_cast<std::size_t>(k) * 1009 % kNumVars];
+    EXPECT_EQ(find(name), first(name));
+    EXPECT_EQ(find(name + "x"), -1);
+  }
+  EXPECT_EQ(find(""), -1);
+  TVKsetstrattrelement(model, "VarName", 5, "again");
+  TVKsetstrattrelement(model, "VarName", 0, "fresh");
+  const int dropped = 2;
+  TVKdelvars(model, 1, &dropped);
+  update();
+  EXPECT_EQ(find("again"), 4);
+  EXPECT_EQ(find("fresh"), 0);
+  EXPECT_EQ(find(names[2]), -1);
+  EXPECT_EQ(find(names[3]), 2);
+}
+
+TEST_F(LinearTest, UniqueNamesAreFoundInOrderAndOutOfIt) {
+  for (const char *name : {"a", "b", "c", "d", "e"}) addVar(0, 0, 1, 'C', name);
+  update();
+  for (const char *order : {"abcde", "abzcd", "abacad", "edcba", "deab"}) {
+    for (const char *at = order; *at; ++at) {
+      int index = -77;
+      EXPECT_EQ(TVKgetvarbyname(model, std::string(1, *at).c_str(), &index), 0);
+      EXPECT_EQ(index, *at == 'z' ? -1 : *at - 'a') << order;
+    }
+  }
+}
+
+TEST_F(LinearTest, RowsReadOneByOneAreThoseOfTheLastUpdate) {
+  addVars(3);
+  const int ind[] = {2, 0}, row = 0, var = 1;
+  const double val[] = {4, 5}, changed = 7;
+  TVKaddconstr(model, 2, ind, val, '<', 1, nullptr);
+  TVKaddconstr(model, 1, ind, val, '<', 1, nullptr);
+  update();
+  const auto read = [&](int start, int len) {
+    int numNz = 0, beg[2], cind[6];
+    double cval[6];
+    EXPECT_EQ(TVKgetconstrs(model, &numNz, beg, cind, cval, start, len), 0);
+    std::string text;
+    for (int k = 0; k < numNz; ++k)
+      text += std::to_string(cind[k]) + ":" + std::to_string(static_cast<int>(cval[k])) + " ";
+    return text;
+  };
+  EXPECT_EQ(read(0, 1), "0:5 2:4 ");
+  EXPECT_EQ(read(1, 1), "2:4 ");
+  EXPECT_EQ(read(0, 2), "0:5 2:4 2:4 ");
+  TVKchgcoeffs(model, 1, &row, &var, &changed);
+  EXPECT_EQ(read(0, 1), "0:5 2:4 ");
+  update();
+  EXPECT_EQ(read(0, 1), "0:5 1:7 2:4 ");
 }
 
 }  // namespace
