@@ -76,7 +76,7 @@ int scopeSize(const Model &model, AttrScope scope, bool write) {
 }
 
 void checkElements(const Elements &elements, int size, const char *name) {
-  if (elements.list) {
+  if (elements.list && elements.len >= 0) {
     for (int k = 0; k < elements.len; ++k) {
       if (elements.list[k] >= 0 && elements.list[k] < size) continue;
       throw Error(TVK_ERROR_INDEX_OUT_OF_RANGE, "Index %d out of range for attribute '%s'",

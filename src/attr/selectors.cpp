@@ -17,26 +17,26 @@ int pendingNumStarts(const Model &model) {
   return p && p->numStart ? *p->numStart : static_cast<int>(model.data().starts.size());
 }
 
+namespace {
+
+int checkedSelection(int number, int count, const char *none, const char *tooLarge) {
+  if (number < count) return number;
+  throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE, "%s", count == 0 ? none : tooLarge);
+}
+
+}  // namespace
+
 int selectedObjective(Model &model) {
-  const int number = model.env().get(Int::ObjNumber);
-  const int count = pendingNumObjectives(model);
-  if (count == 0) throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE, "It isn't a multi-objective model");
-  if (number >= count) {
-    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE,
-                "Value of parameter ObjNumber is larger than the number of objectives");
-  }
-  return number;
+  return checkedSelection(model.env().get(Int::ObjNumber), pendingNumObjectives(model),
+                          "It isn't a multi-objective model",
+                          "Value of parameter ObjNumber is larger than the number of objectives");
 }
 
 int selectedScenario(Model &model) {
-  const int number = model.env().get(Int::ScenarioNumber);
-  const int count = pendingNumScenarios(model);
-  if (count == 0) throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE, "It isn't a multi-scenario model");
-  if (number >= count) {
-    throw Error(TVK_ERROR_VALUE_OUT_OF_RANGE,
-                "Value of parameter ScenarioNumber is larger than the number of scenarios");
-  }
-  return number;
+  return checkedSelection(
+      model.env().get(Int::ScenarioNumber), pendingNumScenarios(model),
+      "It isn't a multi-scenario model",
+      "Value of parameter ScenarioNumber is larger than the number of scenarios");
 }
 
 void checkScenarioRhs(const Model &model, int constr, double rhs, int scenario) {

@@ -97,7 +97,85 @@ TEST_F(AttrTest, EveryMisuseHasItsMessage) {
          "Invalid variable type 'z'");
   expect(TVKsetintattr(model, "ModelSense", 3), TVK_ERROR_INVALID_ARGUMENT,
          "Invalid objective sense");
+  expect(TVKsetdblattrlist(model, "LB", -3, bad, d), TVK_ERROR_INDEX_OUT_OF_RANGE,
+         "Index out of range for attribute 'LB'");
+  expect(TVKgetdblattrlist(model, "LB", -3, bad, d), TVK_ERROR_INDEX_OUT_OF_RANGE,
+         "Index out of range for attribute 'LB'");
+  expect(TVKsetdblattrlist(model, "LB", 1, nullptr, d), TVK_ERROR_NULL_ARGUMENT,
+         "NULL 'ind' argument supplied");
   EXPECT_EQ(TVKgetdblattrarray(model, "X", 0, 0, nullptr), 0);
+}
+
+// Every attribute through every function, with lengths of all kinds: an answer or an error, and
+// what is read through one form is what another form and TVKisattravailable say.
+TEST_F(AttrTest, EveryAttributeAnswersEveryFunction) {
+  addVars(3);
+  addVar(1, 0, 4, 'I', "named");
+  const int ind[] = {0, 1}, type = 1, beg = 0;
+  const double val[] = {1, 2};
+  TVKaddconstr(model, 2, ind, val, '<', 3, nullptr);
+  TVKaddsos(model, 1, 2, &type, &beg, ind, val);
+  TVKaddqconstr(model, 1, ind, val, 1, ind, ind, val, '<', 3, nullptr);
+  TVKaddgenconstrExp(model, nullptr, 0, 1, nullptr);
+  TVKsetintattr(model, "NumObj", 2);
+  TVKsetintattr(model, "NumScenarios", 2);
+  update();
+  addVars(2);  // pending elements may be set, not read
+  constexpr int kRoom = 8;
+  for (int a = 0; a < TVKgetnumattributes(model); ++a) {
+    char *name = nullptr;
+    ASSERT_EQ(TVKgetattrname(model, a, &name), 0);
+    int dataType = -1, scope = -1, settable = -1;
+    ASSERT_EQ(TVKgetattrinfo(model, name, &dataType, &scope, &settable), 0);
+    int ints[kRoom] = {}, list[kRoom] = {0, 0};
+    double doubles[kRoom] = {};
+    char chars[kRoom + 1] = "CCCCCCCC", *texts[kRoom] = {};
+    const char *given[kRoom] = {};
+    int scalar = 0, element = 0;
+    if (dataType == 1) {
+      scalar = TVKgetintattr(model, name, ints);
+      element = TVKgetintattrelement(model, name, 0, ints);
+    } else if (dataType == 2) {
+      scalar = TVKgetdblattr(model, name, doubles);
+      element = TVKgetdblattrelement(model, name, 0, doubles);
+    } else if (dataType == 3) {
+      scalar = TVKgetstrattr(model, name, texts);
+      element = TVKgetstrattrelement(model, name, 0, texts);
+    } else {
+      scalar = TVK_ERROR_UNKNOWN_ATTRIBUTE;
+      element = TVKgetcharattrelement(model, name, 0, chars);
+    }
+    EXPECT_EQ(scope == 0 ? element : scalar, TVK_ERROR_UNKNOWN_ATTRIBUTE) << name;
+    EXPECT_EQ(TVKisattravailable(model, name), (scope == 0 ? scalar : element) == 0) << name;
+    for (const int len : {-5, -1, 0, 1, 2, 4, 7, 2000000001}) {
+      if (len < 3) {  // lists are as long as they say
+        TVKgetintattrlist(model, name, len, list, ints);
+        TVKgetdblattrlist(model, name, len, list, doubles);
+        TVKgetcharattrlist(model, name, len, list, chars);
+        TVKgetstrattrlist(model, name, len, list, texts);
+        TVKsetintattrlist(model, name, len, list, ints);
+        TVKsetdblattrlist(model, name, len, list, doubles);
+        TVKsetcharattrlist(model, name, len, list, "CC");
+        TVKsetstrattrlist(model, name, len, list, given);
+      }
+      for (const int first : {-1, 0, 3, 5, 6, 2147483647}) {
+        TVKgetintattrarray(model, name, first, len, ints);
+        TVKgetdblattrarray(model, name, first, len, doubles);
+        TVKgetcharattrarray(model, name, first, len, chars);
+        TVKgetstrattrarray(model, name, first, len, texts);
+        TVKsetintattrarray(model, name, first, len, ints);
+        TVKsetdblattrarray(model, name, first, len, doubles);
+        TVKsetcharattrarray(model, name, first, len, "CCCCCCCC");
+        TVKsetstrattrarray(model, name, first, len, given);
+      }
+    }
+    const bool mayBeSet = TVKsetintattr(model, name, 1) == 0 ||
+                          TVKsetdblattr(model, name, 1) == 0 ||
+                          TVKsetstrattr(model, name, "text") == 0;
+    EXPECT_EQ(mayBeSet, scope == 0 && settable == 1) << name;
+    EXPECT_EQ(TVKupdatemodel(model), 0) << name << error();
+  }
+  EXPECT_EQ(count("NumVars"), 6);
 }
 
 TEST_F(AttrTest, DataIsSetInEveryShapeAndSeenAfterTheUpdate) {
