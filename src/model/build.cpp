@@ -2,6 +2,7 @@
 #include <cmath>
 #include <string>
 
+#include "model/data_edit.h"
 #include "model/model.h"
 #include "model/validate.h"
 
@@ -100,15 +101,6 @@ void addRanges(const Vec<double> &rangeLower, ModelData &data) {
     const double lower = rangeLower[i];
     if (lower <= -kUserInf) continue;
     addRangeVariable(data, i, lower);
-  }
-}
-
-void countTypes(ModelData &data) {
-  data.numNonContinuous = 0;
-  data.numBinary = 0;
-  for (const char type : data.vtype) {
-    data.numNonContinuous += type != 'C';
-    data.numBinary += type == 'B';
   }
 }
 

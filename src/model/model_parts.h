@@ -113,6 +113,11 @@ class SparseChanges {
   void scale(double factor) {
     for (double &v : value_) v *= factor;
   }
+  // Replaces every value by change(element, value).
+  template <class Change>
+  void update(Change &&change) {
+    for (std::size_t k = 0; k < index_.size(); ++k) value_[k] = change(index_[k], value_[k]);
+  }
   // Renumbers; newIndex is -1 for deleted elements.
   void renumber(const Vec<int> &newIndex) noexcept;
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string>
 
+#include "model/data_edit.h"
 #include "model/growth.h"
 #include "model/validate.h"
 #include "model/vector_edit.h"
@@ -271,12 +272,7 @@ void Update::removeRows() noexcept {
 
 void Update::countTypes() noexcept {
   if (p_.cols.count() == 0 && p_.vtype.empty() && !vars_.removes()) return;
-  data_.numNonContinuous = 0;
-  data_.numBinary = 0;
-  for (const char type : data_.vtype) {
-    data_.numNonContinuous += type != 'C';
-    data_.numBinary += type == 'B';
-  }
+  tarvik::countTypes(data_);
 }
 
 void Update::logWarnings() {

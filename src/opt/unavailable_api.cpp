@@ -12,49 +12,12 @@ namespace {
 
 extern "C" {
 
-int TVKresultmodel(TVKmodel *model, const char *, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKresultmodel"); });
-}
-int TVKrelaxmodel(TVKmodel *model, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKrelaxmodel"); });
-}
-int TVKfeasibility(TVKmodel *model, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKfeasibility"); });
-}
-int TVKlinearizemodel(TVKmodel *model, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr,
-                           [](tarvik::Model &) { unavailable("TVKlinearizemodel"); });
-}
-int TVKfixmodel(TVKmodel *model, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKfixmodel"); });
-}
-TVKmodel *TVKfixedmodel(TVKmodel *model) { return nullptr; }
-int TVKconverttofixed(TVKmodel *model) {
-  return tarvik::modelCall(model, nullptr,
-                           [](tarvik::Model &) { unavailable("TVKconverttofixed"); });
-}
-int TVKdualmodel(TVKmodel *model, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKdualmodel"); });
-}
-int TVKsinglescenariomodel(TVKmodel *model, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr,
-                           [](tarvik::Model &) { unavailable("TVKsinglescenariomodel"); });
-}
 int TVKpresolvemodel(TVKmodel *model, TVKmodel **) {
   return tarvik::modelCall(model, nullptr,
                            [](tarvik::Model &) { unavailable("TVKpresolvemodel"); });
 }
-TVKmodel *TVKcopymodel(TVKmodel *model) { return nullptr; }
-int TVKcopymodeltoenv(TVKmodel *model, TVKenv *, TVKmodel **) {
-  return tarvik::modelCall(model, nullptr,
-                           [](tarvik::Model &) { unavailable("TVKcopymodeltoenv"); });
-}
 int TVKiismodel(TVKmodel *model, TVKmodel **) {
   return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKiismodel"); });
-}
-int TVKfeasrelax(TVKmodel *model, int, int, const double *, const double *, const double *,
-                 double *) {
-  return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKfeasrelax"); });
 }
 int TVKstrongbranch(TVKmodel *model, int, const int *, double *, double *, int *) {
   return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKstrongbranch"); });
