@@ -3,10 +3,16 @@
 
 #include <memory>
 
-#include "mip/cuts/cut.h"
+#include "mip/cuts/cut_context.h"
 
 namespace tarvik {
 
 void makeSeparators(Vec<std::unique_ptr<Separator>> &separators);
+
+// One a family; those of one search share a context.
+std::unique_ptr<Separator> makeMirSeparator(std::shared_ptr<CutContext> context);
+std::unique_ptr<Separator> makeStrongCgSeparator(std::shared_ptr<CutContext> context);
+std::unique_ptr<Separator> makeFlowCoverSeparator(std::shared_ptr<CutContext> context);
+std::unique_ptr<Separator> makeGomorySeparator(std::shared_ptr<CutContext> context);
 
 }  // namespace tarvik

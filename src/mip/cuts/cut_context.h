@@ -1,0 +1,28 @@
+// What the separators of one search share: the row system of the current point and facts of the
+// problem that are derived once.
+#pragma once
+
+#include <memory>
+
+#include "mip/cuts/row_system.h"
+#include "mip/cuts/variable_bounds.h"
+
+namespace tarvik {
+
+class CutContext {
+ public:
+  const RowSystem &rows(const SeparationPoint &point) {
+    if (!rows_ || !rows_->describes(point)) rows_ = std::make_unique<RowSystem>(point);
+    return *rows_;
+  }
+  const VariableBounds &variableBounds(const SeparationPoint &point) {
+    if (!bounds_) bounds_ = std::make_unique<VariableBounds>(*point.problem, *point.global);
+    return *bounds_;
+  }
+
+ private:
+  std::unique_ptr<RowSystem> rows_;
+  std::unique_ptr<VariableBounds> bounds_;
+};
+
+}  // namespace tarvik
