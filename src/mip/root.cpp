@@ -173,6 +173,8 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
     ids.push_back(nextCutId_++);
   }
   if (chosen.empty()) return Round::Over;
+  // Only now: separators read the tableau, which deleting rows leaves without factors.
+  lp.removeSlackCuts(kSlackAge);
   lp.addCuts(chosen, ids);
   lp.setCutoff(cutoff_);
   const LpStatus status = lp.solve(control_);
@@ -183,7 +185,6 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
   }
   if (status != LpStatus::Optimal) return Round::Over;
   rememberRoot();
-  lp.removeSlackCuts(kSlackAge);
   if (!worker_.tightenByReducedCosts(rootX_, rootReducedCost_, rootObjective_) ||
       !domain.propagate(control_.work)) {
     rootBound_ = hasIncumbent() ? incumbentObjective_ : kUserInf;
