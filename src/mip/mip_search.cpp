@@ -15,8 +15,6 @@ constexpr double kPlungeGap = 0.25;
 constexpr int kPlungeShare = 10;
 // Every so many picks the node of the best estimate is taken instead of the best bound.
 constexpr int kEstimateEvery = 10;
-// Nodes between heuristics in the tree.
-constexpr int kHeuristicEvery = 10;
 
 MipStatus statusOf(StopReason reason) {
   switch (reason) {
@@ -48,6 +46,11 @@ MipSearch::MipSearch(const Problem &problem, const MipOptions &options, SolveCon
       log_(options_, control),
       random_(static_cast<std::uint64_t>(options.seed) + 1),
       worker_(problem, options_, *this, control),
+      heuristics_(options_,
+                  [this] {
+                    mipCheckTermination();
+                    return status_ == MipStatus::Running;
+                  }),
       repair_(problem, options.simplex) {
   lowerCutoff();
 }
@@ -280,34 +283,34 @@ void MipSearch::handle(Node &node, const NodeResult &result) {
     branch(node, result);
 }
 
-bool MipSearch::runHeuristic(Heuristic &heuristic, double workShare, bool root) {
-  HeuristicContext context;
+HeuristicContext MipSearch::heuristicContext() {
+  HeuristicContext context{};
   context.problem = &problem_;
   context.options = &options_;
   context.domain = &worker_.domain();
   context.lp = &worker_.lp();
-  const Vec<double> x(worker_.lp().x());
-  context.x = &x;
   context.sink = this;
+  context.completion = &repair_;
   context.control = &control_;
   context.pseudoCosts = &worker_.pseudoCosts();
   context.random = &random_;
-  context.root = root;
   context.nodes = explored_;
-  const double before = control_.work.counted();
-  context.workLimit = before + workShare * std::max(before - startWork_, 1e7);
-  const bool provenInfeasible = heuristic.run(context);
-  heuristicWork_ += control_.work.counted() - before;
-  return provenInfeasible;
+  return context;
+}
+
+void MipSearch::provenInfeasible() {
+  infeasible_ = true;
+  rootBound_ = kUserInf;
+  queue_.prune(-kUserInf);
+  next_.reset();
 }
 
 void MipSearch::runNodeHeuristics(const Node &node) {
-  if (nodeHeuristics_.empty() || options_.heuristics <= 0) return;
-  if (static_cast<std::int64_t>(explored_) % kHeuristicEvery != 0 || node.bound >= cutoff_) return;
-  const double spent = control_.work.counted() - startWork_;
-  if (heuristicWork_ > options_.heuristics * spent + 1e6) return;
-  Heuristic &heuristic = *nodeHeuristics_[nextNodeHeuristic_++ % nodeHeuristics_.size()];
-  runHeuristic(heuristic, options_.heuristics, false);
+  if (node.bound >= cutoff_ || worker_.lp().status() != LpStatus::Optimal) return;
+  HeuristicContext context = heuristicContext();
+  const Vec<double> x(worker_.lp().x());
+  context.x = &x;
+  if (heuristics_.atNode(context, control_.work.counted() - startWork_)) provenInfeasible();
 }
 
 void MipSearch::treeSearch() {

@@ -9,7 +9,7 @@
 
 #include "mip/cuts/cut.h"
 #include "mip/cuts/separators.h"
-#include "mip/heuristics/heuristics.h"
+#include "mip/heuristics/schedule.h"
 #include "mip/point_repair.h"
 #include "mip/worker.h"
 
@@ -86,7 +86,6 @@ class MipSearch : public SolutionSink {
   void runRootHeuristics();
   int levelOf(CutFamily family) const;
   void createSeparators();
-  void createHeuristics();
 
   // mip_search.cpp
   void mipCheckTermination();
@@ -97,7 +96,8 @@ class MipSearch : public SolutionSink {
   void handle(Node &node, const NodeResult &result);
   void branch(const Node &node, const NodeResult &result);
   void runNodeHeuristics(const Node &node);
-  bool runHeuristic(Heuristic &heuristic, double workShare, bool root);
+  HeuristicContext heuristicContext();
+  void provenInfeasible();
   void applyGlobalChanges();
   void lowerCutoff();
   SearchState state();
@@ -112,7 +112,7 @@ class MipSearch : public SolutionSink {
   NodeQueue queue_;
   std::shared_ptr<Node> next_;  // the plunge goes on here
   Vec<std::unique_ptr<Separator>> separators_;
-  Vec<std::unique_ptr<Heuristic>> rootHeuristics_, nodeHeuristics_;
+  HeuristicSchedule heuristics_;
   PointRepair repair_;
 
   MipStatus status_ = MipStatus::Running;
@@ -130,8 +130,7 @@ class MipSearch : public SolutionSink {
   int nextCutId_ = 0;
   std::int64_t nextNodeId_ = 0;
   int plungeDepth_ = 0, maxDepth_ = 0, lastInfeasibilities_ = 0;
-  double heuristicWork_ = 0, startWork_ = 0;
-  std::size_t nextNodeHeuristic_ = 0;
+  double startWork_ = 0;
 };
 
 }  // namespace tarvik

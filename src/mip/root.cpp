@@ -75,7 +75,6 @@ void MipSearch::rememberRoot() {
 
 void MipSearch::solveRoot() {
   createSeparators();
-  createHeuristics();
   Domain &domain = worker_.domain();
   Relaxation &lp = worker_.lp();
   if (!domain.propagate(control_.work)) {
@@ -93,6 +92,13 @@ void MipSearch::solveRoot() {
       rootStatus_ = LpStatus::Infeasible;
       return;
     }
+  }
+  HeuristicContext context = heuristicContext();
+  if (heuristics_.beforeRoot(context, control_.work.counted() - startWork_)) provenInfeasible();
+  if (status_ != MipStatus::Running || infeasible_) {
+    rootDone_ = infeasible_;
+    mipCheckTermination();
+    return;
   }
   const double seconds = control_.limits.seconds(), work = control_.work.counted();
   lp.follow(domain);
@@ -216,16 +222,12 @@ void MipSearch::rootCutLoop() {
 }
 
 void MipSearch::runRootHeuristics() {
-  if (options_.heuristics <= 0) return;
-  for (const auto &heuristic : rootHeuristics_) {
-    mipCheckTermination();
-    if (status_ != MipStatus::Running || worker_.lp().status() != LpStatus::Optimal) return;
-    if (runHeuristic(*heuristic, 10 * options_.heuristics, true)) {
-      infeasible_ = true;
-      rootBound_ = kUserInf;
-      return;
-    }
-  }
+  if (worker_.lp().status() != LpStatus::Optimal) return;
+  HeuristicContext context = heuristicContext();
+  const Vec<double> x(worker_.lp().x());
+  context.x = &x;
+  context.root = true;
+  if (heuristics_.atRoot(context, control_.work.counted() - startWork_)) provenInfeasible();
 }
 
 int MipSearch::levelOf(CutFamily family) const {
@@ -274,7 +276,5 @@ void MipSearch::createSeparators() {
                                    [&](const auto &s) { return levelOf(s->family()) == 0; }),
                     separators_.end());
 }
-
-void MipSearch::createHeuristics() { makeHeuristics(options_, rootHeuristics_, nodeHeuristics_); }
 
 }  // namespace tarvik

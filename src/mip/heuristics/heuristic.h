@@ -6,6 +6,7 @@
 #include "base/random.h"
 #include "mip/domain.h"
 #include "mip/mip_options.h"
+#include "mip/point_repair.h"
 #include "mip/relaxation.h"
 
 namespace tarvik {
@@ -48,11 +49,12 @@ class SolutionSink {
 struct HeuristicContext {
   const Problem *problem;
   const MipOptions *options;
-  Domain *domain;        // at the current node, propagated
-  Relaxation *lp;        // solved at the current node
-  const Vec<double> *x;  // its optimum
-  SolutionSink *sink;
-  SolveControl *control;  // limits, work, log
+  Domain *domain;           // at the current node, propagated
+  Relaxation *lp;           // solved at the current node
+  const Vec<double> *x;     // its optimum; null before the root relaxation is solved
+  SolutionSink *sink;       // keeps what is found
+  PointRepair *completion;  // continuous values for chosen integral ones
+  SolveControl *control;    // limits, work, log
   class PseudoCosts *pseudoCosts;
   Random *random;
   bool root;
