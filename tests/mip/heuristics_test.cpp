@@ -114,8 +114,9 @@ TEST(PropagatedRounding, SolvesWhatSimpleRoundingCannot) {
 }
 
 TEST(Shifting, MovesContinuousColumnsToMakeUpForRounding) {
-  // The relaxation has x0 = 2.5; once x0 is rounded to 2 the continuous y has to follow.
-  HeuristicFixture f(makeModel({1, 1.1}, {4, 10}, {{2.5, {{0, 1}, {1, 1}}, 2.5}}, {1}));
+  // The relaxation has 2.5 in the integral columns; once 0.5 is rounded away, y has to follow.
+  HeuristicFixture f(
+      makeModel({1, 1, 1.1}, {4, 4, 10}, {{2.5, {{0, 1}, {1, 1}, {2, 1}}, 2.5}}, {2}));
   ASSERT_EQ(f.solveRelaxation(), LpStatus::Optimal);
   HeuristicContext context = f.context();
   Shifting().run(context);
