@@ -7,6 +7,7 @@
 #include "mip/heuristics/feasibility_jump.h"
 #include "mip/heuristics/lp_scope.h"
 #include "mip/heuristics/moving_point.h"
+#include "mip/heuristics/neighbourhood.h"
 #include "mip/heuristics/one_opt.h"
 #include "mip/heuristics/rounding.h"
 #include "mip/heuristics/shifting.h"
@@ -196,6 +197,36 @@ INSTANTIATE_TEST_SUITE_P(All, DiveTest,
                          testing::Values(DiveKind::Fractional, DiveKind::Coefficient,
                                          DiveKind::PseudoCost, DiveKind::VectorLength,
                                          DiveKind::LineSearch, DiveKind::Guided));
+
+class NeighbourhoodTest : public testing::TestWithParam<NeighbourhoodKind> {};
+
+TEST_P(NeighbourhoodTest, ImprovesWithinItsLimits) {
+  Random random(31);
+  int improved = 0;
+  for (int trial = 0; trial < 6; ++trial) {
+    HeuristicFixture f(randomPacking(40, 8, random));
+    ASSERT_EQ(f.solveRelaxation(), LpStatus::Optimal);
+    const Vec<double> poor(f.problem.numCols(), 0), rounded = roundByLocks(f.problem, f.x);
+    const Vec<Vec<double>> solutions{poor, rounded};
+    if (GetParam() != NeighbourhoodKind::Rens) f.sink.submit(poor, SolutionSource::Trivial);
+    if (GetParam() == NeighbourhoodKind::Rins) f.sink.submit(rounded, SolutionSource::Trivial);
+    const double known = f.sink.incumbentObjective();
+    const Snapshot before = snapshot(f);
+    HeuristicContext context = f.context(1e8);
+    context.solutions = &solutions;
+    Neighbourhood heuristic(GetParam());
+    for (int call = 0; call < 4; ++call) EXPECT_FALSE(heuristic.run(context));
+    improved += f.sink.incumbentObjective() < known;
+    expectRestored(f, before);
+    EXPECT_LT(f.control.work.counted(), context.workLimit + 1e7);
+  }
+  EXPECT_GE(improved, 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, NeighbourhoodTest,
+                         testing::Values(NeighbourhoodKind::Rens, NeighbourhoodKind::Rins,
+                                         NeighbourhoodKind::Crossover,
+                                         NeighbourhoodKind::Mutation));
 
 TEST(LpScope, BringsBackCostsAndBasis) {
   Random random(8);

@@ -61,7 +61,6 @@ MipModel randomMip(std::uint64_t seed) {
 MipOptions randomOptions(std::uint64_t seed) {
   Random random(seed + 5);
   MipOptions options;
-  options.subMip = true;
   options.mipGap = 0;
   options.simplex.logging = false;
   options.simplex.seed = random.below(5);
@@ -72,6 +71,7 @@ MipOptions randomOptions(std::uint64_t seed) {
   options.branchDir = random.below(3) - 1;
   options.focus = random.below(4);
   if (random.uniform() < 0.3) options.cuts.passes = 0;
+  options.subMip = random.uniform() < 0.5;  // without searches inside
   return options;
 }
 

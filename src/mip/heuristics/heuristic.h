@@ -30,7 +30,8 @@ enum class SolutionSource : int {
   Partition,
   RelaxAndFix,
   OneOpt,
-  Trivial
+  Trivial,
+  Mutation
 };
 
 // Where points go. submit() rounds, checks against the problem and against the user's model,
@@ -57,6 +58,7 @@ struct HeuristicContext {
   SolveControl *control;    // limits, work, log
   class PseudoCosts *pseudoCosts;
   Random *random;
+  const Vec<Vec<double>> *solutions;  // recent incumbents, the latest last; may be null
   bool root;
   double nodes;      // explored so far
   double workLimit;  // on control->work.counted(): give up soon after

@@ -4,6 +4,7 @@
 
 #include "mip/heuristics/diving.h"
 #include "mip/heuristics/feasibility_jump.h"
+#include "mip/heuristics/neighbourhood.h"
 #include "mip/heuristics/one_opt.h"
 #include "mip/heuristics/rounding.h"
 #include "mip/heuristics/shifting.h"
@@ -24,6 +25,7 @@ constexpr double kLeastRootWork = 2e7;
 constexpr int kNodesBetween = 5;
 constexpr double kLeastNodeWork = 2e6;
 constexpr double kFading = 0.8;
+constexpr std::size_t kSolutionsKept = 6;
 }  // namespace
 
 template <class Kind, class... Args>
@@ -49,12 +51,30 @@ HeuristicSchedule::HeuristicSchedule(const MipOptions &options, std::function<bo
   add<Diving>(node_, DiveKind::LineSearch);
   add<Shifting>(node_);
   add<PropagatedRounding>(node_);
+  if (options.subMip || options.subMipNodes <= 0) return;
+  add<Neighbourhood>(root_, NeighbourhoodKind::Rens);
+  if (options.rins != 0) {
+    add<Neighbourhood>(root_, NeighbourhoodKind::Rins);
+    add<Neighbourhood>(node_, NeighbourhoodKind::Rins);
+  }
+  add<Neighbourhood>(node_, NeighbourhoodKind::Rens);
+  add<Neighbourhood>(node_, NeighbourhoodKind::Crossover);
+  add<Neighbourhood>(node_, NeighbourhoodKind::Mutation);
+}
+
+void HeuristicSchedule::noteIncumbent(const HeuristicContext &context) {
+  if (!context.sink->hasIncumbent() || context.sink->incumbentObjective() >= seen_) return;
+  seen_ = context.sink->incumbentObjective();
+  solutions_.push_back(context.sink->incumbent());
+  if (solutions_.size() > kSolutionsKept) solutions_.erase(solutions_.begin());
 }
 
 bool HeuristicSchedule::run(Entry &entry, HeuristicContext &context, double allowed) {
   const double before = context.control->work.counted();
   const double incumbent = context.sink->incumbentObjective();
   context.workLimit = before + allowed;
+  noteIncumbent(context);
+  context.solutions = &solutions_;
   const bool infeasible = entry.heuristic->run(context);
   const double spent = context.control->work.counted() - before;
   entry.work += spent;

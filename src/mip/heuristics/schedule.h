@@ -36,6 +36,7 @@ class HeuristicSchedule {
   bool run(Entry &entry, HeuristicContext &context, double allowed);
   bool runAll(Vec<Entry> &entries, HeuristicContext &context, double allowed);
   bool polish(HeuristicContext &context, double allowed);
+  void noteIncumbent(const HeuristicContext &context);
   template <class Kind, class... Args>
   static void add(Vec<Entry> &entries, Args... args);
 
@@ -43,6 +44,8 @@ class HeuristicSchedule {
   std::function<bool()> goesOn_;
   Vec<Entry> beforeRoot_, root_, node_;
   Entry everyNode_, improvement_;
+  Vec<Vec<double>> solutions_;  // incumbents as they were seen, the latest last
+  double seen_ = kUserInf;      // the objective of the latest
   double work_ = 0;
   double lastNodes_ = 0;
 };
