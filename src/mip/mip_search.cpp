@@ -78,7 +78,9 @@ double MipSearch::bestBound() {
   // An exhausted tree proves the incumbent, up to the gap that pruned it.
   const double proven =
       std::min(incumbentObjective_, mipPruningBound(options_, incumbentObjective_));
-  return std::max(std::min(bound, proven), std::min(rootBound_, incumbentObjective_));
+  bound = std::max(std::min(bound, proven), std::min(rootBound_, incumbentObjective_));
+  // At or above the cutoff there is nothing to be found.
+  return hasIncumbent() && bound >= cutoff_ ? std::max(bound, proven) : bound;
 }
 
 // --- incumbents ---
@@ -332,6 +334,7 @@ void MipSearch::treeSearch() {
     ++explored_;
     lastInfeasibilities_ = result.fractional;
     handle(*current, result);
+    if (onNode) onNode(*this);
     log_.nodeLogLine(state(), result.outcome, result.objective, current->depth, result.fractional);
     if (result.outcome == NodeOutcome::Solved && next_) runNodeHeuristics(*current);
   }

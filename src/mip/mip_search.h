@@ -6,6 +6,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 
 #include "mip/cuts/cut.h"
 #include "mip/cuts/separators.h"
@@ -55,6 +56,8 @@ class MipSearch : public SolutionSink {
   void knowSolution(double objective);
   // To an end or a limit; may be called again to go on after a limit was lifted.
   MipStatus run();
+  // Called after every node.
+  std::function<void(const MipSearch &)> onNode;
 
   // SolutionSink
   bool submit(const Vec<double> &x, SolutionSource source) override;

@@ -171,6 +171,7 @@ MipOutcome MipSolve::run() {
                         problem_->numContinuous(), problem_->numIntegral(), binary);
   }
   search_ = std::make_unique<MipSearch>(*problem_, options_, control_, *space_);
+  search_->onNode = onNode;
   if (!space_->solutions().empty()) search_->knowSolution(space_->solutions().front().objective);
   outcome.status = search_->run();
   if (outcome.status == MipStatus::Unbounded) outcome.status = resolveUnbounded();

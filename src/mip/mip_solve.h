@@ -37,6 +37,8 @@ class MipSolve {
   std::function<std::string(int)> rowName;
   // Solutions better than the ones known so far are also told to the listener, as they are found.
   std::function<void(const MipSolution &)> onSolution;
+  // Called after every node.
+  std::function<void(const MipSearch &)> onNode;
 
   MipOutcome run();
 

@@ -158,8 +158,11 @@ bool Diving::finish(HeuristicContext &context) {
          submitChosen(context, rounded, SolutionSource::Diving);
 }
 
+bool Diving::isReady(const HeuristicContext &context) const {
+  return kind_ != DiveKind::Guided || context.sink->hasIncumbent();
+}
+
 bool Diving::run(HeuristicContext &context) {
-  if (kind_ == DiveKind::Guided && !context.sink->hasIncumbent()) return false;
   LpScope scope(context);
   lastLevel_ = -1;
   int backtracks = 0;

@@ -19,6 +19,7 @@ class Diving : public Heuristic {
  public:
   explicit Diving(DiveKind kind) : kind_(kind) {}
   const char *name() const override;
+  bool isReady(const HeuristicContext &context) const override;
   bool run(HeuristicContext &context) override;
 
  private:

@@ -64,10 +64,18 @@ struct HeuristicContext {
   double workLimit;  // on control->work.counted(): give up soon after
 };
 
+// What a heuristic reports besides the points it handed over.
+struct HeurResult {
+  bool infeasible = false;      // the model was proven infeasible by the way
+  double objective = kUserInf;  // of the best point that it produced
+};
+
 class Heuristic {
  public:
   virtual ~Heuristic() = default;
   virtual const char *name() const = 0;
+  // False when it could not do anything in this state of the search.
+  virtual bool isReady(const HeuristicContext &) const { return true; }
   // True when the model was proven infeasible by the way.
   virtual bool run(HeuristicContext &context) = 0;
 };

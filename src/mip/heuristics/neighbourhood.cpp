@@ -119,7 +119,6 @@ void Neighbourhood::learn(const SubMip &sub) {
 }
 
 bool Neighbourhood::run(HeuristicContext &context) {
-  if (!isReady(context)) return false;
   findFixings(context);
   if (!reachRate(context)) return false;
   SubMip sub(context, source());

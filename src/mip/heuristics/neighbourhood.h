@@ -20,6 +20,7 @@ class Neighbourhood : public Heuristic {
  public:
   explicit Neighbourhood(NeighbourhoodKind kind) : kind_(kind) {}
   const char *name() const override;
+  bool isReady(const HeuristicContext &context) const override;
   bool run(HeuristicContext &context) override;
 
  private:
@@ -27,7 +28,6 @@ class Neighbourhood : public Heuristic {
     int col;
     double value;
   };
-  bool isReady(const HeuristicContext &context) const;
   SolutionSource source() const;
   void findFixings(HeuristicContext &context);
   bool reachRate(HeuristicContext &context);

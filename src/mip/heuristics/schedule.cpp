@@ -4,11 +4,15 @@
 
 #include "mip/heuristics/diving.h"
 #include "mip/heuristics/feasibility_jump.h"
+#include "mip/heuristics/feasibility_pump.h"
+#include "mip/heuristics/int2bin.h"
+#include "mip/heuristics/min_rel.h"
 #include "mip/heuristics/neighbourhood.h"
 #include "mip/heuristics/one_opt.h"
 #include "mip/heuristics/rounding.h"
 #include "mip/heuristics/shifting.h"
 #include "mip/heuristics/trivial.h"
+#include "mip/heuristics/zero_objective.h"
 
 namespace tarvik {
 
@@ -26,6 +30,12 @@ constexpr int kNodesBetween = 5;
 constexpr double kLeastNodeWork = 2e6;
 constexpr double kFading = 0.8;
 constexpr std::size_t kSolutionsKept = 6;
+constexpr double kLeastCharge = 1e4;  // for a call that did nothing
+// Passes of the feasibility pump that nobody asked for.
+constexpr int kAutomaticPasses = 60;
+// From this share of the work on, searches for any solution and reformulations take part.
+constexpr double kGenerousShare = 0.1;
+constexpr double kAnySolutionFactor = 4;
 }  // namespace
 
 template <class Kind, class... Args>
@@ -77,7 +87,7 @@ bool HeuristicSchedule::run(Entry &entry, HeuristicContext &context, double allo
   context.solutions = &solutions_;
   const bool infeasible = entry.heuristic->run(context);
   const double spent = context.control->work.counted() - before;
-  entry.work += spent;
+  entry.work += std::max(spent, kLeastCharge);
   work_ += spent;
   entry.success = kFading * entry.success + (context.sink->incumbentObjective() < incumbent);
   return infeasible;
@@ -93,9 +103,52 @@ bool HeuristicSchedule::runAll(Vec<Entry> &entries, HeuristicContext &context, d
     const double left = begin + allowed - context.control->work.counted();
     if (left <= 0 || !goesOn_()) return false;
     if (context.x != nullptr && context.lp->status() != LpStatus::Optimal) return false;
+    if (!entry.heuristic->isReady(context)) continue;
     if (run(entry, context, left) || polish(context, allowed)) return true;
   }
   return false;
+}
+
+bool HeuristicSchedule::wantsAnySolution() const {
+  return options_.solutionLimit == 1 || options_.focus == 1;
+}
+
+bool HeuristicSchedule::call(HeuristicContext &context, double allowed,
+                             const std::function<HeurResult(HeuristicContext &)> &heuristic) {
+  const double before = context.control->work.counted();
+  context.workLimit = before + allowed;
+  const bool infeasible = heuristic(context).infeasible;
+  work_ += context.control->work.counted() - before;
+  return infeasible || polish(context, kLeastNodeWork);
+}
+
+// When the root's other heuristics have not found anything. What the caller asked for by a
+// parameter of its own has no work limit.
+bool HeuristicSchedule::findFirst(HeuristicContext &context, double allowed) {
+  const auto isNeeded = [&] {
+    return !context.sink->hasIncumbent() && goesOn_() && context.lp->status() == LpStatus::Optimal;
+  };
+  const int passes = options_.pumpPasses;
+  if (passes != 0 && (passes > 0 || allowed > 0) && isNeeded() &&
+      call(context, passes > 0 ? kUserInf : allowed, [&](HeuristicContext &c) {
+        return heurFeasPump(c, passes > 0 ? passes : kAutomaticPasses);
+      }))
+    return true;
+  const bool asked = options_.zeroObjNodes > 0;
+  const bool mayRun = options_.zeroObjNodes != 0 && options_.heuristics > 0 &&
+                      (options_.heuristics >= kGenerousShare || wantsAnySolution());
+  if ((asked || mayRun) && isNeeded()) {
+    ZeroObjCall zero;
+    zero.nodeLimit = asked ? options_.zeroObjNodes : options_.subMipNodes;
+    zero.limitWork = !asked;
+    const double factor = wantsAnySolution() ? kAnySolutionFactor : 1;
+    if (call(context, factor * allowed, [&](HeuristicContext &c) { return heurZeroObj(c, zero); }))
+      return true;
+  }
+  const int nodes = options_.minRelNodes > 0 ? options_.minRelNodes : options_.subMipNodes;
+  return options_.minRelNodes != 0 && (options_.minRelNodes > 0 || allowed > 0) && isNeeded() &&
+         call(context, allowed,
+              [&](HeuristicContext &c) { return heurMinRel(c, nodes, options_.minRelNodes < 0); });
 }
 
 bool HeuristicSchedule::beforeRoot(HeuristicContext &context, double searchWork) {
@@ -107,10 +160,13 @@ bool HeuristicSchedule::beforeRoot(HeuristicContext &context, double searchWork)
 }
 
 bool HeuristicSchedule::atRoot(HeuristicContext &context, double searchWork) {
-  if (options_.heuristics <= 0) return false;
   double allowed = kRootFactor * options_.heuristics * searchWork;
   if (!context.sink->hasIncumbent()) allowed *= kFactorWithoutIncumbent;
-  return runAll(root_, context, std::max(allowed, kLeastRootWork));
+  if (options_.heuristics > 0) {
+    allowed = std::max(allowed, kLeastRootWork);
+    if (runAll(root_, context, allowed)) return true;
+  }
+  return !options_.subMip && findFirst(context, allowed);
 }
 
 bool HeuristicSchedule::atNode(HeuristicContext &context, double searchWork) {
@@ -124,10 +180,11 @@ bool HeuristicSchedule::atNode(HeuristicContext &context, double searchWork) {
   lastNodes_ = context.nodes;
   // The one that has had the least work for its success.
   const auto burden = [](const Entry &entry) { return entry.work / (1 + 4 * entry.success); };
-  const auto next =
-      std::min_element(node_.begin(), node_.end(),
-                       [&](const Entry &a, const Entry &b) { return burden(a) < burden(b); });
-  return next != node_.end() &&
+  Entry *next = nullptr;
+  for (Entry &entry : node_)
+    if (entry.heuristic->isReady(context) && (!next || burden(entry) < burden(*next)))
+      next = &entry;
+  return next &&
          run(*next, context, std::max(kLeastNodeWork, available + 0.2 * share * searchWork));
 }
 

@@ -36,6 +36,10 @@ class HeuristicSchedule {
   bool run(Entry &entry, HeuristicContext &context, double allowed);
   bool runAll(Vec<Entry> &entries, HeuristicContext &context, double allowed);
   bool polish(HeuristicContext &context, double allowed);
+  bool findFirst(HeuristicContext &context, double allowed);
+  bool call(HeuristicContext &context, double allowed,
+            const std::function<HeurResult(HeuristicContext &)> &heuristic);
+  bool wantsAnySolution() const;
   void noteIncumbent(const HeuristicContext &context);
   template <class Kind, class... Args>
   static void add(Vec<Entry> &entries, Args... args);

@@ -6,10 +6,22 @@ namespace tarvik {
 
 namespace {
 constexpr int kCutPasses = 10;
+
+// The bounds of level 0: decisions of the current node are taken back.
+void globalBounds(const Domain &domain, Vec<double> &lower, Vec<double> &upper) {
+  lower = domain.lower();
+  upper = domain.upper();
+  if (domain.level() == 0) return;
+  const Vec<TrailEntry> &trail = domain.trail();
+  for (int k = static_cast<int>(trail.size()) - 1; k >= domain.levelStart(1); --k)
+    (trail[k].side == BoundSide::Lower ? lower : upper)[trail[k].col] = trail[k].old;
 }
+
+}  // namespace
 
 SubMip::SubMip(HeuristicContext &context, SolutionSource source)
     : context_(context), model_(context.problem->model()), options_(*context.options) {
+  globalBounds(*context.domain, model_.lp.colLower, model_.lp.colUpper);
   options_.subMip = true;
   options_.simplex.logging = false;
   options_.presolve.logging = false;
@@ -34,15 +46,37 @@ void SubMip::fix(int col, double value) {
   model_.lp.colLower[col] = model_.lp.colUpper[col] = value;
 }
 
+void SubMip::useOriginalBounds() {
+  const LpModel &original = context_.problem->lp();
+  std::copy(original.colLower.begin(), original.colLower.end(), model_.lp.colLower.begin());
+  std::copy(original.colUpper.begin(), original.colUpper.end(), model_.lp.colUpper.begin());
+}
+
 const MipOutcome &SubMip::run() {
   Limits &limits = context_.control->limits;
   const double workLimit = limits.workLimit;
-  limits.workLimit = std::min(workLimit, context_.workLimit * 1e-9);
+  if (limitsWork_) limits.workLimit = std::min(workLimit, context_.workLimit * 1e-9);
   MipSolve solve(model_, options_, *context_.control);
   solve.onSolution = onSolution;
+  solve.onNode = onNode;
   outcome_ = solve.run();
   limits.workLimit = workLimit;
   return outcome_;
+}
+
+void addColumn(MipModel &model, int row, double coefficient, double cost) {
+  LpModel &lp = model.lp;
+  lp.a.append(1, &row, &coefficient);
+  ++lp.numCols;
+  lp.cost.push_back(cost);
+  lp.colLower.push_back(0);
+  lp.colUpper.push_back(kInf);
+  model.kind.push_back(VarKind::Continuous);
+  if (!model.holeLower.empty()) {
+    model.holeLower.push_back(0);
+    model.holeUpper.push_back(0);
+  }
+  if (!model.branchPriority.empty()) model.branchPriority.push_back(0);
 }
 
 }  // namespace tarvik
