@@ -29,6 +29,8 @@ struct MipModel {
   Vec<double> holeLower, holeUpper;  // a column; empty without semi columns
   Vec<SosSet> sos;
   Vec<int> branchPriority;  // a column; empty: all equal
+  // A column: the number of its partition, 0 for all of them, negative for none; empty: unused.
+  Vec<int> partition;
 };
 
 }  // namespace tarvik

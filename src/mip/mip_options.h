@@ -34,12 +34,18 @@ struct MipOptions {
 
   int focus = 0;             // MIPFocus, 4 in the improve-start phase
   double heuristics = 0.05;  // share of the work
+  double rootHeurMult = 1;   // factor of the root's allowance for them
   int rins = -1;
   int pumpPasses = -1;
   int subMipNodes = 500;
   int startNodeLimit = -1;
+  bool zeroObjStart = false;  // starts are completed without the objective
   int minRelNodes = -1, zeroObjNodes = -1;
+  int int2binNodes = -1;  // -1: subMipNodes
   double noRelTime = 0, noRelWork = 0;
+  int noRelSolutions = kMaxInt;
+  int partitionPlace = 15;  // bits, see PartitionPlace
+  int relaxAndFix = 0;      // 0 to 3
   int varBranch = -1, branchDir = 0;
   int symmetry = -1;
   int degenMoves = -1;

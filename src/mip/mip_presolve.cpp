@@ -25,14 +25,16 @@ PresolveStatus MipPresolve::reduceLinear(bool &changed) {
     return status;
   }
   Vec<VarKind> kind;
-  Vec<int> priority;
+  Vec<int> priority, partition;
   for (const int j : stage->presolve.originalCol()) {
     kind.push_back(reduced_.kind[j]);
     if (!reduced_.branchPriority.empty()) priority.push_back(reduced_.branchPriority[j]);
+    if (!reduced_.partition.empty()) partition.push_back(reduced_.partition[j]);
   }
   reduced_.lp = stage->presolve.takeReduced();
   reduced_.kind.swap(kind);
   reduced_.branchPriority.swap(priority);
+  reduced_.partition.swap(partition);
   stages_.push_back(std::move(stage));
   return status;
 }
@@ -62,6 +64,16 @@ Vec<double> MipPresolve::postsolve(const Vec<double> &x) const {
     reduced.colValue.swap(point);
     (*stage)->presolve.postsolve(reduced, full);
     point.swap(full.colValue);
+  }
+  return point;
+}
+
+Vec<double> MipPresolve::imageOf(const Vec<double> &x) const {
+  Vec<double> point(x);
+  for (const auto &stage : stages_) {
+    Vec<double> kept;
+    for (const int j : stage->presolve.originalCol()) kept.push_back(point[j]);
+    point.swap(kept);
   }
   return point;
 }

@@ -20,6 +20,9 @@ class MipPresolve {
   bool solved() const { return reduced_.lp.numCols == 0; }
   // A point of the reduced model in the space of the model that was given.
   Vec<double> postsolve(const Vec<double> &x) const;
+  // The columns of the reduced model as a point of the model that was given has them. It need not
+  // be feasible: reductions may have decided for other solutions.
+  Vec<double> imageOf(const Vec<double> &x) const;
 
  private:
   struct Stage {

@@ -97,8 +97,9 @@ void MipSearch::lowerCutoff() {
   globalsStale_ = true;
 }
 
-void MipSearch::knowSolution(double objective) {
+void MipSearch::knowSolution(double objective, const Vec<double> &image) {
   incumbentObjective_ = std::min(incumbentObjective_, objective);
+  if (problem_.violation(image) <= problem_.tolerances().primal) incumbent_ = image;
   ++solutionCount_;
   lowerCutoff();
 }
@@ -297,6 +298,7 @@ HeuristicContext MipSearch::heuristicContext() {
   context.pseudoCosts = &worker_.pseudoCosts();
   context.random = &random_;
   context.nodes = explored_;
+  context.bound = bestBound();
   return context;
 }
 
@@ -349,6 +351,10 @@ MipStatus MipSearch::run() {
     solveRoot();
   }
   if (status_ == MipStatus::Running) treeSearch();
+  if (status_ == MipStatus::NodeLimit && worker_.lp().status() == LpStatus::Optimal) {
+    HeuristicContext context = heuristicContext();
+    heuristics_.atEnd(context);
+  }
   return status_;
 }
 

@@ -52,8 +52,9 @@ class MipSearch : public SolutionSink {
   MipSearch(const Problem &problem, const MipOptions &options, SolveControl &control,
             UserSpace &user);
 
-  // A solution of the user's model is known that may have no image in the presolved problem.
-  void knowSolution(double objective);
+  // A solution of the user's model is known. The point is its image in the presolved problem, if
+  // presolve's reductions leave it one.
+  void knowSolution(double objective, const Vec<double> &image);
   // To an end or a limit; may be called again to go on after a limit was lifted.
   MipStatus run();
   // Called after every node.

@@ -172,7 +172,10 @@ MipOutcome MipSolve::run() {
   }
   search_ = std::make_unique<MipSearch>(*problem_, options_, control_, *space_);
   search_->onNode = onNode;
-  if (!space_->solutions().empty()) search_->knowSolution(space_->solutions().front().objective);
+  if (!space_->solutions().empty()) {
+    const MipSolution &known = space_->solutions().front();
+    search_->knowSolution(known.objective, presolve_->imageOf(known.x));
+  }
   outcome.status = search_->run();
   if (outcome.status == MipStatus::Unbounded) outcome.status = resolveUnbounded();
   takeOutcome(outcome);

@@ -9,11 +9,12 @@ namespace tarvik {
 
 namespace {
 
-constexpr int kSkipStarts = -3, kKeepContinuous = -2;
+constexpr int kSkipStarts = -3, kKeepContinuous = -2, kAutomatic = -1;
 constexpr int kSparseFloor = 100, kMaxSparseWarnings = 5;
 constexpr double kSparseShare = 0.9;
 // A violation that is told to the caller.
 constexpr double kToldViolation = 1e-5;
+constexpr double kTellingDifference = 1e-5;
 
 bool isGiven(double value) { return value < kUndefined; }
 
@@ -23,10 +24,11 @@ std::string nameOf(int id) {
   return std::string("user MIP start ").append(std::to_string(id));
 }
 
-// Out of the hole, to the end that the middle of the hole says.
+// Values of a semi column with the hole (low, high), one end of which is zero: what is nearer to
+// zero than to the other end becomes zero, the rest of the hole goes to the other end.
 double outOfHole(double value, double low, double high) {
-  if (value <= low || value >= high) return value;
-  return value < (low + high) / 2 ? low : high;
+  if (high > 0) return value < high / 2 ? 0 : std::max(value, high);
+  return value > low / 2 ? 0 : std::min(value, low);
 }
 
 }  // namespace
@@ -34,12 +36,12 @@ double outOfHole(double value, double low, double high) {
 bool MipStarts::prepare(const MipStart &start, Vec<double> &x) const {
   const MipModel &model = problem_.model();
   x = start.x;
+  // What the previous solve left is kept as it is when that is asked for, or may do.
+  const bool keeps = start.id != kPreviousSolve || options_.startNodeLimit == kKeepContinuous ||
+                     options_.startNodeLimit == kAutomatic;
   bool complete = true;
   for (int j = 0; j < problem_.numCols(); ++j) {
-    const bool continuous = model.kind[j] == VarKind::Continuous;
-    if (continuous && start.id == kPreviousSolve && options_.startNodeLimit != kKeepContinuous &&
-        options_.startNodeLimit != -1)
-      x[j] = kUndefined;
+    if (model.kind[j] == VarKind::Continuous && !keeps) x[j] = kUndefined;
     if (!isGiven(x[j])) {
       complete = false;
       continue;
@@ -65,33 +67,114 @@ void MipStarts::warnOfSparseStart(const Vec<double> &x, int id) {
       unset, discrete);
 }
 
-bool MipStarts::completeStart(const Vec<double> &x, int id, double &objective) {
-  if (id == kPreviousSolve) return false;
-  warnOfSparseStart(x, id);
+// Defaults but for what keeps the answer right and what limits it.
+MipOptions MipStarts::completionOptions() const {
+  MipOptions options;
+  options.tolerances = options_.tolerances;
+  options.simplex = options_.simplex;
+  options.simplex.logging = false;
+  options.presolve = options_.presolve;
+  options.presolve.level = -1;
+  options.presolve.logging = false;
+  options.subMip = true;
+  options.cutoff = options_.zeroObjStart ? kUserInf : target_.cutoff();
+  options.nodeLimit = options_.startNodeLimit >= 0 ? options_.startNodeLimit : options_.subMipNodes;
+  options.threads = options_.threads;
+  options.displayInterval = options_.displayInterval;
+  options.objSense = options_.objSense;
+  return options;
+}
+
+void MipStarts::reportProgress(const std::string &name, double nodes) {
+  const double now = control_.limits.seconds(), interval = options_.displayInterval;
+  if (std::floor(now / interval) == std::floor(lastLine_ / interval)) return;
+  lastLine_ = now;
+  std::string what(name);
+  if (numStarts_ > 1) what.append(" (of ").append(std::to_string(numStarts_)).append(")");
+  control_.log->print("Processing %s: %.0f nodes explored in subMIP, total elapsed time %.0fs\n",
+                      what.c_str(), nodes, now);
+}
+
+// A search with the given values fixed; its status comes back as well.
+bool MipStarts::searchAround(const Vec<double> &given, int id, double &objective,
+                             MipStatus &status) {
+  const std::string name = nameOf(id);
   MipModel fixed = problem_.model();
+  if (options_.zeroObjStart) std::fill(fixed.lp.cost.begin(), fixed.lp.cost.end(), 0.0);
+  status = MipStatus::Infeasible;
   for (int j = 0; j < problem_.numCols(); ++j) {
-    if (!isGiven(x[j])) continue;
-    if (x[j] < fixed.lp.colLower[j] || x[j] > fixed.lp.colUpper[j]) return false;
-    fixed.lp.colLower[j] = fixed.lp.colUpper[j] = x[j];
+    if (!isGiven(given[j])) continue;
+    if (given[j] < fixed.lp.colLower[j] || given[j] > fixed.lp.colUpper[j]) return false;
+    fixed.lp.colLower[j] = fixed.lp.colUpper[j] = given[j];
     // A value on the right side of its hole is an ordinary bound.
     if (isSemi(fixed.kind[j]))
       fixed.kind[j] = isIntegral(fixed.kind[j]) ? VarKind::Integer : VarKind::Continuous;
   }
-  MipOptions options = options_;
-  options.subMip = true;
-  options.simplex.logging = false;
-  options.cutoff = target_.cutoff();
-  options.nodeLimit = options_.startNodeLimit >= 0 ? options_.startNodeLimit : options_.subMipNodes;
-  SilentLog silent;
-  Log *log = control_.log;
-  control_.log = &silent;
-  const MipOutcome outcome = MipSolve(fixed, options, control_).run();
-  control_.log = log;
-  if (outcome.solutions.empty()) return false;
-  control_.log->print("%s produced solution with objective %g (%.2fs)\n", nameOf(id).c_str(),
-                      options_.objSense * outcome.solutions.front().objective,
-                      control_.limits.seconds());
-  return target_.accept(outcome.solutions.front().x, objective);
+  bool accepted = false;
+  MipSolve solve(fixed, completionOptions(), control_);
+  solve.onSolution = [&](const MipSolution &solution) {
+    if (!target_.accept(solution.x, objective)) return;
+    accepted = true;
+    if (id != kPreviousSolve)
+      control_.log->print("%s produced solution with objective %g (%.2fs)\n", name.c_str(),
+                          options_.objSense * objective, control_.limits.seconds());
+  };
+  if (id != kPreviousSolve)
+    solve.onNode = [&](const MipSearch &search) { reportProgress(name, search.explored()); };
+  status = solve.run().status;
+  return accepted;
+}
+
+// The values that differ from where columns rest (zero, or the bound nearest to it), the most
+// telling ones first, as far as they do not contradict each other.
+Vec<double> MipStarts::consistentPart(const Vec<double> &x) {
+  Vec<double> difference(problem_.numCols(), 0);
+  Vec<int> order;
+  Domain domain(problem_);
+  for (int j = 0; j < problem_.numCols(); ++j) {
+    if (!isGiven(x[j]) || problem_.kind(j) == VarKind::Continuous) continue;
+    const double rest = std::min(std::max(0.0, domain.lower(j)), domain.upper(j));
+    difference[j] = std::fabs(x[j] - rest);
+    if (difference[j] >= kTellingDifference) order.push_back(j);
+  }
+  std::stable_sort(order.begin(), order.end(),
+                   [&](int a, int b) { return difference[a] > difference[b]; });
+  Vec<double> kept(problem_.numCols(), kUndefined);
+  if (!domain.propagate(control_.work)) return kept;
+  for (const int j : order) {
+    const int level = domain.level();
+    if (x[j] < domain.lower(j) || x[j] > domain.upper(j)) continue;
+    if (domain.decide({{j, BoundSide::Lower, x[j]}, {j, BoundSide::Upper, x[j]}}) &&
+        domain.propagate(control_.work))
+      kept[j] = x[j];
+    else
+      domain.backtrackTo(level);
+  }
+  return kept;
+}
+
+bool MipStarts::completeStart(const Vec<double> &x, int id, double &objective) {
+  warnOfSparseStart(x, id);
+  MipStatus status;
+  if (searchAround(x, id, objective, status)) return true;
+  // Values that contradict each other, or are too hard to complete. Where a solution is known
+  // already, the start may just be no better.
+  const bool stuck = status == MipStatus::Infeasible || status == MipStatus::NodeLimit ||
+                     status == MipStatus::InfeasibleOrUnbounded;
+  if (!stuck || target_.cutoff() < kUserInf) return false;
+  const Vec<double> part = consistentPart(x);
+  if (std::none_of(part.begin(), part.end(), isGiven)) return false;
+  control_.log->print("Another try with MIP start\n");
+  return searchAround(part, id, objective, status);
+}
+
+// The discrete values of what the previous solve left, with new continuous ones.
+bool MipStarts::recomputeContinuous(Vec<double> x, double &objective) {
+  if (problem_.numContinuous() == 0) return false;
+  for (int j = 0; j < problem_.numCols(); ++j)
+    if (problem_.kind(j) == VarKind::Continuous) x[j] = kUndefined;
+  MipStatus status;
+  return searchAround(x, kPreviousSolve, objective, status);
 }
 
 // Names the worst violated constraint of a start that is complete.
@@ -117,17 +200,23 @@ void MipStarts::reportViolation(const Vec<double> &x, const char *name) const {
 void MipStarts::processOneStart(const MipStart &start) {
   const std::string name = nameOf(start.id);
   Vec<double> x;
+  MipStatus status;
   const bool complete = prepare(start, x);
   double objective = 0;
   bool accepted = complete && target_.accept(x, objective);
-  if (!accepted) accepted = completeStart(x, start.id, objective);
+  if (!accepted && start.id == kPreviousSolve)
+    accepted = options_.startNodeLimit != kKeepContinuous && recomputeContinuous(x, objective);
+  else if (!accepted && complete)
+    accepted = searchAround(x, start.id, objective, status);
+  else if (!accepted)
+    accepted = completeStart(x, start.id, objective);
   if (accepted) {
     control_.log->print("Loaded %s with objective %g\n", name.c_str(),
                         options_.objSense * objective);
     return;
   }
-  if (complete) reportViolation(x, name.c_str());
   control_.log->print("%s did not produce a new incumbent solution\n", name.c_str());
+  if (complete) reportViolation(x, name.c_str());
 }
 
 void MipStarts::processMipStarts(const Vec<MipStart> &starts) {
@@ -138,6 +227,8 @@ void MipStarts::processMipStarts(const Vec<MipStart> &starts) {
     return;
   }
   const double seconds = control_.limits.seconds(), work = control_.work.counted();
+  numStarts_ = static_cast<int>(starts.size());
+  lastLine_ = seconds;
   log.print("\n");
   for (const MipStart &start : starts) {
     if (std::none_of(start.x.begin(), start.x.end(), isGiven))

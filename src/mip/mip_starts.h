@@ -13,6 +13,8 @@
 
 namespace tarvik {
 
+enum class MipStatus;
+
 // Identifies the start that the previous solve left.
 inline constexpr int kPreviousSolve = -2;
 inline constexpr int kOnlyStart = -1;
@@ -43,6 +45,11 @@ class MipStarts {
   // Rounds what has to be integral, moves values out of holes; true when all values are known.
   bool prepare(const MipStart &start, Vec<double> &x) const;
   bool completeStart(const Vec<double> &x, int id, double &objective);
+  bool recomputeContinuous(Vec<double> x, double &objective);
+  bool searchAround(const Vec<double> &given, int id, double &objective, MipStatus &status);
+  Vec<double> consistentPart(const Vec<double> &x);
+  MipOptions completionOptions() const;
+  void reportProgress(const std::string &name, double nodes);
   void reportViolation(const Vec<double> &x, const char *name) const;
   void warnOfSparseStart(const Vec<double> &x, int id);
 
@@ -50,7 +57,8 @@ class MipStarts {
   const MipOptions &options_;
   SolveControl &control_;
   Target target_;
-  int sparseWarnings_ = 0;
+  int sparseWarnings_ = 0, numStarts_ = 0;
+  double lastLine_ = 0;  // when the last sign of life was printed
 };
 
 }  // namespace tarvik

@@ -122,7 +122,11 @@ void MipSearch::solveRoot() {
   }
   if (rootStatus_ == LpStatus::Optimal) {
     rememberRoot();
-    rootCutLoop();
+    HeuristicContext early = heuristicContext();
+    if (!heuristics_.beforeCuts(early, control_.work.counted() - startWork_))
+      rootCutLoop();
+    else
+      provenInfeasible();
     runRootHeuristics();
   }
   mipCheckTermination();

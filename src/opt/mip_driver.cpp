@@ -118,11 +118,9 @@ class MipRun {
                       : "Using branch priorities (all 0).\n");
     }
     const auto positive = [](int value) { return value > 0; };
-    if (!data.partition.empty())
-      env_.log(std::any_of(data.partition.begin(), data.partition.end(), positive) &&
-                       env_.get(Int::PartitionPlace) != 0
-                   ? "Using partitions.\n"
-                   : "Ignoring partitions.\n");
+    if (std::any_of(data.partition.begin(), data.partition.end(), positive))
+      env_.log(env_.get(Int::PartitionPlace) != 0 ? "Using partitions.\n"
+                                                  : "Ignoring partitions.\n");
   }
 
   void store(MipOutcome &outcome) {

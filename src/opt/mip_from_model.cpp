@@ -70,6 +70,9 @@ MipModel mipFromModel(const ModelData &data) {
   if (std::any_of(data.branchPriority.begin(), data.branchPriority.end(),
                   [](int priority) { return priority != 0; }))
     model.branchPriority.assign(data.branchPriority.begin(), data.branchPriority.end());
+  if (std::any_of(data.partition.begin(), data.partition.end(),
+                  [](int partition) { return partition > 0; }))
+    model.partition.assign(data.partition.begin(), data.partition.end());
   return model;
 }
 

@@ -2,6 +2,10 @@
 // that checks every point by itself.
 #pragma once
 
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
 #include "base/random.h"
 #include "mip/heuristics/heuristic.h"
 #include "mip/pseudo_costs.h"
@@ -108,6 +112,7 @@ class HeuristicFixture {
     c.pseudoCosts = &pseudoCosts;
     c.random = &random;
     c.root = domain.level() == 0;
+    c.bound = -kUserInf;
     c.workLimit = control.work.counted() + workLimit;
     return c;
   }
@@ -130,6 +135,26 @@ class HeuristicFixture {
     options.logging = false;
     return options;
   }
+};
+
+// Keeps what was printed.
+class RecordedLog : public Log {
+ public:
+  void print(const char *format, ...) override {
+    char line[512];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(line, sizeof line, format, args);
+    va_end(args);
+    text += line;
+  }
+  bool says(const char *part) const { return text.find(part) != std::string::npos; }
+  std::string text;
+};
+
+struct Recorded : HeuristicFixture {
+  explicit Recorded(MipModel model) : HeuristicFixture(std::move(model)) { control.log = &lines; }
+  RecordedLog lines;
 };
 
 // Knapsack rows over many columns with fractional relaxations; feasible at zero.

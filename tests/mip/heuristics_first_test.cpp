@@ -2,9 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdarg>
-#include <cstdio>
-#include <string>
 
 #include "heuristic_fixture.h"
 #include "mip/heuristics/feasibility_pump.h"
@@ -16,30 +13,11 @@
 namespace tarvik::test {
 namespace {
 
-class RecordedLog : public Log {
- public:
-  void print(const char *format, ...) override {
-    char line[512];
-    va_list args;
-    va_start(args, format);
-    std::vsnprintf(line, sizeof line, format, args);
-    va_end(args);
-    text += line;
-  }
-  bool says(const char *part) const { return text.find(part) != std::string::npos; }
-  std::string text;
-};
-
 // An odd cycle: the relaxation is feasible, no integral point is.
 MipModel oddCycle() {
   return makeModel({0, 0, 0}, {1, 1, 1},
                    {{1, {{0, 1}, {1, 1}}, 1}, {1, {{1, 1}, {2, 1}}, 1}, {1, {{0, 1}, {2, 1}}, 1}});
 }
-
-struct Recorded : HeuristicFixture {
-  explicit Recorded(MipModel model) : HeuristicFixture(std::move(model)) { control.log = &lines; }
-  RecordedLog lines;
-};
 
 TEST(FeasibilityPump, FindsPointsAndLeavesTheRelaxationAlone) {
   Random random(3);

@@ -159,7 +159,7 @@ bool Diving::finish(HeuristicContext &context) {
 }
 
 bool Diving::isReady(const HeuristicContext &context) const {
-  return kind_ != DiveKind::Guided || context.sink->hasIncumbent();
+  return kind_ != DiveKind::Guided || context.sink->hasPoint();
 }
 
 bool Diving::run(HeuristicContext &context) {

@@ -31,7 +31,8 @@ enum class SolutionSource : int {
   RelaxAndFix,
   OneOpt,
   Trivial,
-  Mutation
+  Mutation,
+  LocalSearch
 };
 
 // Where points go. submit() rounds, checks against the problem and against the user's model,
@@ -42,9 +43,11 @@ class SolutionSink {
   virtual ~SolutionSink() = default;
   virtual bool submit(const Vec<double> &x, SolutionSource source) = 0;
   virtual bool hasIncumbent() const = 0;
-  virtual double incumbentObjective() const = 0;     // kUserInf without one
-  virtual const Vec<double> &incumbent() const = 0;  // in the problem's space
-  virtual double cutoff() const = 0;                 // objectives must be below
+  virtual double incumbentObjective() const = 0;  // kUserInf without one
+  // In the problem's space; empty when the incumbent came from outside and has no image there.
+  virtual const Vec<double> &incumbent() const = 0;
+  virtual double cutoff() const = 0;  // objectives must be below
+  bool hasPoint() const { return !incumbent().empty(); }
 };
 
 struct HeuristicContext {
@@ -61,6 +64,7 @@ struct HeuristicContext {
   const Vec<Vec<double>> *solutions;  // recent incumbents, the latest last; may be null
   bool root;
   double nodes;      // explored so far
+  double bound;      // on the objective, -kUserInf: none known yet
   double workLimit;  // on control->work.counted(): give up soon after
 };
 

@@ -51,7 +51,7 @@ bool Neighbourhood::isReady(const HeuristicContext &context) const {
     case NeighbourhoodKind::Crossover:
       return context.solutions != nullptr && context.solutions->size() >= 2;
     default:
-      return context.sink->hasIncumbent();
+      return context.sink->hasPoint();
   }
 }
 
@@ -96,7 +96,7 @@ bool Neighbourhood::reachRate(HeuristicContext &context) {
     return !fixings_.empty();
   }
   if (fixings_.size() >= wanted) return true;
-  if (kind_ == NeighbourhoodKind::Rens || !context.sink->hasIncumbent()) return false;
+  if (kind_ == NeighbourhoodKind::Rens || !context.sink->hasPoint()) return false;
   Vec<char> fixed(problem.numCols(), 0);
   for (const Fixing &fixing : fixings_) fixed[fixing.col] = 1;
   Vec<int> others;
@@ -127,7 +127,7 @@ bool Neighbourhood::run(HeuristicContext &context) {
     if (fixing.value >= lp.colLower[fixing.col] && fixing.value <= lp.colUpper[fixing.col])
       sub.fix(fixing.col, fixing.value);
   }
-  if (context.sink->hasIncumbent()) {
+  if (context.sink->hasPoint()) {
     const double incumbent = context.sink->incumbentObjective();
     const double least = std::max(kImprovement * (incumbent - context.lp->objective()),
                                   kRelativeImprovement * std::fabs(incumbent));

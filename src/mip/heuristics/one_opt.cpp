@@ -65,8 +65,7 @@ bool OneOpt::moveInPair(HeuristicContext &context, MovingPoint &point, int col) 
 
 bool OneOpt::run(HeuristicContext &context) {
   const Problem &problem = *context.problem;
-  if (!context.sink->hasIncumbent() || context.sink->incumbentObjective() >= improved_)
-    return false;
+  if (!context.sink->hasPoint() || context.sink->incumbentObjective() >= improved_) return false;
   MovingPoint point(problem, context.sink->incumbent());
   if (!point.violated().empty()) return false;
   Vec<int> order;
