@@ -18,7 +18,8 @@ class CompensatedSum {
     low_ += (high_ - (sum - back)) + (term - back);
     high_ = sum;
   }
-  // Adds a * b with the rounding error of the product.
+  // Adds a * b with the rounding error of the product. Where the same product is taken away again,
+  // adding it rounded does as well and is much faster.
   void addProduct(double a, double b) {
     const double product = a * b;
     add(product);

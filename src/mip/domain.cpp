@@ -57,7 +57,7 @@ void Domain::initialiseActivities() {
     if (isInf(bound))
       ++activity.infinite;
     else
-      activity.sum.addProduct(coef, bound);
+      activity.sum.add(coef * bound);
   };
   for (int i = 0; i < rows.numMajor; ++i)
     for (NzIndex k = rows.start[i]; k < rows.start[i + 1]; ++k) {
@@ -118,11 +118,11 @@ void Domain::updateActivities(int col, BoundSide side, double from, double to) {
     if (isInf(from))
       --activity.infinite;
     else
-      activity.sum.addProduct(-coef, from);
+      activity.sum.add(-(coef * from));
     if (isInf(to))
       ++activity.infinite;
     else
-      activity.sum.addProduct(coef, to);
+      activity.sum.add(coef * to);
   };
   for (NzIndex k = cols.start[col]; k < cols.start[col + 1]; ++k) {
     const double a = cols.value[k];

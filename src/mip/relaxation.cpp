@@ -11,6 +11,7 @@ Relaxation::Relaxation(const Problem &problem, const SimplexOptions &options)
       upper_(problem.lp().colUpper) {
   // Points are checked and repaired before they count; bounds need no polish.
   simplex_.options().polish = false;
+  simplex_.options().quickVerdicts = true;
   simplex_.load(problem.lp());
 }
 
@@ -55,15 +56,21 @@ LpStatus Relaxation::solve(SolveControl &control, double iterationLimit) {
   simplex_.setIterationCap(iterationLimit < kUserInf ? before + iterationLimit : kUserInf);
   status_ = simplex_.solve(SimplexMethod::Dual, control);
   totalIterations_ += simplex_.iterations() - before;
-  objective_ = simplex_.objective();
-  if (status_ != LpStatus::Optimal) return status_;
-  simplex_.getSolution(solution_);
-  objective_ = solution_.objective;
-  for (int k = 0; k < numCuts(); ++k) {
-    const bool slack = solution_.basis.row[problem_->numRows() + k] == VarStatus::Basic;
-    cuts_[k].age = slack ? cuts_[k].age + 1 : 0;
+  solutionStale_ = true;
+  if (status_ != LpStatus::Optimal) {
+    objective_ = status_ == LpStatus::IterationLimit ? simplex_.dualBound() : -kUserInf;
+    return status_;
   }
+  simplex_.getPoint(x_, reducedCost_, objective_);
+  for (int k = 0; k < numCuts(); ++k)
+    cuts_[k].age = simplex_.logicalIsBasic(problem_->numRows() + k) ? cuts_[k].age + 1 : 0;
   return status_;
+}
+
+const LpSolution &Relaxation::solution() const {
+  if (solutionStale_) simplex_.getSolution(solution_);
+  solutionStale_ = false;
+  return solution_;
 }
 
 void Relaxation::addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<int> &ids) {

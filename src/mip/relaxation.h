@@ -32,8 +32,10 @@ class Relaxation {
   double objective() const { return objective_; }
   double iterations() const { return totalIterations_; }  // of all solves
   // Of the last optimal solve.
-  const Vec<double> &x() const { return solution_.colValue; }
-  const LpSolution &solution() const { return solution_; }
+  const Vec<double> &x() const { return x_; }
+  const Vec<double> &reducedCost() const { return reducedCost_; }  // zero for fixed columns
+  // All of the last solution, while rows, bounds and the basis are still those of the solve.
+  const LpSolution &solution() const;
 
   // Rows beyond the problem's.
   int numCuts() const { return static_cast<int>(cuts_.size()); }
@@ -65,7 +67,9 @@ class Relaxation {
   Simplex simplex_;
   Vec<double> lower_, upper_;  // as the engine has them
   Vec<Active> cuts_;
-  LpSolution solution_;
+  Vec<double> x_, reducedCost_;
+  mutable LpSolution solution_;
+  mutable bool solutionStale_ = true;
   LpStatus status_ = LpStatus::NotSolved;
   double objective_ = 0, totalIterations_ = 0;
 };

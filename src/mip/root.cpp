@@ -65,10 +65,9 @@ void MipSearch::reportRoot(double seconds, double work) const {
 }
 
 void MipSearch::rememberRoot() {
-  const LpSolution &solution = worker_.lp().solution();
-  rootX_ = solution.colValue;
-  rootReducedCost_ = solution.colDual;
-  rootObjective_ = solution.objective;
+  rootX_ = worker_.lp().x();
+  rootReducedCost_ = worker_.lp().reducedCost();
+  rootObjective_ = worker_.lp().objective();
   rootBound_ = std::max(rootBound_, rootObjective_);
   worker_.brancher().setRootPoint(rootX_);
 }

@@ -156,7 +156,7 @@ NodeResult Worker::process(Node &node) {
       result.outcome = NodeOutcome::Cutoff;
       return result;
     }
-    if (!tightenByReducedCosts(lp_.x(), lp_.solution().colDual, result.objective) ||
+    if (!tightenByReducedCosts(lp_.x(), lp_.reducedCost(), result.objective) ||
         !domain_.propagate(control_.work)) {
       result.outcome = NodeOutcome::Cutoff;
       return result;

@@ -65,21 +65,21 @@ Real Engine<Real>::primalResidual() {
   SparseVec<Real> &sum = work1;
   sum.clear();
   Real largest = 0;
-  double touched = lp.total();
+  double entries = lp.total();
   for (int j = 0; j < lp.total(); ++j) {
     const Real x = position[j] >= 0 ? xB[position[j]] : value[j];
     if (x == Real(0)) continue;
     largest = std::max(largest, fabs(x));
     lp.forColumn(j, [&](int i, Real a) {
       sum.value[i] += a * x;
-      touched += 1;
+      entries += 1;
     });
   }
   Real residual = 0;
   for (int i = 0; i < lp.m; ++i) residual = std::max(residual, fabs(sum.value[i]));
   sum.count = -1;
   sum.clear();
-  chargeWork(3 * touched);
+  chargeWork(3 * entries);
   return residual / (1 + largest);
 }
 
@@ -89,16 +89,16 @@ Real Engine<Real>::dualResidual() {
   const auto multiplier = [&](int i) { return cost[lp.n + i] - dual[lp.n + i]; };
   Real largest = 0, residual = 0;
   for (int i = 0; i < lp.m; ++i) largest = std::max(largest, fabs(multiplier(i)));
-  double touched = 2.0 * lp.m;
+  double entries = 2.0 * lp.m;
   for (int p = 0; p < lp.m; ++p) {
     Real sum = cost[head[p]];
     lp.forColumn(head[p], [&](int i, Real a) {
       sum -= a * multiplier(i);
-      touched += 1;
+      entries += 1;
     });
     residual = std::max(residual, fabs(sum));
   }
-  chargeWork(3 * touched);
+  chargeWork(3 * entries);
   return residual / (1 + largest);
 }
 

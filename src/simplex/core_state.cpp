@@ -9,6 +9,7 @@ template <class Real>
 void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) {
   Engine<Real> &e = engine;
   const int n = e.lp.n, m = e.lp.m;
+  e.forgetValues();
   const bool sameBasics = hasBasics(basis);
   if (!sameBasics) {
     e.head.clear();
@@ -80,6 +81,7 @@ void SimplexCore<Real>::setEdgeWeights(const Vec<double> &weights) {
 template <class Real>
 bool SimplexCore<Real>::refresh(SolveControl &control) {
   engine.control = &control;
+  engine.forgetValues();
   engine.stability.startSolve(engine.options, engine.lp.m);
   engine.repaired = false;
   engine.resetWorkingBounds();
@@ -169,9 +171,28 @@ void SimplexCore<Real>::getSolution(LpStatus status, LpSolution &solution) const
 }
 
 template <class Real>
+void SimplexCore<Real>::getPoint(Vec<double> &x, Vec<double> &reducedCost,
+                                 double &objective) const {
+  const ScaledLp<Real> &lp = engine.lp;
+  x.resize(lp.n);
+  reducedCost.resize(lp.n);
+  Real sum = lp.offset;
+  for (int j = 0; j < lp.n; ++j) {
+    const BasisPos p = engine.position[j];
+    const Real value = p >= 0 ? engine.xB[p] : engine.value[j];
+    const bool fixed = p >= 0 || lp.lower[j] == lp.upper[j];
+    x[j] = static_cast<double>(value * lp.colScale[j]);
+    reducedCost[j] = fixed ? 0.0 : static_cast<double>(engine.dual[j] / lp.colScale[j]);
+    sum += lp.cost[j] * value;
+  }
+  objective = static_cast<double>(sum);
+}
+
+template <class Real>
 void SimplexCore<Real>::addRows(int count, const NzIndex *start, const int *index,
                                 const double *value, const double *lower, const double *upper) {
   const int n = engine.lp.n, m = engine.lp.m;
+  engine.forgetValues();
   engine.lp.addRows(count, start, index, value, lower, upper);
   const int total = engine.lp.total();
   engine.lower = engine.lp.lower;
@@ -198,6 +219,7 @@ void SimplexCore<Real>::addRows(int count, const NzIndex *start, const int *inde
 
 template <class Real>
 void SimplexCore<Real>::deleteRows(const Vec<char> &mark) {
+  engine.forgetValues();
   Basis kept = basis();
   Vec<double> weightOf(engine.lp.total(), 1.0);
   for (int i = 0; i < engine.lp.m; ++i) weightOf[engine.head[i]] = engine.rowWeight[i];

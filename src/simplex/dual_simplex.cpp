@@ -28,13 +28,87 @@ TARVIK_SIMD void axpy(int n, double factor, const double *x, double *y) {
 
 template <class Real>
 PhaseResult DualSimplex<Real>::run(bool perturb) {
+  unblockAll();
+  allowSmallPivots_ = false;
+  nextCutoffTest_ = 0;
+  resumed_ = resume();
+  e_.forgetValues();
+  PhaseResult result;
+  if (resumed_) {
+    result = phase(false);
+    if (result == PhaseResult::Optimal) result = finishPhaseTwo();
+  } else {
+    result = runFromBasis(perturb);
+  }
+  const bool complete = result == PhaseResult::Optimal || result == PhaseResult::Infeasible ||
+                        result == PhaseResult::Cutoff || result == PhaseResult::Stopped;
+  e_.current = complete && !phaseOne_ && e_.factored && !e_.costsPerturbed &&
+               e_.costShift == ShiftState::None && static_cast<int>(queue_.size()) == e_.lp.m;
+  return result;
+}
+
+// Goes on with the values that the last solve left, after changes of bounds. False: they are of no
+// use, and everything is to be computed from the basis.
+template <class Real>
+bool DualSimplex<Real>::resume() {
+  if (!e_.current || !e_.factored || !pricing_.steepest() || e_.options.pricing >= 0 ||
+      static_cast<int>(e_.touched.size()) > e_.lp.total() / 4)
+    return false;
+  SparseVec<Real> &change = e_.work1;
+  change.clear();
+  for (const VarIndex j : e_.touched) {
+    if (followBounds(j, change)) continue;
+    change.clear();
+    return false;
+  }
+  e_.chargeWork(4.0 * static_cast<double>(e_.touched.size()));
+  if (change.count == 0) return true;
+  e_.factor.ftran(change, e_.flipDensity, e_.control->work);
+  e_.updateDensity(e_.flipDensity, change);
+  change.forEach([&](int i, Real x) { e_.xB[i] -= x; });
+  change.clear();
+  return true;
+}
+
+// Takes over the true bounds of a variable; a nonbasic one moves with them, to the side that its
+// reduced cost asks for. False when no side satisfies it.
+template <class Real>
+bool DualSimplex<Real>::followBounds(VarIndex j, SparseVec<Real> &change) {
+  e_.lower[j] = e_.lp.lower[j];
+  e_.upper[j] = e_.lp.upper[j];
+  width_[j] = e_.upper[j] - e_.lower[j];
+  if (const BasisPos p = e_.position[j]; p >= 0) {
+    e_.lB[p] = e_.lower[j];
+    e_.uB[p] = e_.upper[j];
+    return true;
+  }
+  const Real from = e_.value[j];
+  e_.dual[j] = e_.reducedCost(j);
+  e_.placeNonbasic(j);
+  e_.syncActive(j);
+  if (e_.lower[j] < e_.upper[j]) {
+    if (e_.move[j] == 0) return false;
+    if (e_.dualInfeasibility(j) > e_.dualTol) {
+      const Real opposite = e_.move[j] > 0 ? e_.upper[j] : e_.lower[j];
+      if (!std::isfinite(static_cast<double>(opposite))) return false;
+      e_.move[j] = static_cast<signed char>(-e_.move[j]);
+      e_.value[j] = opposite;
+    }
+  }
+  const Real step = e_.value[j] - from;
+  if (step == Real(0)) return true;
+  e_.updatedObjective += e_.dual[j] * step;
+  e_.lp.forColumn(j, [&](int i, Real a) { change.add(i, a * step); });
+  return true;
+}
+
+template <class Real>
+PhaseResult DualSimplex<Real>::runFromBasis(bool perturb) {
   e_.resetWorkingBounds();
   e_.resetWorkingCosts();
   queue_.resize(e_.lp.m);
   width_.resize(e_.lp.total());
   choosePricing();
-  unblockAll();
-  allowSmallPivots_ = false;
   if (!e_.factored && !e_.refactor()) return e_.troubleResult();
   e_.computeDual();
   primalFresh_ = false;
@@ -106,22 +180,49 @@ PhaseResult DualSimplex<Real>::phase(bool phaseOne) {
   disagreements_ = 0;
   RebuildReason reason = RebuildReason::None;
   while (true) {
-    if (!rebuild(reason, phaseOne)) return e_.troubleResult();
+    if (resumed_) {
+      resumed_ = false;
+      e_.valuesFollowed = true;
+      fillQueue();
+    } else if (!rebuild(reason, phaseOne)) {
+      return e_.troubleResult();
+    }
+    if (cutoffProven()) return PhaseResult::Cutoff;
     e_.log(false);
     if (e_.stop != StopReason::None) return PhaseResult::Stopped;
     const double before = e_.iterations;
     reason = iterate();
     if (reason == RebuildReason::UpdateLimit) continue;
+    if (reason == RebuildReason::Cutoff) return PhaseResult::Cutoff;
     if (reason == RebuildReason::PivotDisagreement || reason == RebuildReason::UnsafeUpdate) {
       if (++disagreements_ > kMaxDisagreements) return PhaseResult::Trouble;
       continue;
     }
     if (reason == RebuildReason::Limit) return PhaseResult::Stopped;
-    // A verdict needs values computed from scratch: it counts only right after a rebuild.
-    if (e_.iterations != before) continue;
+    // A verdict needs values computed from scratch: it counts only right after a rebuild, or where
+    // the caller is content with less.
+    if (e_.iterations != before && !trusts(reason)) continue;
     const PhaseResult result = verdict(reason, phaseOne);
     if (!retry_) return result;
   }
+}
+
+template <class Real>
+bool DualSimplex<Real>::trusts(RebuildReason reason) const {
+  return e_.options.quickVerdicts && !phaseOne_ && blockedCount_ == 0 &&
+         e_.updatesSinceCompute <= tuning::kTrustedUpdates &&
+         (reason == RebuildReason::PossiblyOptimal || reason == RebuildReason::PossiblyInfeasible);
+}
+
+// Whether the bound that the dual objective is for the true problem has reached the cutoff.
+template <class Real>
+bool DualSimplex<Real>::cutoffProven() {
+  if (phaseOne_ || e_.options.cutoff >= 1e100 ||
+      !(static_cast<double>(e_.updatedObjective) > e_.options.cutoff) ||
+      e_.iterations < nextCutoffTest_)
+    return false;
+  nextCutoffTest_ = e_.iterations + tuning::kCutoffTestInterval;
+  return e_.dualBound() > e_.options.cutoff;
 }
 
 template <class Real>
@@ -142,8 +243,6 @@ PhaseResult DualSimplex<Real>::verdict(RebuildReason reason, bool phaseOne) {
       block(troubleRow_);
       retry_ = true;
       return PhaseResult::Trouble;
-    case RebuildReason::Cutoff:
-      return PhaseResult::Cutoff;
     default:
       return PhaseResult::Trouble;
   }
@@ -151,9 +250,8 @@ PhaseResult DualSimplex<Real>::verdict(RebuildReason reason, bool phaseOne) {
 
 template <class Real>
 bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
-  const bool verdictPending = reason == RebuildReason::PossiblyOptimal ||
-                              reason == RebuildReason::PossiblyInfeasible ||
-                              reason == RebuildReason::Cutoff;
+  const bool verdictPending =
+      reason == RebuildReason::PossiblyOptimal || reason == RebuildReason::PossiblyInfeasible;
   const bool refactor = !e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
                                          !(verdictPending && e_.updates < kRecomputeUpdates));
   const bool check = refactor && e_.updates > 0 && e_.valuesFollowed;
@@ -400,9 +498,7 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   e_.xB[p] = entering;
   setInfeasibility(p);
   tau.clear();
-  if (!phaseOne_ && e_.options.cutoff < 1e100 &&
-      static_cast<double>(e_.updatedObjective) > e_.options.cutoff)
-    return RebuildReason::Cutoff;
+  if (cutoffProven()) return RebuildReason::Cutoff;
   return updated == UpdateResult::RefactorSoon ? RebuildReason::UpdateLimit : RebuildReason::None;
 }
 

@@ -29,7 +29,12 @@ class DualSimplex {
     Real range;  // width of the box, infinite when it has none
   };
 
+  PhaseResult runFromBasis(bool perturb);
+  bool resume();
+  bool followBounds(VarIndex j, SparseVec<Real> &change);
   PhaseResult phase(bool phaseOne);
+  bool trusts(RebuildReason reason) const;
+  bool cutoffProven();
   PhaseResult finishPhaseTwo();
   PhaseResult verdict(RebuildReason reason, bool phaseOne);
   bool rebuild(RebuildReason reason, bool phaseOne);
@@ -74,8 +79,10 @@ class DualSimplex {
   Vec<char> blocked_;  // rows that may not leave until progress is made
   int blockedCount_ = 0;
   bool allowSmallPivots_ = false;
-  bool retry_ = false;  // the verdict asks for another try without the row it blocked
-  double flips_ = 0;    // of reduced costs mended by a change of side
+  bool resumed_ = false;
+  double nextCutoffTest_ = 0;  // iterations; a test that failed is not repeated at once
+  bool retry_ = false;         // the verdict asks for another try without the row it blocked
+  double flips_ = 0;           // of reduced costs mended by a change of side
   // Values computed at the start of a run that its first rebuild need not compute again; the
   // primal ones hold as long as no flip was made since.
   bool dualsFresh_ = false, primalFresh_ = false;

@@ -63,6 +63,7 @@ void Engine<Real>::convertFrom(const Engine<Other> &other) {
 
 template <class Real>
 void Engine<Real>::slackBasis() {
+  forgetValues();
   const int total = lp.total(), m = lp.m;
   lower = lp.lower;
   upper = lp.upper;
@@ -217,13 +218,13 @@ void Engine<Real>::computePrimal() {
   // B xB = -(N xN), all right-hand sides being zero.
   SparseVec<Real> &rhs = work1;
   rhs.clear();
-  double touched = lp.total();
+  double entries = lp.total();
   for (int j = 0; j < lp.total(); ++j) {
     if (position[j] >= 0 || value[j] == Real(0)) continue;
     const Real x = value[j];
     lp.forColumn(j, [&](int i, Real a) {
       rhs.value[i] -= a * x;
-      touched += 1;
+      entries += 1;
     });
   }
   rhs.rebuild(Real(0));
@@ -231,7 +232,8 @@ void Engine<Real>::computePrimal() {
   for (int i = 0; i < lp.m; ++i) xB[i] = rhs.value[i];
   rhs.count = -1;
   rhs.clear();
-  chargeWork(3 * touched);
+  updatesSinceCompute = 0;
+  chargeWork(3 * entries);
 }
 
 template <class Real>
@@ -244,7 +246,7 @@ void Engine<Real>::computeDual() {
     if (cost[head[i]] != Real(0)) y.set(i, cost[head[i]]);
   if (y.count > lp.m / 4) y.count = -1;
   factor.btran(y, y.count < 0 ? 1.0 : 0.5, control->work);
-  double touched = lp.total();
+  double entries = lp.total();
   if (!y.valid() || y.density() > 0.1) {
     for (int j = 0; j < lp.n; ++j) {
       if (position[j] >= 0) {
@@ -255,7 +257,7 @@ void Engine<Real>::computeDual() {
       const NzIndex end = lp.cols.start[j + 1];
       for (NzIndex k = lp.cols.start[j]; k < end; ++k)
         sum -= y.value[lp.cols.index[k]] * lp.value[k];
-      touched += static_cast<double>(end - lp.cols.start[j]);
+      entries += static_cast<double>(end - lp.cols.start[j]);
       dual[j] = sum;
     }
   } else {
@@ -271,7 +273,7 @@ void Engine<Real>::computeDual() {
   }
   y.count = -1;
   y.clear();
-  chargeWork(3 * touched);
+  chargeWork(3 * entries);
 }
 
 template <class Real>
@@ -330,6 +332,47 @@ Real Engine<Real>::trueObjective() const {
   return sum;
 }
 
+// Any multipliers give a bound: those of the basis at the true costs are computed for it, whatever
+// the algorithms were about when they stopped.
+template <class Real>
+double Engine<Real>::dualBound() {
+  SparseVec<Real> &y = work1;
+  y.clear();
+  for (int i = 0; i < lp.m; ++i)
+    if (lp.cost[head[i]] != Real(0)) y.set(i, lp.cost[head[i]]);
+  factor.btran(y, 1.0, control->work);
+  Real sum = lp.offset;
+  bool bounded = true;
+  const auto add = [&](VarIndex j, Real d) {
+    const Real best = d > 0 ? lp.lower[j] : lp.upper[j];
+    if (std::isfinite(static_cast<double>(best)))
+      sum += d * best;
+    else if (fabs(d) > dualTol)
+      bounded = false;
+  };
+  for (int j = 0; j < lp.n && bounded; ++j) {
+    if (position[j] >= 0) continue;
+    Real d = lp.cost[j];
+    for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k)
+      d -= y.value[lp.cols.index[k]] * lp.value[k];
+    add(j, d);
+  }
+  for (int i = 0; i < lp.m; ++i)
+    if (position[lp.n + i] < 0) add(lp.n + i, -y.value[i]);
+  y.clear();
+  chargeWork(static_cast<double>(lp.cols.numNz()) + lp.total());
+  return bounded ? static_cast<double>(sum) : -kInf;
+}
+
+template <class Real>
+Real Engine<Real>::reducedCost(VarIndex j) const {
+  if (j >= lp.n) return dual[j];
+  Real d = cost[j];
+  for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k)
+    d += lp.value[k] * dual[lp.n + lp.cols.index[k]];
+  return d;
+}
+
 template <class Real>
 void Engine<Real>::updateDensity(double &average, const SparseVec<Real> &x) const {
   average += tuning::kDensityMemory * (x.density() - average);
@@ -383,6 +426,7 @@ UpdateResult Engine<Real>::changeBasis(VarIndex q, BasisPos p, int side, Real al
   syncActive(q);
   syncActive(out);
   ++updates;
+  ++updatesSinceCompute;
   ++iterations;
   return result;
 }

@@ -108,6 +108,14 @@ class Engine : public EngineState {
   bool valuesFollowed = false;  // false after changes that nothing was updated by
   bool repaired = false;        // the last factorization changed the basis
 
+  // --- what the last solve left ---
+  // The working problem is the true one except at the bounds of the touched variables, and values,
+  // reduced costs and weights belong to the basis: a dual run goes on from here without computing
+  // any of it again.
+  bool current = false;
+  Vec<VarIndex> touched;
+  int updatesSinceCompute = 0;  // basis changes since the values were computed from the factors
+
   // --- verdicts ---
   Vec<Real> certificateRow;  // dual ray of a proven infeasibility: multipliers by row
   Vec<Real> rayDirection;    // primal ray, n + m
@@ -122,6 +130,14 @@ class Engine : public EngineState {
   void resetWorkingBounds();  // true bounds into lower/upper; nonbasics follow
   void resetWorkingCosts();
   void rebuildRows();
+  // Says that true bounds have changed.
+  void touch(VarIndex j) {
+    if (current) touched.push_back(j);
+  }
+  void forgetValues() {
+    current = false;
+    touched.clear();
+  }
   bool canEnter(VarIndex j) const { return position[j] < 0 && lower[j] < upper[j]; }
   void syncActive(VarIndex j) {
     if (j < lp.n) rows.setActive(j, canEnter(j));
@@ -154,6 +170,11 @@ class Engine : public EngineState {
   Real dualInfeasibility(VarIndex j) const;
   Real currentObjective() const;  // working costs, scaled space values, offset included
   Real trueObjective() const;
+  // What the multipliers of the current basis prove for the true problem: no point within the
+  // bounds is better. Reduced costs within the tolerance count as zero where a bound is missing.
+  double dualBound();
+  // The reduced cost of a structural variable at the multipliers that the logicals show.
+  Real reducedCost(VarIndex j) const;
 
   void ftranColumn(VarIndex j, SparseVec<Real> &x, bool keepSpike);
   void unitBtran(BasisPos p);  // rho = e_p' B^-1

@@ -133,16 +133,28 @@ void Simplex::load(const LpModel &lp) {
 SimplexOptions &Simplex::options() { return engine_->state().options; }
 
 void Simplex::setColBounds(ColIndex col, double lower, double upper) {
-  engine_->visit([&](auto &core) { core.engine.lp.setColBounds(col, lower, upper); });
+  engine_->visit([&](auto &core) {
+    core.engine.lp.setColBounds(col, lower, upper);
+    core.engine.touch(col);
+  });
 }
 void Simplex::setRowBounds(RowIndex row, double lower, double upper) {
-  engine_->visit([&](auto &core) { core.engine.lp.setRowBounds(row, lower, upper); });
+  engine_->visit([&](auto &core) {
+    core.engine.lp.setRowBounds(row, lower, upper);
+    core.engine.touch(core.engine.lp.n + row);
+  });
 }
 void Simplex::setCost(ColIndex col, double cost) {
-  engine_->visit([&](auto &core) { core.engine.lp.setCost(col, cost); });
+  engine_->visit([&](auto &core) {
+    core.engine.lp.setCost(col, cost);
+    core.engine.forgetValues();
+  });
 }
 void Simplex::setOffset(double offset) {
-  engine_->visit([&](auto &core) { core.engine.lp.offset = offset; });
+  engine_->visit([&](auto &core) {
+    core.engine.lp.offset = offset;
+    core.engine.forgetValues();
+  });
 }
 void Simplex::addRows(int count, const NzIndex *start, const int *index, const double *value,
                       const double *lower, const double *upper) {
@@ -169,6 +181,17 @@ double Simplex::objective() const {
 }
 void Simplex::getSolution(LpSolution &solution) const {
   engine_->visit([&](auto &core) { core.getSolution(engine_->status(), solution); });
+}
+
+void Simplex::getPoint(Vec<double> &x, Vec<double> &reducedCost, double &objective) const {
+  engine_->visit([&](auto &core) { core.getPoint(x, reducedCost, objective); });
+}
+double Simplex::dualBound() {
+  return engine_->visit([](auto &core) { return core.engine.dualBound(); });
+}
+bool Simplex::logicalIsBasic(RowIndex row) const {
+  return engine_->visit(
+      [&](auto &core) { return core.engine.position[core.engine.lp.n + row] >= 0; });
 }
 
 Vec<double> Simplex::edgeWeights() const {

@@ -76,6 +76,12 @@ class Simplex {
   double iterations() const;  // since load() or restartCounting()
   double objective() const;   // primal objective of the current basic solution
   void getSolution(LpSolution &solution) const;
+  // The part of it that a search looks at after every solve: values, reduced costs (zero for fixed
+  // columns) and the objective.
+  void getPoint(Vec<double> &x, Vec<double> &reducedCost, double &objective) const;
+  // A bound on every solution within the current bounds, from the multipliers of the current basis.
+  double dualBound();
+  bool logicalIsBasic(RowIndex row) const;
 
   // Solves with the current basis matrix, in the user's scale. Basis columns are structural
   // columns of A, or unit vectors e_i for the logical of row i.

@@ -40,18 +40,25 @@ bool SimplexCore<Real>::start(SolveControl &control) {
 // Crossing bounds need no iteration; the certificate is the row itself, or none for a column.
 template <class Real>
 bool SimplexCore<Real>::boundsCross() {
-  for (int j = 0; j < engine.lp.total(); ++j) {
-    const Real tol = engine.options.primalTol / engine.lp.varScale(j);
-    if (engine.lp.lower[j] - engine.lp.upper[j] <= tol && engine.lp.lower[j] < kRealInf<Real> &&
-        engine.lp.upper[j] > -kRealInf<Real>)
-      continue;
-    return true;
-  }
+  ScaledLp<Real> &lp = engine.lp;
+  const auto crosses = [&](VarIndex j) {
+    const Real tol = engine.options.primalTol / lp.varScale(j);
+    return !(lp.lower[j] - lp.upper[j] <= tol && lp.lower[j] < kRealInf<Real> &&
+             lp.upper[j] > -kRealInf<Real>);
+  };
   // Bounds that cross within the tolerance meet in their middle.
-  for (int j = 0; j < engine.lp.total(); ++j)
-    if (engine.lp.lower[j] > engine.lp.upper[j])
-      engine.lp.lower[j] = engine.lp.upper[j] =
-          Real(0.5) * (engine.lp.lower[j] + engine.lp.upper[j]);
+  const auto join = [&](VarIndex j) {
+    if (lp.lower[j] > lp.upper[j])
+      lp.lower[j] = lp.upper[j] = Real(0.5) * (lp.lower[j] + lp.upper[j]);
+  };
+  if (engine.current) {
+    if (std::any_of(engine.touched.begin(), engine.touched.end(), crosses)) return true;
+    std::for_each(engine.touched.begin(), engine.touched.end(), join);
+    return false;
+  }
+  for (int j = 0; j < lp.total(); ++j)
+    if (crosses(j)) return true;
+  for (int j = 0; j < lp.total(); ++j) join(j);
   return false;
 }
 
@@ -62,6 +69,7 @@ PhaseResult SimplexCore<Real>::runMethod(SimplexMethod method, bool perturb) {
     engine.rowWeightsValid = true;
     return result;
   }
+  engine.forgetValues();
   const double before = engine.iterations;
   const PhaseResult result = primal_.run(perturb);
   if (engine.iterations != before) engine.rowWeightsValid = false;
@@ -85,10 +93,6 @@ PhaseResult SimplexCore<Real>::run(SimplexMethod method) {
       case PhaseResult::Optimal:
         if (tightenIfViolated()) break;
         return polish();
-      case PhaseResult::Cutoff:
-        // With perturbed costs the bound proves nothing: count again with the true ones.
-        if (!engine.costsPerturbed && engine.costShift == ShiftState::None) return result;
-        break;
       case PhaseResult::Trouble:
         switch (recover()) {
           case Recovery::GiveUp:
@@ -193,7 +197,8 @@ bool SimplexCore<Real>::endsWell() {
     if (log && kappa > kBigKappa)
       log->print("Warning: very big Kappa = %g, try parameter NumericFocus\n", kappa);
   }
-  if (engine.iterations < kFewIterations) return true;
+  if (engine.iterations < lookedAt_ + kFewIterations) return true;
+  lookedAt_ = engine.iterations;
   double largestPrimal = 0, largestDual = 0;
   for (int j = 0; j < engine.lp.total(); ++j) {
     const BasisPos p = engine.position[j];

@@ -36,6 +36,7 @@ class SimplexCore {
   void setBasis(const Basis &basis, const Vec<double> *values);
   Basis basis() const;
   void getSolution(LpStatus status, LpSolution &solution) const;
+  void getPoint(Vec<double> &x, Vec<double> &reducedCost, double &objective) const;
   void addRows(int count, const NzIndex *start, const int *index, const double *value,
                const double *lower, const double *upper);
   void deleteRows(const Vec<char> &mark);
@@ -64,6 +65,7 @@ class SimplexCore {
   DualSimplex<Real> dual_;
   PrimalSimplex<Real> primal_;
   int tightenings_ = 0, recoveries_ = 0;
+  double lookedAt_ = 0;  // iterations when the size of the values was looked at last
 };
 
 extern template class SimplexCore<double>;

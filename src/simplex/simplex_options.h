@@ -23,6 +23,7 @@ struct SimplexOptions {
   int seed = 0;
   bool primalDualSwitch = true;
   bool polish = true;  // go on at an optimum until tighter tolerances hold, where that is cheap
+  bool quickVerdicts = false;    // optima may rest on values updated through a few iterations
   bool wantCertificates = true;  // keep Farkas proof or ray
   bool logging = true;
   double logSign = 1;  // -1 prints objectives of a maximization in its own sense

@@ -37,6 +37,11 @@ inline constexpr double kFreeBox = 1000.0;
 // A warm basis with at most so many infeasibilities is finished without perturbation.
 inline constexpr int kWarmInfeasibilities = 10;
 
+// Values updated through at most so many basis changes carry a verdict where that is allowed.
+inline constexpr int kTrustedUpdates = 20;
+// Iterations between tests of the dual bound against the cutoff.
+inline constexpr int kCutoffTestInterval = 10;
+
 // An optimum is polished to this tolerance while that costs few iterations, so that objective
 // values do not carry the feasibility tolerance times large duals.
 inline constexpr double kPolishTol = 1e-9;

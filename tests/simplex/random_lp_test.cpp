@@ -229,6 +229,57 @@ TEST(RandomLp, ResolvesFromTheOldBasisAfterChanges) {
   }
 }
 
+// What a tree search does: bounds move to and fro, solves go on from the values of the last one,
+// are cut off at an objective or stopped after an iteration.
+TEST(RandomLp, ASearchGoesOnFromValuesAndBoundsHold) {
+  RandomLpOptions shape;
+  shape.maxRows = 10;
+  shape.maxCols = 16;
+  shape.plantFeasible = 0.9;
+  SimplexOptions options;
+  options.polish = false;
+  options.quickVerdicts = true;
+  options.logging = false;
+  for (int seed = 1; seed <= modelCount() / 8 && !::testing::Test::HasFailure(); ++seed) {
+    LpModel lp = RandomLp(seed, shape).generate();
+    const LpModel original = lp;
+    Random random(seed + 3000000);
+    SCOPED_TRACE(seed);
+    Simplex simplex(options);
+    simplex.load(lp);
+    for (int step = 0; step < 20 && !::testing::Test::HasFailure(); ++step) {
+      for (int k = random.below(3); k >= 0; --k) {
+        const int j = random.below(lp.numCols);
+        double &lower = lp.colLower[j], &upper = lp.colUpper[j];
+        lower = original.colLower[j], upper = original.colUpper[j];
+        const int what = random.below(4);
+        if (what == 0 && !isInf(lower)) upper = lower;
+        if (what == 1 && !isInf(upper)) lower = upper;
+        if (what == 2)
+          lower = std::max(lower, -1.0 * random.below(2)), upper = std::max(lower, upper);
+        simplex.setColBounds(j, lower, upper);
+      }
+      const LpSolution reference = solveReference(lp);
+      const bool optimal = reference.status == LpStatus::Optimal;
+      const double objective = optimal ? reference.objective : 0;
+      simplex.options().cutoff = random.below(2) == 0 ? 1e100 : objective + random.below(5) - 2;
+      simplex.setIterationCap(random.below(3) == 0 ? simplex.iterations() + 1 : 1e100);
+      const LpSolution found = solveWith(simplex, SimplexMethod::Dual);
+      const double slack = 1e-6 * (1 + std::fabs(objective));
+      if (found.status == LpStatus::Cutoff) {
+        EXPECT_TRUE(reference.status == LpStatus::Infeasible ||
+                    (optimal && objective > simplex.options().cutoff - slack))
+            << step;
+      } else if (found.status == LpStatus::IterationLimit) {
+        EXPECT_TRUE(!optimal || simplex.dualBound() <= objective + slack) << step;
+      } else {
+        EXPECT_EQ(found.status, reference.status) << step;
+        EXPECT_TRUE(!optimal || std::fabs(found.objective - objective) <= slack) << step;
+      }
+    }
+  }
+}
+
 TEST(RandomLp, RowsAreDeletedAndBasesInstalled) {
   for (int seed = 1; seed <= modelCount() / 4 && !::testing::Test::HasFailure(); ++seed) {
     LpModel lp = randomLp(seed);
