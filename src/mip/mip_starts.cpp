@@ -117,7 +117,7 @@ bool MipStarts::searchAround(const Vec<double> &given, int id, double &objective
     accepted = true;
     if (id != kPreviousSolve)
       control_.log->print("%s produced solution with objective %g (%.2fs)\n", name.c_str(),
-                          options_.objSense * objective, control_.limits.seconds());
+                          options_.objSense * objective + 0.0, control_.limits.seconds());
   };
   if (id != kPreviousSolve)
     solve.onNode = [&](const MipSearch &search) { reportProgress(name, search.explored()); };
@@ -212,7 +212,7 @@ void MipStarts::processOneStart(const MipStart &start) {
     accepted = completeStart(x, start.id, objective);
   if (accepted) {
     control_.log->print("Loaded %s with objective %g\n", name.c_str(),
-                        options_.objSense * objective);
+                        options_.objSense * objective + 0.0);
     return;
   }
   control_.log->print("%s did not produce a new incumbent solution\n", name.c_str());

@@ -61,6 +61,7 @@ FieldText timeField(double seconds) {
 
 FieldText formatField(double value, int width) {
   FieldText field;
+  value += 0.0;  // the sense of the model makes negative zeros
   const auto print = [&](const char *format, int decimals, double shown) {
     return std::snprintf(field.text, sizeof field.text, format, std::max(decimals, 0), shown);
   };

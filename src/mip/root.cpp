@@ -58,7 +58,7 @@ void MipSearch::reportRoot(double seconds, double work) const {
   if (rootStatus_ == LpStatus::Optimal)
     control_.log->print(
         "\nRoot relaxation: objective %.6e, %.0f iterations, %.2f seconds (%.2f work units)\n",
-        options_.objSense * worker_.lpObjective(), rootIterations_, seconds, workUnits);
+        options_.objSense * worker_.lpObjective() + 0.0, rootIterations_, seconds, workUnits);
   else
     control_.log->print("\nRoot relaxation: %s, %.0f iterations, %.2f seconds (%.2f work units)\n",
                         textOf(rootStatus_), rootIterations_, seconds, workUnits);

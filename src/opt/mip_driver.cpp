@@ -76,7 +76,7 @@ class MipRun {
     summary.bound = store_.objBound;
     summary.sense = model_.data().objSense;
     for (const MipSolution &solution : outcome.solutions)
-      summary.objectives.push_back(summary.sense * solution.objective);
+      summary.objectives.push_back(summary.sense * solution.objective + 0.0);
     mipCutSummary(env_, outcome.cuts);
     mipSummary(env_, summary);
   }

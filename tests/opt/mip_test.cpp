@@ -52,6 +52,7 @@ class Mip : public testing::Test {
 
 TEST_F(Mip, OptimumWithItsLinesAndAttributes) {
   set("Presolve", "0");
+  set("Heuristics", "0");
   ASSERT_EQ(TVKoptimize(model_), 0);
   EXPECT_EQ(status(), TVK_OPTIMAL);
   EXPECT_EQ(dblAttr("ObjVal"), 13);

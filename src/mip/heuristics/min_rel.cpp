@@ -34,12 +34,12 @@ HeurResult heurMinRel(HeuristicContext &context, int nodes, bool limitWork) {
   relaxRows(sub.model());
   MipOptions &options = sub.options();
   options.cutoff = kUserInf;
-  options.bestObjStop = -kUserInf;
+  // The optimum that counts is zero; a gap would blur the bound that is judged in the end.
+  options.bestObjStop = kNoViolation / 2;
   options.nodeLimit = nodes;
   options.solutionLimit = kAllSolutions;
-  // The optimum that counts is zero.
   options.mipGap = 0;
-  options.mipGapAbs = kNoViolation / 2;
+  options.mipGapAbs = 0;
   sub.limitWork(limitWork);
   sub.useOriginalBounds();
   const auto whenFound = sub.onSolution;
