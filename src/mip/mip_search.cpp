@@ -70,6 +70,13 @@ double MipSearch::unexplored() const { return queue_.size() + (next_ ? 1 : 0); }
 
 double MipSearch::iterations() const { return worker_.lpIterations() + repair_.iterations(); }
 
+CutCounters MipSearch::cutCounters() const {
+  CutCounters counters = cutCounters_;
+  if (const TreeSeparation *tree = worker_.treeSeparation())
+    for (int f = 0; f < kCutFamilies; ++f) counters[f] += tree->count(static_cast<CutFamily>(f));
+  return counters;
+}
+
 double MipSearch::bestBound() {
   if (infeasible_) return std::min(incumbentObjective_, kUserInf);
   if (!rootDone_) return rootBound_;

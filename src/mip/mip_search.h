@@ -11,6 +11,7 @@
 #include "mip/cuts/cut.h"
 #include "mip/cuts/separators.h"
 #include "mip/heuristics/schedule.h"
+#include "mip/implications.h"
 #include "mip/point_repair.h"
 #include "mip/worker.h"
 
@@ -72,7 +73,7 @@ class MipSearch : public SolutionSink {
   double unexplored() const;
   double iterations() const;
   int solutionCount() const { return solutionCount_; }
-  const CutCounters &cutCounters() const { return cutCounters_; }
+  CutCounters cutCounters() const;
   // The root relaxation as it was solved first.
   LpStatus rootStatus() const { return rootStatus_; }
 
@@ -88,6 +89,7 @@ class MipSearch : public SolutionSink {
   bool rootPointIsFeasible();
   void rememberRoot();
   void runRootHeuristics();
+  int reportLurkingBounds() const;
   int levelOf(CutFamily family) const;
   void createSeparators();
 
@@ -115,12 +117,14 @@ class MipSearch : public SolutionSink {
   Worker worker_;
   NodeQueue queue_;
   std::shared_ptr<Node> next_;  // the plunge goes on here
+  ImplicationTable implications_;
   Vec<std::unique_ptr<Separator>> separators_;
   HeuristicSchedule heuristics_;
   PointRepair repair_;
 
   MipStatus status_ = MipStatus::Running;
   LpStatus rootStatus_ = LpStatus::NotSolved;
+  bool rootCutsPay_ = false;  // they moved the bound: the tree gets some, too
   bool rootDone_ = false, someUnsolved_ = false, globalsStale_ = false, infeasible_ = false;
   double explored_ = 0;
   double incumbentObjective_ = kUserInf, cutoff_ = kUserInf;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "mip/gap_rules.h"
+#include "mip/network_structure.h"
 
 namespace tarvik {
 
@@ -158,12 +159,25 @@ void MipSolve::processStarts() {
   MipStarts(space_->problem(), options_, control_, target).processMipStarts(starts_);
 }
 
+// Holes and sets would keep the vertices of a network from being integral.
+void MipSolve::findNetwork(MipModel &reduced) const {
+  if (options_.presolve.level == 0 || !options_.presolveMip || !reduced.sos.empty() ||
+      std::any_of(reduced.kind.begin(), reduced.kind.end(), isSemi))
+    return;
+  const NetworkStructure found = detectNetworkStructure(reduced);
+  if (found.continuous > 0 && !options_.subMip)
+    control_.log->print("Network structure: %d continuous variables (chg=%d)\n", found.continuous,
+                        found.changed ? 1 : 0);
+}
+
 MipOutcome MipSolve::run() {
   MipOutcome outcome;
   space_ = std::make_unique<Space>(*this);
   processStarts();
   if (!presolve(outcome)) return outcome;
-  problem_ = std::make_unique<Problem>(MipModel(presolve_->reduced()), options_.tolerances);
+  MipModel reduced(presolve_->reduced());
+  findNetwork(reduced);
+  problem_ = std::make_unique<Problem>(std::move(reduced), options_.tolerances);
   if (!options_.subMip && problem_->numCols() > 0) {
     int binary = 0;
     for (int j = 0; j < problem_->numCols(); ++j) binary += problem_->isBinary(j);

@@ -45,6 +45,7 @@ class MipSolve {
  private:
   class Space;
 
+  void findNetwork(MipModel &reduced) const;
   bool presolve(MipOutcome &outcome);
   void logPresolved(double seconds) const;
   MipStatus resolveUnbounded();

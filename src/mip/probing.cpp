@@ -9,10 +9,14 @@ namespace {
 
 // Probes without any success after which the rest is left.
 constexpr int kPatience = 2000;
+// Implied bounds are worth recording when they gain this share of the range.
+constexpr double kLeastGain = 1e-3;
+constexpr double kLargestRange = 1e6;
 
 class Prober {
  public:
-  Prober(Domain &domain, SolveControl &control) : domain_(domain), control_(control) {}
+  Prober(Domain &domain, SolveControl &control, ImplicationTable *implications)
+      : domain_(domain), control_(control), implications_(implications) {}
 
   ProbingResult run(double workLimit) {
     int useless = 0;
@@ -76,7 +80,26 @@ class Prober {
     const bool zero = tryValue(col, 0, ofZero_), one = tryValue(col, 1, ofOne_);
     if (!zero && !one) return false;
     if (!zero || !one) return fix(col, one ? 1 : 0);
-    return takeCommon();
+    if (!takeCommon()) return false;
+    if (implications_ && !implications_->isFull() && domain_.isBinary(col)) {
+      record(col, false, ofZero_);
+      record(col, true, ofOne_);
+    }
+    return true;
+  }
+
+  // What is not true without the probe. Sorted by column.
+  void record(int binary, bool one, const Vec<Implied> &implied) {
+    for (std::size_t k = 0; k < implied.size(); ++k) {
+      const Implied &is = implied[k];
+      const double lower = domain_.lower(is.col), upper = domain_.upper(is.col);
+      if (is.col == binary || (k > 0 && implied[k - 1].col == is.col)) continue;
+      const double least = kLeastGain * std::max(1.0, std::min(upper - lower, kLargestRange));
+      if (is.upper < upper - least)
+        implications_->add({binary, one, is.col, BoundSide::Upper, is.upper});
+      if (is.lower > lower + least)
+        implications_->add({binary, one, is.col, BoundSide::Lower, is.lower});
+    }
   }
 
   // The hull of what both values imply.
@@ -111,13 +134,15 @@ class Prober {
   Domain &domain_;
   SolveControl &control_;
   ProbingResult result_;
+  ImplicationTable *implications_;
   Vec<Implied> ofZero_, ofOne_;
 };
 
 }  // namespace
 
-ProbingResult probeBinaries(Domain &domain, SolveControl &control, double workLimit) {
-  return Prober(domain, control).run(workLimit);
+ProbingResult probeBinaries(Domain &domain, SolveControl &control, double workLimit,
+                            ImplicationTable *implications) {
+  return Prober(domain, control, implications).run(workLimit);
 }
 
 }  // namespace tarvik

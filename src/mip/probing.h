@@ -3,7 +3,7 @@
 #pragma once
 
 #include "base/solve_control.h"
-#include "mip/domain.h"
+#include "mip/implications.h"
 
 namespace tarvik {
 
@@ -12,7 +12,9 @@ struct ProbingResult {
   int fixed = 0, tightened = 0;
 };
 
-// The domain is at level 0 and propagated; so it is left. Ends soon after workLimit.
-ProbingResult probeBinaries(Domain &domain, SolveControl &control, double workLimit);
+// The domain is at level 0 and propagated; so it is left. Ends soon after workLimit. Bounds that
+// one value implies are recorded, unless `implications` is null.
+ProbingResult probeBinaries(Domain &domain, SolveControl &control, double workLimit,
+                            ImplicationTable *implications);
 
 }  // namespace tarvik

@@ -12,7 +12,7 @@ namespace tarvik {
 namespace {
 
 constexpr int kMaxRounds = 100;
-constexpr int kStallRounds = 8;
+constexpr int kStallRounds = 4;
 // A round that improves the bound by less than this share of it has stalled.
 constexpr double kLeastImprovement = 1e-4;
 // Cuts whose logical was basic in so many solves leave the relaxation.
@@ -85,7 +85,8 @@ void MipSearch::solveRoot() {
   if (options_.presolveMip && options_.presolve.level != 0) {
     const double budget = control_.work.counted() + kProbingWork +
                           kProbingShare * static_cast<double>(problem_.cols().numNz());
-    if (probeBinaries(domain, control_, budget).infeasible) {
+    implications_ = ImplicationTable(1000 + 2 * static_cast<std::size_t>(problem_.cols().numNz()));
+    if (probeBinaries(domain, control_, budget, &implications_).infeasible) {
       infeasible_ = rootDone_ = true;
       status_ = MipStatus::Infeasible;
       rootStatus_ = LpStatus::Infeasible;
@@ -127,9 +128,13 @@ void MipSearch::solveRoot() {
     else
       provenInfeasible();
     runRootHeuristics();
+    if (!options_.subMip) reportLurkingBounds();
   }
   mipCheckTermination();
   rootDone_ = true;
+  if (rootCutsPay_ && options_.cuts.mir > 1)
+    worker_.separateInTree(
+        implications_, [this](CutFamily family) { return levelOf(family); }, nextCutId_);
   auto root = std::allocate_shared<Node>(AccountAllocator<Node>());
   root->bound = rootBound_;
   root->estimate = rootBound_;
@@ -159,8 +164,13 @@ int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
   point.x = &x;
   point.work = &control_.work;
   point.round = round;
+  point.implications = &implications_;
+  point.aggregations = options_.cuts.aggregationPasses;
+  const int gomoryPasses = options_.cuts.gomoryPasses;
   for (const auto &separator : separators_) {
     if (control_.limits.pollNow(control_.work, 0) != StopReason::None) break;
+    if (separator->family() == CutFamily::Gomory && gomoryPasses >= 0 && round >= gomoryPasses)
+      continue;
     separator->separate(point, levelOf(separator->family()), cuts);
   }
   return static_cast<int>(cuts.size());
@@ -208,6 +218,7 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
 
 void MipSearch::rootCutLoop() {
   if (rootPointIsFeasible()) return;
+  const double first = worker_.lpObjective();
   const int limit = options_.cuts.passes >= 0 ? options_.cuts.passes : kMaxRounds;
   int stalled = 0;
   for (int round = 0; round < limit && stalled < kStallRounds; ++round) {
@@ -222,6 +233,8 @@ void MipSearch::rootCutLoop() {
   }
   if (worker_.lp().status() == LpStatus::Optimal) worker_.lp().removeSlackCuts(1);
   worker_.lp().solve(control_);
+  const double last = worker_.lpObjective();
+  rootCutsPay_ = limit > 0 && last - first > kLeastImprovement * (1 + std::fabs(last));
 }
 
 void MipSearch::runRootHeuristics() {
@@ -233,13 +246,33 @@ void MipSearch::runRootHeuristics() {
   if (heuristics_.atRoot(context, control_.work.counted() - startWork_)) provenInfeasible();
 }
 
+// Integral columns whose other branch, by the reduced costs of the root, is beyond the incumbent.
+int MipSearch::reportLurkingBounds() const {
+  if (!hasIncumbent() || rootX_.empty()) return 0;
+  const double z = incumbentObjective_, t = std::fabs(z) + 1e-4;
+  int unfixed = 0, count[3] = {0, 0, 0};
+  for (const int j : problem_.integers()) {
+    if (worker_.domain().isFixed(j)) continue;
+    ++unfixed;
+    const double bound = rootObjective_ + std::fabs(rootReducedCost_[j]);
+    count[0] += bound > z + 0.001 * t;
+    count[1] += bound > z + 0.01 * t;
+    count[2] += bound > z + 0.1 * t;
+  }
+  if (count[0] + count[1] + count[2] > 0)
+    control_.log->print("Lurking bound gaps: %d 0.1%%, %d 1%%, %d 10%% (of %d unfixed ints)\n",
+                        count[0], count[1], count[2], unfixed);
+  return count[0];
+}
+
 int MipSearch::levelOf(CutFamily family) const {
   const CutSettings &cuts = options_.cuts;
   switch (family) {
     case CutFamily::Gomory:
-      return cuts.gomoryPasses != 0 ? 1 : 0;
+      return cuts.gomoryPasses < -1 ? 2 : cuts.gomoryPasses != 0;
     case CutFamily::LiftProject:
-      return cuts.liftProject;
+      // Automatic: not worth their linear programs.
+      return std::max(cuts.liftProject, 0);
     case CutFamily::Cover:
       return cuts.cover;
     case CutFamily::ImpliedBound:

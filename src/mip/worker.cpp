@@ -33,6 +33,12 @@ void Worker::returnToRoot() {
   path_.reset();
 }
 
+void Worker::separateInTree(const ImplicationTable &implications,
+                            const std::function<int(CutFamily)> &levelOf, int &nextCutId) {
+  treeSeparation_ = std::make_unique<TreeSeparation>(problem_, domain_, implications, levelOf);
+  nextCutId_ = &nextCutId;
+}
+
 // Undoes what the node does not share with the last one and makes its other decisions.
 bool Worker::moveTo(const Node &node) {
   Vec<std::shared_ptr<const NodePath>> target(node.depth);
@@ -127,6 +133,7 @@ NodeResult Worker::process(Node &node) {
     result.outcome = NodeOutcome::Infeasible;
     return result;
   }
+  const bool separates = treeSeparation_ && treeSeparation_->begins(node.depth, control_.work);
   for (int round = 0; round < kMaxSolves; ++round) {
     const LpStatus status = solveRelaxation();
     if (round == 0 && (status == LpStatus::Optimal || status == LpStatus::Infeasible ||
@@ -165,6 +172,9 @@ NodeResult Worker::process(Node &node) {
     Vec<int> fractional;
     brancher_.fractionalColumns(domain_, lp_.x(), fractional);
     result.fractional = static_cast<int>(fractional.size());
+    if (separates && !fractional.empty() &&
+        treeSeparation_->round(lp_, control_.work, *nextCutId_) > 0)
+      continue;
     result.branching = brancher_.choose(domain_, lp_, sink_, control_);
     switch (result.branching.result) {
       case Branching::Tightened:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "mip/branching.h"
+#include "mip/cuts/tree_separation.h"
 #include "mip/node_log.h"
 
 namespace tarvik {
@@ -23,11 +24,18 @@ class Worker {
          SolveControl &control);
 
   Domain &domain() { return domain_; }
+  const Domain &domain() const { return domain_; }
   Relaxation &lp() { return lp_; }
   PseudoCosts &pseudoCosts() { return pseudoCosts_; }
   double lpIterations() const { return lp_.iterations(); }
   double lpObjective() const { return lp_.objective(); }
   Brancher &brancher() { return brancher_; }
+
+  // From now on nodes get cuts. The domain is at level 0; the tables and `nextCutId` outlive the
+  // worker.
+  void separateInTree(const ImplicationTable &implications,
+                      const std::function<int(CutFamily)> &levelOf, int &nextCutId);
+  const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
 
   // Moves to the node, solves its relaxation, tightens and chooses a branching.
   NodeResult process(Node &node);
@@ -57,6 +65,8 @@ class Worker {
   PseudoCosts pseudoCosts_;
   Brancher brancher_;
   std::unique_ptr<Propagator> sosPropagator_;
+  std::unique_ptr<TreeSeparation> treeSeparation_;
+  int *nextCutId_ = nullptr;
   std::shared_ptr<const NodePath> path_;
   Vec<std::shared_ptr<const NodePath>> chain_;  // the decisions in force, root first
 };

@@ -1,8 +1,12 @@
 // Cuts of all families: valid on thousands of random models, found where they are known to exist.
 #include <gtest/gtest.h>
 
+#include <cstdarg>
+#include <cstdlib>
+
 #include "base/random.h"
 #include "mip/cut_harness.h"
+#include "mip/cuts/cut_dump.h"
 #include "support/random_lp.h"
 
 namespace tarvik::test {
@@ -19,6 +23,15 @@ const std::vector<Family> &families() {
       {"Gomory", makeGomorySeparator},
       {"FlowCover", makeFlowCoverSeparator},
       {"StrongCg", makeStrongCgSeparator},
+      {"LiftAndProject", makeLiftAndProjectSeparator},
+      {"Cover", makeCoverSeparator},
+      {"GubCover", makeGubCoverSeparator},
+      {"Mixing", makeMixingSeparator},
+      {"FlowPath", makeFlowPathSeparator},
+      {"ImpliedBound", makeImpliedBoundSeparator},
+      {"Clique", makeCliqueSeparator},
+      {"ZeroHalf", makeZeroHalfSeparator},
+      {"ModK", makeModKSeparator},
   };
   return all;
 }
@@ -50,7 +63,9 @@ class MipGenerator {
     for (int i = 0; i < general; ++i) addGeneralRow(mip, n);
     for (int j = ints; j < n; ++j)
       if (random_.below(3) > 0) addVariableBound(mip, n, j, random_.below(ints));
+    if (ints < n && random_.below(4) > 0) addLowerVariableBounds(mip, n, ints);
     if (random_.below(2)) addPacking(mip, n, ints);
+    if (random_.below(2) == 0) addGroups(mip, n);
     mip.lp.numCols = n;
     mip.lp.numRows = static_cast<int>(rows_.size());
     mip.lp.a.clear(mip.lp.numRows);
@@ -98,6 +113,25 @@ class MipGenerator {
     row[y] = -(2.0 + random_.below(8));
     addRow(mip, row, -kInf, random_.below(4) == 0 ? 1 : 0);
   }
+  // Of the last column, by every integral one.
+  void addLowerVariableBounds(RandomMip &mip, int n, int ints) {
+    for (int y = 0; y < ints; ++y) {
+      std::vector<double> row(n, 0.0);
+      row[n - 1] = 1;
+      row[y] = -(1.0 + random_.below(3));
+      addRow(mip, row, 0, kInf);
+    }
+  }
+  // Two exclusive pairs among the first four columns, and a knapsack of them.
+  void addGroups(RandomMip &mip, int n) {
+    if (n < 4) return;
+    std::vector<double> first(n, 0.0), second(n, 0.0), knapsack(n, 0.0);
+    first[0] = first[1] = second[2] = second[3] = 1;
+    for (int j = 0; j < n; ++j) knapsack[j] = 3.0 + random_.below(4);
+    addRow(mip, first, -kInf, 1);
+    addRow(mip, second, -kInf, 1);
+    addRow(mip, knapsack, -kInf, 7.0 + random_.below(8));
+  }
   void addPacking(RandomMip &mip, int n, int ints) {
     std::vector<double> row(n, 0.0);
     for (int j = 0; j < ints; ++j)
@@ -120,9 +154,13 @@ class MipGenerator {
   std::vector<std::vector<double>> rows_;
 };
 
+// TARVIK_RANDOM_CUTS models, from seed TARVIK_RANDOM_FIRST.
 TEST(Cuts, AreValidOnRandomModels) {
+  const char *wanted = std::getenv("TARVIK_RANDOM_CUTS"),
+             *from = std::getenv("TARVIK_RANDOM_FIRST");
+  const int first = from ? std::atoi(from) : 1, count = wanted ? std::atoi(wanted) : 600;
   std::vector<int> found(families().size(), 0);
-  for (int seed = 1; seed <= 600; ++seed) {
+  for (int seed = first; seed < first + count; ++seed) {
     const RandomMip mip = MipGenerator(seed).generate();
     const Problem problem = makeProblem(mip.lp, mip.kind);
     for (std::size_t f = 0; f < families().size(); ++f) {
@@ -149,6 +187,126 @@ TEST(Cuts, RoundARowWithItsDivisor) {
     EXPECT_NEAR(result.firstBound, -1.5, 1e-9);
     EXPECT_NEAR(result.lastBound, -1, 1e-9);
   }
+}
+
+Problem binaryProblem(const LpModel &lp) {
+  return makeProblem(lp, Vec<VarKind>(lp.numCols, VarKind::Integer));
+}
+
+// 3 x1 + 4 x2 + 5 x3 <= 8: no two of the heaviest, nor all.
+TEST(Cuts, CoverAKnapsack) {
+  const LpModel lp = denseLp({-3, -4, -5}, {{0, 1}, {0, 1}, {0, 1}}, {{3, 4, 5}}, {{-kInf, 8}});
+  const SeparationResult result = separateAndJudge(binaryProblem(lp), {makeCoverSeparator}, 5, 2);
+  EXPECT_NEAR(result.firstBound, -8, 1e-9);
+  EXPECT_GT(result.cuts, 0);
+}
+
+// The edges of a triangle allow one node; those of a five-cycle two.
+TEST(Cuts, JoinEdgesToCliquesAndOddCycles) {
+  const LpModel triangle =
+      denseLp({-1, -1, -1}, {{0, 1}, {0, 1}, {0, 1}}, {{1, 1, 0}, {0, 1, 1}, {1, 0, 1}},
+              {{-kInf, 1}, {-kInf, 1}, {-kInf, 1}});
+  for (const SeparatorMaker &make :
+       {SeparatorMaker(makeCliqueSeparator), SeparatorMaker(makeZeroHalfSeparator)}) {
+    const SeparationResult result = separateAndJudge(binaryProblem(triangle), {make}, 2, 1);
+    EXPECT_NEAR(result.firstBound, -1.5, 1e-9);
+    EXPECT_NEAR(result.lastBound, -1, 1e-9);
+  }
+  const LpModel cycle =
+      denseLp({-1, -1, -1, -1, -1}, {{0, 1}, {0, 1}, {0, 1}, {0, 1}, {0, 1}},
+              {{1, 1, 0, 0, 0}, {0, 1, 1, 0, 0}, {0, 0, 1, 1, 0}, {0, 0, 0, 1, 1}, {1, 0, 0, 0, 1}},
+              {{-kInf, 1}, {-kInf, 1}, {-kInf, 1}, {-kInf, 1}, {-kInf, 1}});
+  const SeparationResult result =
+      separateAndJudge(binaryProblem(cycle), {makeZeroHalfSeparator}, 2, 1);
+  EXPECT_NEAR(result.lastBound, -2, 1e-9);
+}
+
+// Any three of four nodes hold at most two, twice over: the thirds of four triples leave 8/3.
+TEST(Cuts, SumRowsModuloThree) {
+  const LpModel lp = denseLp({-1, -1, -1, -1}, {{0, 4}, {0, 4}, {0, 4}, {0, 4}},
+                             {{1, 1, 1, 0}, {1, 1, 0, 1}, {1, 0, 1, 1}, {0, 1, 1, 1}},
+                             {{-kInf, 2}, {-kInf, 2}, {-kInf, 2}, {-kInf, 2}});
+  const SeparationResult result = separateAndJudge(binaryProblem(lp), {makeModKSeparator}, 2, 1);
+  EXPECT_NEAR(result.firstBound, -8.0 / 3, 1e-9);
+  EXPECT_NEAR(result.lastBound, -2, 1e-9);
+}
+
+// x1 + x2 <= 10 y with x <= 4 each: x1 <= 4 y.
+TEST(Cuts, SplitAJointVariableBound) {
+  const LpModel lp = denseLp({-1, -1, 5}, {{0, 4}, {0, 4}, {0, 1}}, {{1, 1, -10}}, {{-kInf, 0}});
+  const Problem problem =
+      makeProblem(lp, {VarKind::Continuous, VarKind::Continuous, VarKind::Integer});
+  const SeparationResult result = separateAndJudge(problem, {makeImpliedBoundSeparator}, 3, 1);
+  EXPECT_NEAR(result.firstBound, -4, 1e-9);
+  EXPECT_NEAR(result.lastBound, -3, 1e-9);
+}
+
+// Three pairs of weights 5 and 6, one of each pair at most, and room for 14: two in all.
+TEST(Cuts, CoverAKnapsackOfGroups) {
+  const LpModel lp =
+      denseLp({-1, -1, -1, -1, -1, -1}, {{0, 1}, {0, 1}, {0, 1}, {0, 1}, {0, 1}, {0, 1}},
+              {{5, 6, 5, 6, 5, 6}, {1, 1, 0, 0, 0, 0}, {0, 0, 1, 1, 0, 0}, {0, 0, 0, 0, 1, 1}},
+              {{-kInf, 14}, {-kInf, 1}, {-kInf, 1}, {-kInf, 1}});
+  const SeparationResult result =
+      separateAndJudge(binaryProblem(lp), {makeGubCoverSeparator}, 5, 1);
+  EXPECT_NEAR(result.firstBound, -2.8, 1e-9);
+  EXPECT_NEAR(result.lastBound, -2, 1e-9);
+}
+
+// x >= 3 y1 and x >= 2 y2: x >= y1 + 2 y2.
+TEST(Cuts, MixVariableBounds) {
+  const LpModel lp = denseLp({1, -2, -1.5}, {{0, 10}, {0, 1}, {0, 1}}, {{1, -3, 0}, {1, 0, -2}},
+                             {{0, kInf}, {0, kInf}});
+  const Problem problem =
+      makeProblem(lp, {VarKind::Continuous, VarKind::Integer, VarKind::Integer});
+  const SeparationResult result = separateAndJudge(problem, {makeMixingSeparator}, 3, 1);
+  EXPECT_NEAR(result.firstBound, -5.0 / 6, 1e-9);
+  EXPECT_NEAR(result.lastBound, -0.5, 1e-9);
+}
+
+// Demands of 3 and 4 in two periods, each with a setup of 5; storing a unit costs 1. The second
+// setup is not worth it.
+TEST(Cuts, FollowAStockThroughThePeriods) {
+  const LpModel lp =
+      denseLp({0, 0, 1, 5, 5}, {{0, kInf}, {0, kInf}, {0, kInf}, {0, 1}, {0, 1}},
+              {{1, 0, -1, 0, 0}, {0, 1, 1, 0, 0}, {1, 0, 0, -10, 0}, {0, 1, 0, 0, -10}},
+              {{3, 3}, {4, 4}, {-kInf, 0}, {-kInf, 0}});
+  const Problem problem =
+      makeProblem(lp, {VarKind::Continuous, VarKind::Continuous, VarKind::Continuous,
+                       VarKind::Integer, VarKind::Integer});
+  const SeparationResult result = separateAndJudge(problem, {makeFlowPathSeparator}, 10, 1);
+  EXPECT_NEAR(result.firstBound, 7, 1e-9);
+  EXPECT_NEAR(result.lastBound, 9, 1e-9);
+}
+
+class TextLog : public Log {
+ public:
+  void print(const char *format, ...) override {
+    char line[200];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    text += line;
+  }
+  std::string text;
+};
+
+TEST(CutDump, WritesTermsAndViolation) {
+  const int index[] = {0, 2};
+  const double value[] = {1, -2.5}, x[] = {3, 0, 1};
+  TextLog log;
+  dumpCut(log, x, 4, 1, 2, index, value, '<', 0.25);
+  dumpCut(log, nullptr, -1, -1, 2, index, value, '>', 1);
+  dumpCut(log, x, -1, -1, 0, index, value, '<', 2);
+  dumpRow(log, 2, index, value, '=', 7);
+  dumpRow(log, 1, index, value, '>', 0);
+  EXPECT_EQ(log.text,
+            "cuttype 4 (rank = 1) (cutlen = 2)  +1 x0[3] -2.5 x2[1] <= 0.25 (viol: 0.25)\n"
+            "(cutlen = 2)  +1 x0 -2.5 x2 >= 1\n"
+            "(cutlen = 0)  <= 2 (viol: -2)\n"
+            " +1x0 -2.5x2 = 7\n"
+            " +1x0 >= 0\n");
 }
 
 // A demand of 5 served by three arcs of capacity 4 with fixed charges: two must open.

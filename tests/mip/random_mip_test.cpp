@@ -58,6 +58,16 @@ MipModel randomMip(std::uint64_t seed) {
   return model;
 }
 
+// Every family at its aggressive level.
+CutSettings allCuts() {
+  CutSettings cuts;
+  cuts.cover = cuts.clique = cuts.implied = cuts.projImplied = cuts.mir = cuts.strongCg = 2;
+  cuts.flowCover = cuts.mixing = cuts.flowPath = cuts.gubCover = cuts.infProof = 2;
+  cuts.liftProject = cuts.zeroHalf = cuts.modK = cuts.network = 2;
+  cuts.gomoryPasses = -3;
+  return cuts;
+}
+
 MipOptions randomOptions(std::uint64_t seed) {
   Random random(seed + 5);
   MipOptions options;
@@ -70,6 +80,7 @@ MipOptions randomOptions(std::uint64_t seed) {
   options.varBranch = random.below(5) - 1;
   options.branchDir = random.below(3) - 1;
   options.focus = random.below(4);
+  if (random.uniform() < 0.6) options.cuts = allCuts();
   if (random.uniform() < 0.3) options.cuts.passes = 0;
   options.subMip = random.uniform() < 0.5;  // without searches inside
   return options;

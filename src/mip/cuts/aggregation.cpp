@@ -12,6 +12,7 @@ constexpr double kLargestSlack = 0.1;
 // Cuts made from longer chains of cuts gain little and are numerically poor.
 constexpr int kLargestRank = 6;
 constexpr double kLargestWeight = 1e4;
+constexpr int kMostSums = 50;
 constexpr int kLongestSum = 2000;
 constexpr double kSmallestCoef = 1e-7;
 }  // namespace
@@ -29,6 +30,7 @@ AggregationLimits aggregationLimits(const SeparationPoint &point, int level) {
     limits.failures = 600;
     limits.work *= 3;
   }
+  if (point.aggregations >= 0) limits.sums = 1 + std::min(point.aggregations, kMostSums);
   return limits;
 }
 

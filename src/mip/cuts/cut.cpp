@@ -24,22 +24,6 @@ double efficacy(const Cut &cut, const Vec<double> &x) {
   return square > 0 ? (activity - cut.rhs) / std::sqrt(square) : 0;
 }
 
-double parallelism(const Cut &a, const Cut &b) {
-  double product = 0, squareA = 0, squareB = 0;
-  for (const double value : a.value) squareA += value * value;
-  for (const double value : b.value) squareB += value * value;
-  std::size_t i = 0, k = 0;
-  while (i < a.index.size() && k < b.index.size()) {
-    if (a.index[i] == b.index[k])
-      product += a.value[i++] * b.value[k++];
-    else if (a.index[i] < b.index[k])
-      ++i;
-    else
-      ++k;
-  }
-  return squareA > 0 && squareB > 0 ? product / std::sqrt(squareA * squareB) : 0;
-}
-
 bool cleanCut(const Domain &global, Cut &cut) {
   const std::size_t count = cut.index.size();
   Vec<int> order(count);

@@ -47,14 +47,15 @@ struct Cut {
 // What separators see: the problem, global bounds, and the relaxation's optimum with its rows.
 struct SeparationPoint {
   const Problem *problem;
-  const Domain *global;                  // bounds that hold everywhere (at level 0)
-  class Relaxation *lp;                  // its basis, rows and tableau; solved to optimality
-  const Vec<double> *x;                  // the optimum, a column each
-  class CliqueTable *cliques;            // may be null
-  class ImplicationTable *implications;  // may be null
+  const Domain *global;                        // bounds that hold everywhere (at level 0)
+  class Relaxation *lp;                        // its basis, rows and tableau; solved to optimality
+  const Vec<double> *x;                        // the optimum, a column each
+  const class CliqueTable *cliques;            // may be null
+  const class ImplicationTable *implications;  // may be null
   WorkMeter *work;
   int round = 0;             // of the root loop, from 0
   bool root = true;          // false in the tree
+  int aggregations = -1;     // rows added to the first of a sum at most; -1: as the level says
   double workLimit = 1e100;  // on work->counted(); separators stop soon after it is reached
 };
 
@@ -69,8 +70,6 @@ class Separator {
 
 // Violation divided by the Euclidean norm.
 double efficacy(const Cut &cut, const Vec<double> &x);
-// Cosine of the angle between the normals.
-double parallelism(const Cut &a, const Cut &b);
 // Merges equal columns, moves coefficients that are too small (relative to the largest) to the
 // right hand side with the bound that keeps the cut valid, sorts, and tells whether the cut is fit
 // for use: finite, not too dense, its dynamic range within limits.

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "mip/cliques.h"
 #include "mip/cuts/row_system.h"
 #include "mip/cuts/variable_bounds.h"
 
@@ -19,8 +20,15 @@ class CutContext {
     if (!bounds_) bounds_ = std::make_unique<VariableBounds>(*point.problem, *point.global);
     return *bounds_;
   }
+  const CliqueTable &cliques(const SeparationPoint &point) {
+    if (point.cliques) return *point.cliques;
+    if (!cliques_)
+      cliques_ = std::make_unique<CliqueTable>(*point.problem, *point.global, *point.work);
+    return *cliques_;
+  }
 
  private:
+  std::unique_ptr<CliqueTable> cliques_;
   std::unique_ptr<RowSystem> rows_;
   std::unique_ptr<VariableBounds> bounds_;
 };

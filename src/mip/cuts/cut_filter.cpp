@@ -24,6 +24,30 @@ double scoreOf(const Cut &cut, const Problem &problem, const Vec<double> &x, dou
   return efficacy(cut, x) * (1 + kIntegralWeight * share + kObjectiveWeight * parallel);
 }
 
+// Candidates beyond so many times the limit are not looked at.
+constexpr std::size_t kCandidateFactor = 5;
+
+double productOf(const Cut &a, const Cut &b) {
+  double product = 0;
+  std::size_t i = 0, k = 0;
+  if (a.index.back() < b.index.front() || b.index.back() < a.index.front()) return 0;
+  while (i < a.index.size() && k < b.index.size()) {
+    if (a.index[i] == b.index[k])
+      product += a.value[i++] * b.value[k++];
+    else if (a.index[i] < b.index[k])
+      ++i;
+    else
+      ++k;
+  }
+  return product;
+}
+
+double normOf(const Cut &cut) {
+  double square = 0;
+  for (const double value : cut.value) square += value * value;
+  return std::sqrt(square);
+}
+
 }  // namespace
 
 Vec<int> chooseCuts(const Vec<Cut> &cuts, const Problem &problem, const Vec<double> &x,
@@ -38,13 +62,18 @@ Vec<int> chooseCuts(const Vec<Cut> &cuts, const Problem &problem, const Vec<doub
     order.push_back(static_cast<int>(k));
   }
   std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return score[a] > score[b]; });
+  if (order.size() > kCandidateFactor * filter.limit) order.resize(kCandidateFactor * filter.limit);
   Vec<int> chosen;
+  Vec<double> norm;  // of the chosen ones
   for (const int k : order) {
     if (static_cast<int>(chosen.size()) >= filter.limit) break;
-    const bool close = std::any_of(chosen.begin(), chosen.end(), [&](int other) {
-      return parallelism(cuts[k], cuts[other]) > filter.largestParallelism;
-    });
-    if (!close) chosen.push_back(k);
+    const double own = normOf(cuts[k]);
+    bool close = false;
+    for (std::size_t c = 0; c < chosen.size() && !close; ++c)
+      close = productOf(cuts[k], cuts[chosen[c]]) > filter.largestParallelism * own * norm[c];
+    if (close) continue;
+    chosen.push_back(k);
+    norm.push_back(own);
   }
   return chosen;
 }
