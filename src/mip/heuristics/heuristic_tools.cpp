@@ -80,10 +80,11 @@ bool fixAll(HeuristicContext &context, const Vec<int> &order, const Vec<double> 
   int failures = 0;
   for (const int j : order) {
     if (domain.isFixed(j)) continue;
+    if (isExhausted(context)) return false;
     const double value =
         nearestValue(*context.problem, j, domain.lower(j), domain.upper(j), target[j]);
     if (tryValue(context, j, value)) continue;
-    if (++failures > kMaxFailures || isExhausted(context)) return false;
+    if (++failures > kMaxFailures) return false;
     if (!tryOthers(context, j, value, target[j])) return false;
   }
   return true;
