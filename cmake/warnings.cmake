@@ -12,3 +12,15 @@ function(tarvik_warnings target)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
 endfunction()
+
+# Reports coverage to a fuzzer and checks addresses and undefined behaviour in the folders that
+# readers run through; the kernels stay plain, so that a fuzz build is soon done.
+function(tarvik_instrument_shell)
+  foreach(folder base env model attr io)
+    file(GLOB_RECURSE sources ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
+    set_property(SOURCE ${sources} APPEND PROPERTY COMPILE_OPTIONS
+                 -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+                 -fno-omit-frame-pointer)
+  endforeach()
+  add_link_options(-fsanitize=address,undefined)
+endfunction()

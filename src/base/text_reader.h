@@ -42,6 +42,13 @@ class MemorySource final : public ByteSource {
 
 inline bool isBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
 
+// True when a text holds white space, so that it would be read as several fields.
+inline bool holdsBlank(std::string_view text) {
+  for (const char c : text)
+    if (isBlank(c)) return true;
+  return false;
+}
+
 // Cuts the next field off the front of a line; false when only white space is left.
 inline bool nextField(std::string_view &line, std::string_view &field) {
   const char *p = line.data();

@@ -18,7 +18,9 @@ class NameTable {
   const char *get(int k) const { return names_.get(k); }
   bool matches(int k, std::string_view name) const {
     const char *known = names_.get(k);
-    return std::strncmp(known, name.data(), name.size()) == 0 && known[name.size()] == '\0';
+    // A view of nothing may be null, which no function of the C library takes.
+    return (name.empty() || std::strncmp(known, name.data(), name.size()) == 0) &&
+           known[name.size()] == '\0';
   }
 
   // The position of a name, -1 when it is not in the table.

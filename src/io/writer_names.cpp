@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/text_reader.h"
 #include "io/name_table.h"
 
 namespace tarvik {
@@ -62,8 +63,7 @@ bool WriterNames::checkTexts(NameKind kind, int count) {
   for (const bool colon : {false, true})
     for (int k = 0; k < count; ++k) {
       const char *name = nameOf(kind, k);
-      const bool bad =
-          colon ? std::strchr(name, ':') != nullptr : std::strpbrk(name, " \t\r\n\v\f") != nullptr;
+      const bool bad = colon ? std::strchr(name, ':') != nullptr : holdsBlank(name);
       if (!bad) continue;
       model_.env().log(texts.bad, name);
       model_.env().log(colon ? "a colon\n" : "a space\n");

@@ -1,10 +1,12 @@
 #include "io/written_names.h"
+
+#include "base/text_reader.h"
 #include "io/numbered.h"
 
 namespace tarvik {
 
 bool breaksFields(const std::string &name) {
-  return name.empty() || name.find_first_of(" :^\\\t\n\r") != std::string::npos;
+  return name.empty() || holdsBlank(name) || name.find_first_of(":^\\") != std::string::npos;
 }
 
 std::string freeConstraintName(const ModelData &data, WriterNames &names,
@@ -20,6 +22,20 @@ std::string freeConstraintName(const ModelData &data, WriterNames &names,
   };
   std::string name = wanted;
   for (int k = 1; taken(name); ++k) name = wanted + numbered("_", k);
+  return name;
+}
+
+FreeConstraintNames::FreeConstraintNames(const ModelData &data, WriterNames &names) {
+  for (int i = 0; i < data.numConstrs(); ++i) taken_.findOrAdd(names.constr(i));
+  for (int k = 0; k < data.numQConstrs(); ++k) taken_.findOrAdd(names.qconstr(k));
+  for (int k = 0; k < data.numGenConstrs(); ++k) taken_.findOrAdd(names.genConstr(k));
+}
+
+std::string FreeConstraintNames::take(const std::string &wanted) {
+  std::string name = wanted;
+  int &number = next_[wanted];
+  for (int known = taken_.size(); taken_.findOrAdd(name) < known; known = taken_.size())
+    name = wanted + numbered("_", ++number);
   return name;
 }
 

@@ -45,6 +45,26 @@ TEST_F(Lp, EverySectionIsRead) {
   EXPECT_EQ(data.vtype[1], 'I');
 }
 
+TEST_F(Lp, ProductsNeedNoBlanks) {
+  const auto terms = [&](const std::string &bracket) {
+    TVKmodel *model = read("m.lp", "min\n x + y\nst\n c: x + " + bracket + "<= 1\nend\n");
+    std::string text;
+    const QuadTerms &quad = model->data().qconstrs.at(0).quad;
+    for (int k = 0; k < quad.count(); ++k)
+      text += std::to_string(static_cast<int>(quad.val[k])) + model->varName(quad.row[k]) + ',' +
+              model->varName(quad.col[k]) + ' ';
+    return text;
+  };
+  for (const char *bracket :
+       {"[ x * y ] ", "[x*y]", "[x *y] ", "[ x* y ]", "[+ x * y ]", "[1 x*y]"})
+    EXPECT_EQ(terms(bracket), "1x,y ") << bracket;
+  EXPECT_EQ(terms("[x^2 + 3 x*y]"), "1x,x 3x,y ");
+  EXPECT_EQ(terms("[-x^2 - 3 x*y]"), "-1x,x -3x,y ");
+  // Names with brackets in pairs and with stars stay whole where they can only be names.
+  EXPECT_EQ(terms("[v[1]*v[2] + v[1]^2]"), "1v[1],v[1] 1v[1],v[2] ");
+  EXPECT_EQ(terms("[ a*b ^2 + x * a*b ]"), "1x,a*b 1a*b,a*b ");
+}
+
 TEST_F(Lp, ErrorsNameTheLineAndTheTokens) {
   const std::pair<std::string, std::string> cases[] = {
       {"x + y\n", "LP format file must begin with a keyword"},
@@ -53,7 +73,7 @@ TEST_F(Lp, ErrorsNameTheLineAndTheTokens) {
       {"min\n x\nst\n c: x => 3\nend\n", "Unrecognized constraint RHS or sense"},
       {"min\n x\nst\n c: x <= y\nend\n", "Unrecognized constraint RHS or sense"},
       {"min\n x <= 2\nend\n", "Objective function contains sense '<'"},
-      {"min\n [x ^2 ] / 2\nend\n", "Missing space after opening bracket in quadratic expression"},
+      {"min\n [*x ^2 ] / 2\nend\n", "Missing space after opening bracket in quadratic expression"},
       {"min\n [ x ^3 ] / 2\nend\n", "Malformed quadratic term in expression"},
       {"min\n [ x ^2\nst\n", "Quadratic expression terminated too early"},
       {"min\n x\nst\n c: __pwl(x) <= 1\nend\n",

@@ -78,7 +78,7 @@ bool isLpToken(std::string_view token) {
 
 bool isLpLabel(std::string_view name) {
   return isLpToken(name) && name.front() != '+' && name.front() != '-' && name.front() != '/' &&
-         name.find_first_of(" \t\r\n\v\f^\\:") == std::string_view::npos;
+         !holdsBlank(name) && name.find_first_of("^\\:") == std::string_view::npos;
 }
 
 bool isLpName(std::string_view name) {
@@ -92,6 +92,15 @@ bool isLpName(std::string_view name) {
     if (equalIgnoringCase(name, word)) return false;
   return name.front() != ',' && name.front() != ')' && name.back() != ',' && name.back() != ')' &&
          name.substr(0, 6) != "__pwl(";
+}
+
+bool isLpFactor(std::string_view name) {
+  int open = 0;
+  for (const char c : name) {
+    if (c == '[') ++open;
+    if (c == ']' && --open < 0) return false;
+  }
+  return name.front() != '*';
 }
 
 bool isNumericLpName(std::string_view name) {

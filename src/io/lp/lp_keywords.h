@@ -32,6 +32,9 @@ bool isLpSense(std::string_view token);
 bool isLpToken(std::string_view token);
 // True when a variable's name is read back as this name wherever it is written.
 bool isLpName(std::string_view name);
+// True when such a name is read back in a product, too: it does not look like a star and a name,
+// and closes no bracket that it has not opened.
+bool isLpFactor(std::string_view name);
 // True for a name that is a number: it is read back behind a coefficient, in bounds and in lists
 // of names, but not where a number may stand as well.
 bool isNumericLpName(std::string_view name);

@@ -9,6 +9,9 @@ namespace tarvik {
 
 namespace {
 
+// What no term begins with; an opening bracket must not touch it.
+constexpr std::string_view kNoTermBegin = "[]^*/:<>=(";
+
 bool isRelation(char c) { return c == '<' || c == '>' || c == '='; }
 
 // First words of keywords that have two, and the words that may follow.
@@ -51,6 +54,23 @@ bool LpTokens::skipToText() {
   }
 }
 
+// Within the brackets of a quadratic expression no blanks are needed around a product or before
+// the closing bracket. A name may hold brackets in pairs, and even a star when it is clearly a
+// factor: behind another star, or before a star or a caret of its own.
+std::size_t LpTokens::factorSize(std::size_t size, bool behindStar) const {
+  int open = 0;
+  for (std::size_t k = 0; k < size; ++k) {
+    if (rest_[k] == '[') ++open;
+    if (rest_[k] == ']' && --open < 0) size = k;
+  }
+  std::size_t next = size;
+  while (next < rest_.size() && isBlank(rest_[next])) ++next;
+  const bool isFactor =
+      behindStar || (next < rest_.size() && (rest_[next] == '*' || rest_[next] == '^'));
+  const std::size_t star = rest_.substr(0, size).find('*');
+  return isFactor || star == std::string_view::npos || star == 0 ? size : star;
+}
+
 std::string_view LpTokens::scan(int &line) {
   if (finished_ || !skipToText()) {
     finished_ = true;
@@ -63,11 +83,21 @@ std::string_view LpTokens::scan(int &line) {
     rest_.remove_prefix(size);
     afterCaret_ = text == "^";
     afterBracket_ = text == "]";
+    afterStar_ = text == "*";
     return text;
   };
   const char front = rest_.front();
-  const bool wasBracket = afterBracket_, wasCaret = afterCaret_;
-  if (front == '^' || front == ']') return cutOff(1);
+  const bool wasBracket = afterBracket_, wasCaret = afterCaret_, wasStar = afterStar_;
+  if (front == '^' || front == ']') {
+    inBracket_ = inBracket_ && front == '^';
+    return cutOff(1);
+  }
+  if (front == '[' &&
+      (rest_.size() == 1 || kNoTermBegin.find(rest_[1]) == std::string_view::npos)) {
+    inBracket_ = true;
+    return cutOff(1);
+  }
+  if (front == '*' && inBracket_ && !wasStar) return cutOff(1);
   if (front == '/' && wasBracket) return cutOff(1);
   if (front == ':') return cutOff(rest_.size() > 1 && rest_[1] == ':' ? 2 : 1);
   std::size_t size = 0;
@@ -79,6 +109,7 @@ std::string_view LpTokens::scan(int &line) {
     return isBlank(c) || c == ':' || c == '\\' || c == '^' || (wasCaret && c == ']');
   };
   while (size < rest_.size() && !ends(rest_[size])) ++size;
+  if (inBracket_) size = factorSize(size, wasStar);
   if ((front == '+' || front == '-') && size > 1 && rest_[1] != '>') {
     double value = 0;
     const bool continuous = equalIgnoringCase(rest_.substr(0, size), "-continuous");
@@ -97,7 +128,7 @@ std::string_view LpTokens::scan(int &line) {
   label_.assign(rest_.substr(0, size));
   label_.push_back(':');
   rest_.remove_prefix(colon + 1);
-  afterCaret_ = afterBracket_ = false;
+  afterCaret_ = afterBracket_ = afterStar_ = false;
   return label_;
 }
 

@@ -1,7 +1,7 @@
 // Tokens of an LP file with a look-ahead window. Tokens are separated by white space; ':', '^',
 // a backslash (which begins a comment) and a leading sign or relation also end them. A label is a
 // token with its ':' attached; "::" and "^" are tokens of their own, and the keywords of two
-// words are joined.
+// words are joined. Brackets of quadratic expressions and the stars between them are tokens too.
 #pragma once
 
 #include <string>
@@ -63,6 +63,8 @@ class LpTokens {
   // The next piece of the file; empty at its end.
   std::string_view scan(int &line);
   bool skipToText();
+  // The length of the factor of a product that a text of that size begins with.
+  std::size_t factorSize(std::size_t size, bool behindStar) const;
 
   TextReader &reader_;
   std::string_view rest_;  // of the current line
@@ -71,7 +73,8 @@ class LpTokens {
   Token held_;  // scanned but not yet in the window
   bool hasHeld_ = false;
   std::string label_;  // a label whose colon stood behind blanks
-  bool afterCaret_ = false, afterBracket_ = false;
+  bool afterCaret_ = false, afterBracket_ = false, afterStar_ = false;  // what came before
+  bool inBracket_ = false;
   bool overlong_ = false;
   bool finished_ = false;
   int first_ = 0, count_ = 0;

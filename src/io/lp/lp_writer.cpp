@@ -70,11 +70,13 @@ class LpWriter {
  private:
   // Names that would not be read back as names give way to generic ones.
   void rejectOddNames() {
-    const bool plain = data_.q.count() == 0 && data_.qconstrs.empty() && data_.cones.empty() &&
-                       data_.genConstrs.empty() && data_.pwl.empty() && data_.scenarios.empty();
+    const bool linear = data_.q.count() == 0 && data_.qconstrs.empty() && data_.cones.empty();
+    const bool plain =
+        linear && data_.genConstrs.empty() && data_.pwl.empty() && data_.scenarios.empty();
     for (int j = 0; j < data_.numVars() && !names_.replacesVars(); ++j) {
       const std::string_view name = names_.var(j);
-      const bool kept = isLpName(name) || (plain && isNumericLpName(name));
+      const bool kept =
+          (isLpName(name) && (linear || isLpFactor(name))) || (plain && isNumericLpName(name));
       if (!kept || standsForConstant(j)) names_.rejectVars("variable", name);
     }
     const auto check = [&](const char *kind, int count, auto &&nameOf) {
@@ -231,8 +233,10 @@ class LpWriter {
       out_.put(" ]");
       endRow(c.sense, c.rhs);
     }
+    if (data_.cones.empty()) return;
+    FreeConstraintNames freeNames(data_, names_);
     for (std::size_t k = 0; k < data_.cones.size(); ++k) {
-      lines_.beginLabel(freeConstraintName(data_, names_, numbered("cone", k)));
+      lines_.beginLabel(freeNames.take(numbered("cone", k)));
       lines_.openBracket();
       double value = -1;
       for (const int j : data_.cones[k].members) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <string>
 
 #include "io/general_keywords.h"
@@ -25,6 +26,10 @@ class MpsWriter {
 
   void write() {
     names_.announce("mps");
+    if (isMultiObjective() && !data_.scenarios.empty())
+      model_.env().log(
+          "Warning: mps files hold scenarios or several objectives, a file with both is not read "
+          "back\n");
     collectExtraRows();
     writeHeader();
     writeRows();
@@ -68,9 +73,9 @@ class MpsWriter {
       const QConstr &c = data_.qconstrs[k];
       extra_.push_back({std::string(names_.qconstr(k)), c.sense, c.rhs, &c.lind, &c.lval});
     }
+    if (!data_.cones.empty() || isMultiObjective()) freeNames_.emplace(data_, names_);
     for (std::size_t k = 0; k < data_.cones.size(); ++k)
-      extra_.push_back(
-          {freeConstraintName(data_, names_, numbered("cone", k)), '<', 0, nullptr, nullptr});
+      extra_.push_back({freeNames_->take(numbered("cone", k)), '<', 0, nullptr, nullptr});
     for (int k = 0; k < data_.numGenConstrs(); ++k) {
       const GenConstr &g = data_.genConstrs[k];
       if (g.type != TVK_GENCONSTR_INDICATOR) continue;
@@ -95,8 +100,7 @@ class MpsWriter {
     if (isMultiObjective()) {
       int n = 0;
       for (const Objective &o : data_.objectives) {
-        objNames_.push_back(
-            freeConstraintName(data_, names_, breaksFields(o.name) ? numbered("OBJ", n) : o.name));
+        objNames_.push_back(freeNames_->take(breaksFields(o.name) ? numbered("OBJ", n) : o.name));
         out_.put(" N  ").put(objNames_.back()).format("       %d", o.priority);
         for (const double value : {o.weight, o.absTol, o.relTol}) out_.put("  ").putNumber(value);
         out_.put('\n');
@@ -438,6 +442,7 @@ class MpsWriter {
   const double sign_;
   TextWriter &out_;
   WriterNames names_;
+  std::optional<FreeConstraintNames> freeNames_;  // with cones or several objectives
   Vec<std::string> objNames_;
   Vec<ExtraRow> extra_;
   Vec<NzIndex> extraStart_;
