@@ -1,6 +1,8 @@
 #include "attr/fingerprint.h"
 
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace tarvik {
 
@@ -25,6 +27,18 @@ class Hash {
   void add(const Vec<T> &values) {
     add(static_cast<std::uint64_t>(values.size()));
     for (const T &value : values) add(value);
+  }
+  // Linear terms in any order.
+  void addTerms(const Vec<int> &index, const Vec<double> &value) {
+    Vec<std::pair<int, double>> terms;
+    terms.reserve(index.size());
+    for (std::size_t k = 0; k < index.size(); ++k) terms.emplace_back(index[k], value[k]);
+    std::sort(terms.begin(), terms.end());
+    add(static_cast<std::uint64_t>(terms.size()));
+    for (const auto &[i, v] : terms) {
+      add(i);
+      add(v);
+    }
   }
   void add(const QuadTerms &q) {
     add(q.row);
@@ -54,11 +68,23 @@ class Hash {
   std::uint64_t state_ = 0x6a09e667f3bcc909u;
 };
 
+void addGenConstr(Hash &hash, const GenConstr &g) {
+  for (const int value : {g.type, g.resVar, g.binVal}) hash.add(value);
+  hash.add(g.sense);
+  hash.add(g.constant);
+  if (g.type == TVK_GENCONSTR_INDICATOR) {
+    hash.addTerms(g.vars, g.coef);
+    return;
+  }
+  hash.add(g.vars);
+  hash.add(g.coef);
+  hash.add(g.pwlY);
+}
+
 void addParts(Hash &hash, const ModelData &d) {
   hash.add(d.q);
   for (const QConstr &qc : d.qconstrs) {
-    hash.add(qc.lind);
-    hash.add(qc.lval);
+    hash.addTerms(qc.lind, qc.lval);
     hash.add(qc.quad);
     hash.add(qc.sense);
     hash.add(qc.rhs);
@@ -69,14 +95,10 @@ void addParts(Hash &hash, const ModelData &d) {
     hash.add(sos.ind);
     hash.add(sos.weight);
   }
-  for (const GenConstr &g : d.genConstrs) {
-    for (const int value : {g.type, g.resVar, g.binVal}) hash.add(value);
-    hash.add(g.sense);
-    hash.add(g.constant);
-    hash.add(g.vars);
-    hash.add(g.coef);
-    hash.add(g.pwlY);
-  }
+  // Files hold indicators before the other general constraints.
+  for (const bool indicators : {true, false})
+    for (const GenConstr &g : d.genConstrs)
+      if ((g.type == TVK_GENCONSTR_INDICATOR) == indicators) addGenConstr(hash, g);
   for (const PwlObjective &pwl : d.pwl) {
     hash.add(pwl.var);
     hash.add(pwl.x);
@@ -104,8 +126,11 @@ int fingerprint(Model &model) {
   const ModelData &d = model.data();
   Hash hash;
   hash.add(d.objSense);
-  hash.add(d.objCon);
-  hash.add(d.obj);
+  // Several objectives take the place of the one.
+  if (d.objectives.empty()) {
+    hash.add(d.objCon);
+    hash.add(d.obj);
+  }
   hash.add(d.lb);
   hash.add(d.ub);
   hash.add(d.vtype);

@@ -262,6 +262,14 @@ TEST_F(Lp, OpbStatements) {
     EXPECT_EQ(tryRead("b.opb", text), 10012) << text;
     EXPECT_EQ(message(), expected) << text;
   }
+  // Variables that stand for products and complements meet no names of the file.
+  model = read("p.opb",
+               "min: 1 not_0 + 1 prod_n1_2_3 ;\n1 ~not_0 a b ~prod_n1_2_3 >= 1 ;\n"
+               "1 prod_n0_n1_2_3 >= 0 ;\n");
+  EXPECT_EQ(model->data().numVars(), 8);
+  EXPECT_EQ(model->data().numConstrs(), 4);
+  EXPECT_STREQ(model->varName(4), "prod_n0_n1_2_3_");
+  EXPECT_STREQ(model->varName(5), "not_0_");
   model = read("w.opb", "* nothing\nmin: 1 x + 2 y + 5 ;\n1 x + 1 y <= 1 ;\n");
   EXPECT_TRUE(logged("Warning: skipping invalid initial commit line\n"));
   TVKmodel *again = read("v.opb", written(model, "o.opb"));

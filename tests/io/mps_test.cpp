@@ -177,15 +177,5 @@ TEST_F(Mps, QuadraticsFollowTheHalfConvention) {
   EXPECT_EQ(c.lval, (Vec<double>{1, 3}));
 }
 
-TEST_F(Mps, LargeRepetitionsStayFast) {
-  std::string columns, rows = "NAME\nROWS\n N  OBJ\n L  r\n";
-  for (int k = 0; k < 100000; ++k)
-    columns += "    x" + std::to_string(k % 50000) + "  OBJ  1  r  1\n";
-  read("m.mps", rows + "COLUMNS\n" + columns + "ENDATA\n");
-  std::string sections;
-  for (int k = 0; k < 100000; ++k) sections += "RHS\n    RHS1 r 1\nBOUNDS\n UP B x1 4\n";
-  read("n.mps", rows + "COLUMNS\n    x1 r 1\n" + sections + "ENDATA\n");
-}
-
 }  // namespace
 }  // namespace tarvik

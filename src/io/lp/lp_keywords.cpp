@@ -90,8 +90,7 @@ bool isLpName(std::string_view name) {
     return false;
   for (const char *word : kReserved)
     if (equalIgnoringCase(name, word)) return false;
-  return name.front() != ',' && name.front() != ')' && name.back() != ',' && name.back() != ')' &&
-         name.substr(0, 6) != "__pwl(";
+  return name != "," && name.substr(0, 6) != "__pwl(";
 }
 
 bool isLpFactor(std::string_view name) {

@@ -18,7 +18,7 @@ void MpsParser::parseScenarios(std::string_view rest) {
   if (!parseInteger(rest, expected) || expected < 0)
     failWith("MPS reader: failed to read number of scenarios",
              "Error reading number of scenarios at line %d\n", reader_.lineNumber());
-  if (multiObjective_)
+  if (model_.objectives.size() > 1)
     fail("Error scenario feature is incompatible with multi-objective feature\n");
   scenarioBounds_.assign(columns_.size(), 0);
   while (nextDataLine()) {

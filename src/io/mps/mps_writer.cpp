@@ -26,7 +26,7 @@ class MpsWriter {
 
   void write() {
     names_.announce("mps");
-    if (isMultiObjective() && !data_.scenarios.empty())
+    if (data_.objectives.size() > 1 && !data_.scenarios.empty())
       model_.env().log(
           "Warning: mps files hold scenarios or several objectives, a file with both is not read "
           "back\n");

@@ -190,11 +190,12 @@ class OpbParser {
     sum.quad.append(x, y, factor * slopeX * slopeY);
   }
 
-  // A binary variable that is the conjunction of literals; the same for the same literals.
+  // A binary variable that is the conjunction of literals; the same for the same literals. Until
+  // the end its name holds blanks, which no name of the file can.
   int productVariable(const Vec<std::pair<int, bool>> &literals) {
     std::string name = "prod";
     for (const auto &[j, negated] : literals) {
-      name += negated ? "_n" : "_";
+      name += negated ? " n" : " ";
       name += std::to_string(j);
     }
     const int known = names_.size();
@@ -211,7 +212,7 @@ class OpbParser {
 
   int complement(int j) {
     const int known = names_.size();
-    const int other = names_.findOrAdd(numbered("not_", j));
+    const int other = names_.findOrAdd(numbered("not ", j));
     if (other == known) {
       SparseValues row;
       row.append(j, 1);
@@ -307,7 +308,23 @@ class OpbParser {
     linear.ub.assign(n, 1.0);
     linear.vtype.assign(n, 'B');
     foldConstant();
+    nameAddedVariables();
     linear.varNames = names_.take();
+  }
+
+  // Gives the variables that stand for products and complements names that no other has.
+  void nameAddedVariables() {
+    if (model_.genConstrs.empty()) return;
+    NameTable named;
+    for (int k = 0; k < names_.size(); ++k) {
+      std::string name = names_.get(k);
+      if (name.find(' ') != std::string::npos) {
+        std::replace(name.begin(), name.end(), ' ', '_');
+        while (names_.find(name) >= 0) name += '_';
+      }
+      named.findOrAdd(name);
+    }
+    names_ = std::move(named);
   }
 
   // The variable "Constant" of a written objective: fixed at 1 by the last row, nowhere else.
