@@ -204,6 +204,7 @@ bool InputFile::close() {
 bool OutputFile::open(const std::string &name) {
   close();
   failed_ = false;
+  systemError_ = 0;
   error_.clear();
   if (compressionOf(name) == 0) {
     descriptor_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
@@ -228,6 +229,7 @@ void OutputFile::write(const char *data, std::size_t size) {
     const ssize_t count = ::write(descriptor_, data, size);
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) {
+      systemError_ = errno;
       failed_ = true;
       return;
     }
@@ -239,7 +241,10 @@ void OutputFile::write(const char *data, std::size_t size) {
 bool OutputFile::close() {
   if (descriptor_ < 0) return !failed_;
   const int status = pipe_ ? pclose(pipe_) : ::close(descriptor_);
-  if (status != 0) failed_ = true;
+  if (status != 0) {
+    if (status == -1 && !failed_) systemError_ = errno;
+    failed_ = true;
+  }
   pipe_ = nullptr;
   descriptor_ = -1;
   return !failed_;

@@ -67,11 +67,14 @@ class OutputFile {
   void write(const char *data, std::size_t size);
   bool close();
   const std::string &error() const { return error_; }
+  // The number of the system error that made writing or closing fail, 0 for a failure of the tool.
+  int systemError() const { return systemError_; }
 
  private:
   FILE *pipe_ = nullptr;
   int descriptor_ = -1;
   bool failed_ = false;
+  int systemError_ = 0;
   std::string error_;
 };
 

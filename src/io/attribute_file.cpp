@@ -123,13 +123,13 @@ class Writer {
   void putElement(Element element, int k) {
     switch (element) {
       case Element::Var:
-        out_.put(names_.var(k));
+        putFirstName(out_, names_.var(k));
         break;
       case Element::Constr:
-        out_.put(names_.constr(k));
+        putFirstName(out_, names_.constr(k));
         break;
       case Element::QConstr:
-        out_.put(names_.qconstr(k));
+        putFirstName(out_, names_.qconstr(k));
         break;
       default:
         out_.format("%d", k);
@@ -137,13 +137,10 @@ class Writer {
   }
 
   void writeSolution() {
-    try {
-      const Vec<double> x = getDoubles(model_, "X", data_.numVars());
-      out_.put("SECTION SOLUTION\n");
-      putValueLines(out_, names_, x);
-    } catch (const Error &) {
-      return;  // no values: the section is left out
-    }
+    Vec<double> x(data_.numVars());
+    if (!tryDoubles(model_, "X", x)) return;
+    out_.put("SECTION SOLUTION\n");
+    putValueLines(out_, names_, x);
   }
 
   void writePlain(const char *name) {
@@ -152,13 +149,13 @@ class Writer {
     if (count == 0) return;
     if (section.value == Value::Int) {
       Vec<int> values(count);
-      if (TVKgetintattrarray(handleOf(model_), section.attribute, 0, count, values.data())) return;
+      if (!tryInts(model_, section.attribute, values)) return;
       putLines(
           section, count, [&](int k) { return values[k] != section.standard; },
           [&](int k) { out_.format(" %d\n", values[k]); });
     } else if (section.value == Value::Dbl) {
       Vec<double> values(count);
-      if (TVKgetdblattrarray(handleOf(model_), section.attribute, 0, count, values.data())) return;
+      if (!tryDoubles(model_, section.attribute, values)) return;
       putLines(
           section, count, [&](int k) { return values[k] < kUserInf; },
           [&](int k) { out_.put(' ').putNumber(values[k]).put('\n'); });
@@ -167,7 +164,7 @@ class Writer {
       if (TVKgetstrattrarray(handleOf(model_), section.attribute, 0, count, values.data())) return;
       putLines(
           section, count, [&](int k) { return values[k] && *values[k]; },
-          [&](int k) { out_.put(" \"").put(values[k]).put("\"\n"); });
+          [&](int k) { out_.put(" \"").put(oneLine(values[k])).put("\"\n"); });
     }
   }
 
@@ -183,12 +180,19 @@ class Writer {
     }
   }
 
+  // A tag ends with its line; breaks of lines within it turn into blanks.
+  static std::string oneLine(std::string tag) {
+    for (char &c : tag)
+      if (c == '\n' || c == '\r') c = ' ';
+    return tag;
+  }
+
   void writeHints() {
     if (data_.hintVal.empty()) return;
     out_.put("SECTION VARHINTS\n");
     for (int j = 0; j < data_.numVars(); ++j)
       if (data_.hintVal[j] != kUndefined)
-        out_.put(names_.var(j))
+        putFirstName(out_, names_.var(j))
             .put(' ')
             .putNumber(data_.hintVal[j])
             .format(" %d\n", data_.hintPri.empty() ? 0 : data_.hintPri[j]);
@@ -197,14 +201,12 @@ class Writer {
   // Variables first, then constraints, each with its status; the kind leads the line.
   void writeBasis() {
     Vec<int> vars(data_.numVars()), constrs(data_.numConstrs());
-    if (TVKgetintattrarray(handleOf(model_), "VBasis", 0, data_.numVars(), vars.data()) ||
-        TVKgetintattrarray(handleOf(model_), "CBasis", 0, data_.numConstrs(), constrs.data()))
-      return;
+    if (!tryInts(model_, "VBasis", vars) || !tryInts(model_, "CBasis", constrs)) return;
     out_.put("SECTION BASIS\n");
     for (int j = 0; j < data_.numVars(); ++j)
-      out_.put("V ").put(names_.var(j)).format(" %d\n", vars[j]);
+      putFirstName(out_.put("V "), names_.var(j)).format(" %d\n", vars[j]);
     for (int i = 0; i < data_.numConstrs(); ++i)
-      out_.put("C ").put(names_.constr(i)).format(" %d\n", constrs[i]);
+      putFirstName(out_.put("C "), names_.constr(i)).format(" %d\n", constrs[i]);
   }
 
   Model &model_;
@@ -221,12 +223,12 @@ class Reader {
   void read() {
     if (!lines_.next()) throw Error(TVK_ERROR_FILE_READ, "Attribute file lacks fingerprint");
     readVersion();
-    if (lines_.count() < 2 || lines_.field(0) != "SECTION" || lines_.field(1) != "FINGERPRINT")
+    if (lines_.count() < 2 || !lines_.begins("SECTION") || lines_.field(1) != "FINGERPRINT")
       throw Error(TVK_ERROR_FILE_READ, "Attribute file lacks fingerprint");
     readFingerprint();
     bool more = lines_.next();
     while (more) {
-      if (lines_.field(0) != "SECTION" || lines_.count() != 2)
+      if (!lines_.begins("SECTION") || lines_.count() != 2)
         lines_.failFormat("SECTION [section_name]");
       more = readSection(std::string(lines_.field(1)));
     }
@@ -265,9 +267,9 @@ class Reader {
 
   // Reads up to the next section; false at the end of the file.
   template <class Line>
-  bool eachLine(Line &&line) {
-    while (lines_.next()) {
-      if (lines_.field(0) == "SECTION") return true;
+  bool eachLine(Line &&line, int limit = ValueLines::kMaxFields + 1) {
+    while (lines_.next(limit)) {
+      if (lines_.begins("SECTION")) return true;
       line();
     }
     return false;
@@ -312,22 +314,24 @@ class Reader {
     NameList tags;
     const char *format = lineFormat(section.element, section.value);
     const bool settable = std::string_view(section.name) != "PI";
-    const bool more = eachLine([&] {
-      const int k = element(section.element, lines_.field(0));
-      if (section.value == Value::Tag && lines_.count() < 2) {
-        model_.env().log("%s %s no tag found, ignoring\n",
-                         kElementWords[static_cast<int>(section.element)],
-                         std::string(lines_.field(0)).c_str());
-        return;
-      }
-      const int integer = section.value == Value::Int ? lines_.integer(1, format) : 0;
-      const double number = section.value == Value::Dbl ? lines_.number(1, format) : 0;
-      if (k < 0) return;
-      index.push_back(k);
-      ints.push_back(integer);
-      doubles.push_back(number);
-      if (section.value == Value::Tag) tags.append(lines_.field(1));
-    });
+    const bool more = eachLine(
+        [&] {
+          const int k = element(section.element, lines_.field(0));
+          if (section.value == Value::Tag && lines_.count() < 2) {
+            model_.env().log("%s %s no tag found, ignoring\n",
+                             kElementWords[static_cast<int>(section.element)],
+                             std::string(lines_.field(0)).c_str());
+            return;
+          }
+          const int integer = section.value == Value::Int ? lines_.integer(1, format) : 0;
+          const double number = section.value == Value::Dbl ? lines_.number(1, format) : 0;
+          if (k < 0) return;
+          index.push_back(k);
+          ints.push_back(integer);
+          doubles.push_back(number);
+          if (section.value == Value::Tag) tags.append(lines_.rest(1));
+        },
+        section.value == Value::Tag ? 2 : ValueLines::kMaxFields + 1);
     if (index.empty() || !settable) return more;
     const int count = static_cast<int>(index.size());
     TVKmodel *handle = handleOf(model_);
@@ -354,7 +358,7 @@ class Reader {
       index.push_back(j);
       values.push_back(value);
     });
-    if (index.empty() || solution) return more;
+    if (index.empty() || (solution && !model_.data().isMip())) return more;
     const IntParamScope newStart(model_.env(), Int::StartNumber, -1);
     check(TVKsetdblattrlist(handleOf(model_), "Start", static_cast<int>(index.size()), index.data(),
                             values.data()));
@@ -416,7 +420,7 @@ class Reader {
 void writeAttributeFile(Model &model, const char *filename) {
   WriteStream stream(filename, kCannotOpenForOutput);
   Writer(model, stream.text()).write();
-  stream.close();
+  stream.closeOrTellNumber();
 }
 
 void readAttributeFile(Model &model, const char *filename) {

@@ -25,12 +25,37 @@ Vec<int> getInts(Model &model, const char *attribute, int count) {
   return values;
 }
 
+namespace {
+
+// Memory that ran out is no answer to whether an attribute is available.
+bool isAvailable(Model &model, const char *attribute, int code) {
+  if (code == 0) return true;
+  model.env().clearErrorAtEntry();
+  if (code == TVK_ERROR_OUT_OF_MEMORY)
+    throw Error(code, "Could not retrieve attribute `%s`", attribute);
+  return false;
+}
+
+}  // namespace
+
 bool tryInt(Model &model, const char *attribute, int &value) {
-  return TVKgetintattr(handleOf(model), attribute, &value) == 0;
+  return isAvailable(model, attribute, TVKgetintattr(handleOf(model), attribute, &value));
 }
 
 bool tryDouble(Model &model, const char *attribute, double &value) {
-  return TVKgetdblattr(handleOf(model), attribute, &value) == 0;
+  return isAvailable(model, attribute, TVKgetdblattr(handleOf(model), attribute, &value));
+}
+
+bool tryInts(Model &model, const char *attribute, Vec<int> &values) {
+  return isAvailable(model, attribute,
+                     TVKgetintattrarray(handleOf(model), attribute, 0,
+                                        static_cast<int>(values.size()), values.data()));
+}
+
+bool tryDoubles(Model &model, const char *attribute, Vec<double> &values) {
+  return isAvailable(model, attribute,
+                     TVKgetdblattrarray(handleOf(model), attribute, 0,
+                                        static_cast<int>(values.size()), values.data()));
 }
 
 }  // namespace tarvik

@@ -14,8 +14,11 @@ void checkCall(Model &model, int code);
 
 Vec<double> getDoubles(Model &model, const char *attribute, int count);
 Vec<int> getInts(Model &model, const char *attribute, int count);
+// False when the attribute is not available; leaves no message then.
 bool tryInt(Model &model, const char *attribute, int &value);
 bool tryDouble(Model &model, const char *attribute, double &value);
+bool tryInts(Model &model, const char *attribute, Vec<int> &values);
+bool tryDoubles(Model &model, const char *attribute, Vec<double> &values);
 
 // Sets a parameter for the life of the scope.
 class IntParamScope {

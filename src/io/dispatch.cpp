@@ -204,6 +204,8 @@ TVKmodel *readModelFile(Env &env, const char *filename) {
   env.log("Reading time = %.2f seconds\n", wallSeconds() - start);
   env.log("%s: %d rows, %d columns, %lu nonzeros\n", data.name.c_str(), data.numConstrs(),
           data.numVars(), static_cast<unsigned long>(data.a.numNz()));
+  if (env.get(Int::TARV_PAR_LOGMODELS))
+    env.log("MODEL LOG: TVKreadmodel %p\n", static_cast<const void *>(model));
   return model;
 }
 
@@ -219,8 +221,10 @@ void readIntoModel(Model &model, const char *filename) {
   if (!announcement)
     throw Error(TVK_ERROR_FILE_READ, "Can't import file '%s' into a model", filename);
   readByType(model, name.c_str(), type);
-  const std::string text(announcement, std::string_view(announcement).find("%s"));
-  model.env().log("%s%s\n", text.c_str(), name.c_str());
+  if (type != TVK_FILETYPE_PRM) {  // the reader of parameters tells it itself
+    const std::string text(announcement, std::string_view(announcement).find("%s"));
+    model.env().log("%s%s\n", text.c_str(), name.c_str());
+  }
   model.update();
 }
 

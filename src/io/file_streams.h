@@ -44,11 +44,20 @@ class WriteStream {
   }
   TextWriter &text() { return text_; }
   void close() {
-    text_.flush();
-    if (!file_.close()) throw Error(TVK_ERROR_FILE_WRITE, "Failed to write '%s'", name_.c_str());
+    if (!finish()) throw Error(TVK_ERROR_FILE_WRITE, "Failed to write '%s'", name_.c_str());
+  }
+  // The same for files whose failure is told by the system's number for it.
+  void closeOrTellNumber() {
+    if (!finish())
+      throw Error(TVK_ERROR_FILE_WRITE, "System error %d at file close", file_.systemError());
   }
 
  private:
+  bool finish() {
+    text_.flush();
+    return file_.close();
+  }
+
   std::string name_;
   OutputFile file_;
   TextWriter text_;

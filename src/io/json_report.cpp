@@ -1,5 +1,6 @@
 #include "io/json_report.h"
 
+#include <cmath>
 #include <string>
 
 #include "io/attributes.h"
@@ -21,6 +22,14 @@ void putText(TextWriter &out, const char *text) {
       out.put(*text);
   }
   out.put('"');
+}
+
+// JSON has no infinity.
+void putFinite(TextWriter &out, double value) {
+  if (std::isnan(value))
+    out.put("null");
+  else
+    out.putNumber(std::isfinite(value) ? value : std::copysign(kUserInf, value));
 }
 
 class JsonReport {
@@ -65,7 +74,7 @@ class JsonReport {
     double value = 0;
     if (!tryDouble(model_, name, value)) return;
     key(name);
-    out_.putNumber(value);
+    putFinite(out_, value);
   }
   // An array with the attribute's value for each setting of a parameter.
   void putSelected(const char *name, Int parameter, int count) {
@@ -81,7 +90,7 @@ class JsonReport {
     out_.put('[');
     for (std::size_t k = 0; k < values.size(); ++k) {
       if (k > 0) out_.put(", ");
-      out_.putNumber(values[k]);
+      putFinite(out_, values[k]);
     }
     out_.put(']');
   }
@@ -141,18 +150,18 @@ class JsonReport {
     for (int k = 0; k < count; ++k) {
       const IntParamScope selected(model_.env(), parameter, k);
       all.emplace_back(size);
-      if (TVKgetdblattrarray(handle_, name, 0, size, all.back().data())) return {};
+      if (!tryDoubles(model_, name, all.back())) return {};
     }
     return all;
   }
   Vec<double> doubles(const char *name, int count) {
     Vec<double> values(count);
-    if (TVKgetdblattrarray(handle_, name, 0, count, values.data())) values.clear();
+    if (!tryDoubles(model_, name, values)) values.clear();
     return values;
   }
   Vec<int> ints(const char *name, int count) {
     Vec<int> values(count);
-    if (TVKgetintattrarray(handle_, name, 0, count, values.data())) values.clear();
+    if (!tryInts(model_, name, values)) values.clear();
     return values;
   }
 
@@ -161,7 +170,7 @@ class JsonReport {
   void valueOf(const char *name, const Vec<double> &values, int k) {
     if (values.empty()) return;
     key(name);
-    out_.putNumber(values[k]);
+    putFinite(out_, values[k]);
   }
   void valueOf(const char *name, const Vec<int> &values, int k) {
     if (values.empty()) return;
@@ -278,9 +287,9 @@ void buildJsonReport(Model &model, TextWriter &out) {
 void writeJsonFile(Model &model, const char *filename) {
   TextWriter report;
   buildJsonReport(model, report);
-  WriteStream stream(filename, kCannotOpenForOutput);
+  WriteStream stream(filename, "Unable to open file '%s'");
   stream.text().put(report.text());
-  stream.close();
+  stream.closeOrTellNumber();
 }
 
 Vec<char> loadJsonFile(const char *filename) {

@@ -16,12 +16,7 @@ class NameTable {
 
   int size() const { return names_.size(); }
   const char *get(int k) const { return names_.get(k); }
-  bool matches(int k, std::string_view name) const {
-    const char *known = names_.get(k);
-    // A view of nothing may be null, which no function of the C library takes.
-    return (name.empty() || std::strncmp(known, name.data(), name.size()) == 0) &&
-           known[name.size()] == '\0';
-  }
+  bool matches(int k, std::string_view name) const { return name == names_.get(k); }
 
   // The position of a name, -1 when it is not in the table.
   int find(std::string_view name) const {

@@ -57,7 +57,8 @@ struct StartValues {
 
 void putValueLines(TextWriter &out, WriterNames &names, const Vec<double> &values) {
   for (int j = 0; j < static_cast<int>(values.size()); ++j)
-    if (values[j] != kUndefined) out.put(names.var(j)).put(' ').putNumber(values[j]).put('\n');
+    if (values[j] != kUndefined)
+      putFirstName(out, names.var(j)).put(' ').putNumber(values[j]).put('\n');
 }
 
 void writeSolutionFile(Model &model, const char *filename) {
@@ -79,15 +80,10 @@ void writeSolutionFile(Model &model, const char *filename) {
 // stored start.
 void writeStartFile(Model &model, const char *filename) {
   const Vec<Vec<double>> &starts = model.data().starts;
-  Vec<double> x;
-  if (starts.size() < 2) {
-    try {
-      x = getDoubles(model, "X", model.data().numVars());
-    } catch (const Error &) {
-      if (starts.empty())
-        failInstead(model, TVK_ERROR_DATA_NOT_AVAILABLE, "No MIP start available");
-    }
-  }
+  Vec<double> x(model.data().numVars());
+  const bool solved = starts.size() < 2 && tryDoubles(model, "X", x);
+  if (!solved && starts.empty())
+    throw Error(TVK_ERROR_DATA_NOT_AVAILABLE, "No MIP start available");
   WriteStream stream(filename, kCannotOpenForOutput);
   WriterNames names(model, false, false);
   names.announce("MIP start", false);
@@ -95,7 +91,7 @@ void writeStartFile(Model &model, const char *filename) {
     stream.text().put("# MIP start\n");
     putValueLines(stream.text(), names, values);
   };
-  if (starts.size() < 2 && (!x.empty() || starts.empty()))
+  if (solved)
     block(x);
   else
     for (const Vec<double> &start : starts) block(start);
@@ -105,7 +101,9 @@ void writeStartFile(Model &model, const char *filename) {
 void writeHintFile(Model &model, const char *filename) {
   const int count = model.data().numVars();
   const auto [values, priorities] = fetchOr(model, "No MIP hints available", [&] {
-    return std::pair(getDoubles(model, "VarHintVal", count), getInts(model, "VarHintPri", count));
+    return std::pair(
+        getDoubles(model, "VarHintVal", count),
+        model.data().hintPri.empty() ? Vec<int>(count) : getInts(model, "VarHintPri", count));
   });
   WriteStream stream(filename, kCannotOpenForOutput);
   WriterNames names(model, false, false);
@@ -114,7 +112,7 @@ void writeHintFile(Model &model, const char *filename) {
   out.put("# MIP variable hints\n");
   for (int j = 0; j < count; ++j)
     if (values[j] != kUndefined)
-      out.put(names.var(j)).put(' ').putNumber(values[j]).format(" %d\n", priorities[j]);
+      putFirstName(out, names.var(j)).put(' ').putNumber(values[j]).format(" %d\n", priorities[j]);
   stream.close();
 }
 
@@ -127,7 +125,7 @@ void writePriorityFile(Model &model, const char *filename) {
   names.announce("MIP branching priority", false);
   TextWriter &out = stream.text();
   out.put("# MIP branch priorities\n");
-  for (int j = 0; j < count; ++j) out.put(names.var(j)).format(" %d\n", priorities[j]);
+  for (int j = 0; j < count; ++j) putFirstName(out, names.var(j)).format(" %d\n", priorities[j]);
   stream.close();
 }
 

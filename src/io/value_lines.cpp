@@ -6,7 +6,7 @@
 
 namespace tarvik {
 
-bool ValueLines::next() {
+bool ValueLines::next(int limit) {
   comments_.clear();
   while (reader_.nextLine(line_)) {
     if (line_.size() > kMaxLength)
@@ -18,7 +18,7 @@ bool ValueLines::next() {
       if (comments_.size() < kMaxLength) comments_.append(text).push_back('\n');
       continue;
     }
-    split();
+    split(limit);
     return true;
   }
   atEnd_ = true;
@@ -30,23 +30,30 @@ bool ValueLines::sawTitle(std::string_view title) const {
   return comments_.find(title) != std::string::npos;
 }
 
-void ValueLines::split() {
+void ValueLines::split(int limit) {
   const char *p = line_.data();
   const char *const end = p + line_.size();
   count_ = 0;
   for (;;) {
     while (p != end && isBlank(*p)) ++p;
-    if (p == end) return;
+    if (p == end || count_ == limit) return;
     const bool quoted = *p == '"';
     if (quoted) ++p;
     const char *const start = p;
-    while (p != end && (quoted ? *p != '"' : !isBlank(*p))) ++p;
+    while (p != end && (quoted ? *p != '"' || (p + 1 != end && !isBlank(p[1])) : !isBlank(*p))) ++p;
     if (count_ == kMaxFields)
       throw Error(TVK_ERROR_FILE_READ, "Unable to parse a line with more than %d tokens",
                   kMaxFields);
     fields_[count_++] = {start, static_cast<std::size_t>(p - start)};
     if (quoted && p != end) ++p;
   }
+}
+
+std::string_view ValueLines::rest(int k) const {
+  std::string_view text = line_.substr(static_cast<std::size_t>(fields_[k].data() - line_.data()));
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  if (isQuoted(k) && text.ends_with('"')) text.remove_suffix(1);
+  return text;
 }
 
 void ValueLines::failFormat(const char *format) const {
@@ -75,6 +82,12 @@ int ValueLines::integer(int k, const char *format) const {
   int value = 0;
   if (k >= count_ || !parseInteger(fields_[k], value)) failFormat(format);
   return value;
+}
+
+TextWriter &putFirstName(TextWriter &out, std::string_view name) {
+  const bool plain =
+      !name.empty() && name.front() != '#' && name.front() != '"' && name != "SECTION";
+  return plain ? out.put(name) : out.put('"').put(name).put('"');
 }
 
 }  // namespace tarvik

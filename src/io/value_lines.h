@@ -1,11 +1,13 @@
 // Lines of the small text files that carry values by name: comments begin with '#', fields are
-// separated by white space, and a field in double quotes may hold blanks.
+// separated by white space, and a field in double quotes, which end before white space, may hold
+// blanks.
 #pragma once
 
 #include <string>
 #include <string_view>
 
 #include "base/text_reader.h"
+#include "base/text_writer.h"
 
 namespace tarvik {
 
@@ -17,9 +19,16 @@ class ValueLines {
   explicit ValueLines(TextReader &reader) : reader_(reader) {}
 
   // Goes to the next line that is neither empty nor a comment and splits it; false at the end.
-  bool next();
+  // With a limit the text behind so many fields is left to rest().
+  bool next(int limit = kMaxFields + 1);
   int count() const { return count_; }
   std::string_view field(int k) const { return fields_[k]; }
+  // The line from field k on, without the quotes around all of it.
+  std::string_view rest(int k) const;
+  // True when the line begins with the word itself, not with a quoted one.
+  bool begins(std::string_view word) const {
+    return count_ > 0 && fields_[0] == word && !isQuoted(0);
+  }
   // True when the comment lines before this line held the text, as a block's title does.
   bool sawTitle(std::string_view title) const;
   std::string_view line() const { return line_; }
@@ -31,7 +40,10 @@ class ValueLines {
   int integer(int k, const char *format) const;
 
  private:
-  void split();
+  void split(int limit);
+  bool isQuoted(int k) const {
+    return fields_[k].data() != line_.data() && fields_[k].data()[-1] == '"';
+  }
 
   TextReader &reader_;
   std::string_view line_;
@@ -40,5 +52,9 @@ class ValueLines {
   int count_ = 0;
   bool atEnd_ = false;
 };
+
+// Puts a name so that it is read back as the first field of a line: in quotes when it begins like
+// a comment or a quoted field, or is the word that begins a section.
+TextWriter &putFirstName(TextWriter &out, std::string_view name);
 
 }  // namespace tarvik

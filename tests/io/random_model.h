@@ -89,8 +89,12 @@ class RandomModel {
       if (chance(30)) addPwlObjective();
       if (chance(40)) addScenarios();
     }
-    for (int i = 0; i < model_->data().numConstrs(); ++i)
-      if (chance(30)) check(TVKsetintattrelement(model_, "Lazy", i, below(5) - 1));
+    // In the order of the sections of a file.
+    constexpr int kLazy[] = {0, 1, 2, 3, -1};
+    for (int i = 0, section = 0; i < model_->data().numConstrs(); ++i) {
+      if (section < 4 && chance(25)) ++section;
+      check(TVKsetintattrelement(model_, "Lazy", i, kLazy[section]));
+    }
   }
 
   void addVariable(int j) {

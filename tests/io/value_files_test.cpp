@@ -1,3 +1,5 @@
+#include <cerrno>
+
 #include "file_fixture.h"
 
 namespace tarvik {
@@ -89,6 +91,73 @@ TEST_F(ValueFiles, Attributes) {
   EXPECT_EQ(modelMessage(), "Unrecognized SECTION type `FOO`");
   EXPECT_EQ(readText("e.attr", "TVK_ATTR_FILE_VERSION 110003\n"), 10012);
   EXPECT_EQ(modelMessage(), "Attribute file lacks fingerprint");
+}
+
+// Names that begin like a comment, a quoted field or a section, and tags with anything in them.
+TEST_F(ValueFiles, OddNamesAndTags) {
+  TVKmodel *model = nullptr;
+  ASSERT_EQ(TVKnewmodel(env_, &model, "odd", 0, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
+  models_.push_back(model);
+  const char *const names[] = {"#x", "\"y\"", "SECTION", "z\"", "\"", "'q'"};
+  const int count = static_cast<int>(std::size(names));
+  for (const char *name : names)
+    ASSERT_EQ(TVKaddvar(model, 0, nullptr, nullptr, 1, 0, 1, 'B', name), 0);
+  ASSERT_EQ(TVKaddconstr(model, 0, nullptr, nullptr, '<', 1, "#row"), 0);
+  ASSERT_EQ(TVKupdatemodel(model), 0);
+  const char *const tags[] = {"a \"b\" c",
+                              "\"",
+                              "# no comment",
+                              "  ",
+                              "a\nb",
+                              "\" \" \" \" \" \" \" \""
+                              " \" \" \" \" \" \" \" \" \" \""};
+  for (int j = 0; j < count; ++j) {
+    ASSERT_EQ(TVKsetdblattrelement(model, "Start", j, j % 2), 0);
+    ASSERT_EQ(TVKsetdblattrelement(model, "VarHintVal", j, 1), 0);
+    ASSERT_EQ(TVKsetintattrelement(model, "BranchPriority", j, j), 0);
+    ASSERT_EQ(TVKsetintattrelement(model, "Partition", j, j), 0);
+    ASSERT_EQ(TVKsetstrattrelement(model, "VTag", j, tags[j]), 0);
+  }
+  ASSERT_EQ(TVKsetstrattrelement(model, "CTag", 0, "tag"), 0);
+  ASSERT_EQ(TVKupdatemodel(model), 0);
+  written(model, "m.mps");
+  TVKmodel *back = readFile(path("m.mps"));
+  ASSERT_NE(back, nullptr);
+  for (const char *file : {"a.mst", "a.hnt", "a.ord", "a.attr"}) {
+    const std::string text = written(model, file);
+    ASSERT_EQ(TVKread(back, path(file).c_str()), 0) << TVKgeterrormsg(TVKgetenv(back)) << text;
+  }
+  ASSERT_EQ(back->data().starts.size(), 2u);
+  EXPECT_EQ(back->data().starts[0], model->data().starts[0]);
+  EXPECT_EQ(back->data().starts[1], model->data().starts[0]);
+  EXPECT_EQ(back->data().hintVal, model->data().hintVal);
+  EXPECT_EQ(back->data().branchPriority, model->data().branchPriority);
+  EXPECT_EQ(back->data().partition, model->data().partition);
+  for (int j = 0; j < count; ++j)
+    EXPECT_STREQ(back->data().varTags.get(j), j == 4 ? "a b" : tags[j]);
+  EXPECT_STREQ(back->data().constrTags.get(0), "tag");
+  EXPECT_FALSE(logged("not found in model")) << log_;
+}
+
+// Hints without priorities are hints of priority 0.
+TEST_F(ValueFiles, HintsWithoutPriorities) {
+  ASSERT_EQ(TVKsetdblattrelement(model_, "VarHintVal", 1, 2.5), 0);
+  EXPECT_EQ(written(model_, "a.hnt"), "# MIP variable hints\ny 2.5 0\n");
+}
+
+// A file system without room, and folders in the way of files.
+TEST_F(ValueFiles, WriteFailures) {
+  std::filesystem::create_directory(path("d.attr"));
+  EXPECT_EQ(TVKwrite(model_, path("d.attr").c_str()), 10013);
+  EXPECT_EQ(modelMessage(), "Unable to open file '" + path("d.attr") + "' for output");
+  if (!std::filesystem::exists("/dev/full")) return;
+  for (const char *name : {"f.mps", "f.sum", "f.attr"}) {
+    std::filesystem::create_symlink("/dev/full", path(name));
+    EXPECT_EQ(TVKwrite(model_, path(name).c_str()), 10013) << name;
+    EXPECT_EQ(modelMessage(), std::string(name) == "f.attr"
+                                  ? "System error " + std::to_string(ENOSPC) + " at file close"
+                                  : "Failed to write '" + path(name) + "'");
+  }
 }
 
 TEST_F(ValueFiles, NothingToWrite) {

@@ -332,14 +332,16 @@ void LpParser::storeRow(const std::string &name, Expression &expression, char se
     constr.quad = std::move(expression.quad);
     constr.sense = sense;
     constr.rhs = rhs;
-    reportRow(static_cast<int>(model_.qconstrs.size()), name, cleaned);
+    const int row = static_cast<int>(model_.qconstrs.size());
+    reportRow(row, name.empty() ? numbered("qc", row) : name, cleaned);
     model_.qconstrs.push_back(std::move(constr));
     model_.qconstrNames.append(name);
     return;
   }
   ModelInput &linear = model_.linear;
   const int row = linear.numConstrs++;
-  reportRow(row, name, cleaned);
+  const std::string fullName = name.empty() ? numbered("R", row) : name;
+  reportRow(row, fullName, cleaned);
   rows_.append(expression.terms.count(), expression.terms.index.data(),
                expression.terms.value.data());
   linear.sense.push_back(sense);
@@ -349,13 +351,12 @@ void LpParser::storeRow(const std::string &name, Expression &expression, char se
   anyRange_ = anyRange_ || lower > -kUserInf;
   model_.lazy.push_back(lazy);
   anyLazy_ = anyLazy_ || lazy != 0;
-  if (rowNames_.findOrAdd(name.empty() ? numbered("R", row) : name) ==
-      static_cast<int>(rowOfName_.size()))
+  if (rowNames_.findOrAdd(fullName) == static_cast<int>(rowOfName_.size()))
     rowOfName_.push_back(row);
 }
 
 bool LpParser::atIndicator() {
-  return isName(peek(0)) && peek(1) == "=" && !peek(2).empty() && peek(3) == "->";
+  return isName(peek(0)) && isSense(peek(1)) && !peek(2).empty() && peek(3) == "->";
 }
 
 void LpParser::parseIndicator(const std::string &name) {
@@ -365,8 +366,7 @@ void LpParser::parseIndicator(const std::string &name) {
   g.type = TVK_GENCONSTR_INDICATOR;
   g.resVar = variable(peek());
   take();
-  if (peek() != "=") fail("Invalid sense in indicator expression (expected '=')");
-  take();
+  if (takeSense() != '=') fail("Invalid sense in indicator expression (expected '=')");
   double value = 0;
   if (!parseNumber(peek(), value) || (value != 0 && value != 1))
     fail("Invalid binary value in indicator expression (expected '1' or '0')");

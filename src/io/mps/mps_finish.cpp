@@ -8,6 +8,7 @@
 namespace tarvik {
 
 void MpsParser::finish() {
+  atEnd_ = true;
   ModelInput &linear = model_.linear;
   if (!sawRows_) failWith("MPS reader: no row section", "Error: no row section.\n");
   if (!sawColumns_) failWith("MPS reader: no column section", "Error: no column section.\n");

@@ -153,6 +153,7 @@ void MpsParser::failWith(const std::string &message, const char *logFormat, ...)
   env_.log("%s", formatted(logFormat, args).c_str());
   va_end(args);
   if (!message.empty()) throw Error(TVK_ERROR_FILE_READ, "%s", message.c_str());
+  if (atEnd_) throw Error(TVK_ERROR_FILE_READ, "Error in MPS file");
   throw Error(TVK_ERROR_FILE_READ, "MPS read error at line %d:\n%s", reader_.lineNumber(),
               lineText().c_str());
 }

@@ -159,6 +159,7 @@ class MpsParser {
 
   std::string_view line_;
   bool pendingHeader_ = false;
+  bool atEnd_ = false;  // behind ENDATA, where no line explains a failure
   bool fixed_ = false;
   Field fields_[kMaxFields];
   double numbers_[2] = {0, 0};
