@@ -235,6 +235,8 @@ void writeFromModel(Model &model, const char *filename) {
   try {
     writeByType(model, filename, type);
   } catch (const Error &error) {
+    // What an attribute that is not available left behind does not explain this failure.
+    model.env().clearErrorAtEntry();
     if (!error.message().empty()) throw;
     if (error.code() == TVK_ERROR_FILE_WRITE)
       throw Error(error.code(), kCannotOpenForOutput, filename);

@@ -97,11 +97,14 @@ std::string Session::written(TVKmodel *model, const std::string &name) const {
 }
 
 void Session::requireStable(TVKmodel *model, const std::string &name, bool exact) const {
-  // Unnamed general constraints get names when others of them have some.
-  const bool atOnce = exact && intAttribute(model, "NumGenConstrs") == 0;
   // MPS files hold scenarios or several objectives, but not both.
   if (exact && intAttribute(model, "NumObj") > 1 && intAttribute(model, "NumScenarios") > 0) return;
   const std::string first = written(model, name);
+  // Unnamed general constraints get names when others of them have some; lazy rows move behind
+  // the others.
+  const bool atOnce = exact && intAttribute(model, "NumGenConstrs") == 0 &&
+                      first.find("\nLAZYCONS") == std::string::npos &&
+                      first.find("\nUSERCUTS") == std::string::npos;
   TVKmodel *once = read(name, first);
   require(once != nullptr, TVKgeterrormsg(env_), first);
   const std::string second = written(once, name);

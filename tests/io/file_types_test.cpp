@@ -73,6 +73,27 @@ TEST_F(FileTest, WrongTypesAreRefused) {
         "Unable to open file '" + path("gone.mst") + "' for input");
 }
 
+// The files of the dual hold what a file of the dual model holds.
+TEST_F(FileTest, DualModelsAreWritten) {
+  TVKmodel *model =
+      read("m.lp", "max\n 3 x + 2 y\nst\n c: x + y <= 4\n d: x - y >= -2\nbounds\n y <= 3\nend\n");
+  TVKmodel *dual = nullptr;
+  ASSERT_EQ(TVKdualmodel(model, &dual), 0) << TVKgeterrormsg(model->envHandle());
+  models_.push_back(dual);
+  EXPECT_EQ(written(model, "d.dua"), written(dual, "e.mps"));
+  EXPECT_EQ(written(model, "d.dlp"), written(dual, "e.rlp"));
+  for (const char *name : {"d.dua", "d.dlp"}) {
+    TVKmodel *back = readFile(path(name));
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->data().numVars(), dual->data().numVars());
+    EXPECT_EQ(back->data().numConstrs(), dual->data().numConstrs());
+  }
+  TVKmodel *mixed = read("m.lp", "min\n x\nst\n c: x >= 1\ngenerals\n x\nend\n");
+  EXPECT_NE(TVKwrite(mixed, path("f.dua").c_str()), 0);
+  EXPECT_NE(TVKgeterrormsg(mixed->envHandle()), std::string());
+  EXPECT_FALSE(std::filesystem::exists(path("f.dua")));
+}
+
 TEST_F(FileTest, SummaryHoldsWhatIsKnown) {
   TVKmodel *model = read("m.mps", kSmall);
   const std::string before = written(model, "s.sum");

@@ -40,8 +40,7 @@ class Messages : public FileTest {
 TEST_F(Messages, LpExpressions) {
   expectLpErrors(
       "min\n x ",
-      {{"+", "Malformed term in expression"},
-       {"+ [ 2 < x ] / 2", "Unrecognized token in quadratic expression"},
+      {{"+ [ 2 < x ] / 2", "Unrecognized token in quadratic expression"},
        {"+ [ x * ] / 2", "Malformed quadratic term in expression"},
        {"+ [ x ^2 ]", "Malformed quadratic term in expression"},
        {"+ [ - ] / 2", "Malformed quadratic term in expression"},
@@ -54,6 +53,8 @@ TEST_F(Messages, LpExpressions) {
        {"\nsos\n s: S1 :: x", "Malformed SOS term"},
        {"\npwlobj\n x: (1, 2", "Malformed PWL term"},
        {"\npwlobj\n x", "Malformed PWL term"}});
+  EXPECT_EQ(tryRead("m.lp", "min\n x +\n"), 10012);
+  EXPECT_EQ(message(), "Malformed term in expression");
 }
 
 TEST_F(Messages, LpObjectives) {
@@ -168,7 +169,7 @@ TEST_F(Messages, LpWarnings) {
         "Warning: read number '7' as resultant variable\n",
         "Lazy constraints and user cuts must be linear - ignoring lazy designation\n",
         "Warning: unknown variable 'w' in cone section\n",
-        "Warning: unknown variable 'q' in bounds section (line 18)\n",
+        "Warning: unknown variable 'q' in bounds section (line 17)\n",
         "Warning: unknown variable 'q' in binary section\n",
         "Warning: unknown variable 'q' in integer section\n",
         "Warning: unknown variable 'q' in semi-continuous section\n",
@@ -196,7 +197,7 @@ TEST_F(Messages, MpsRowsAndQuadratics) {
        {"LAZYCONS 1\n L a\nLAZYCONS\n",
         "Error at line 6 (second LAZYCONS section with same lazyness):\n LAZYCONS\n"},
        {"USERCUTS\n L a\nUSERCUTS\n", "Error at line 6 (second USERCUTS section):\n USERCUTS\n"},
-       {"COLUMNS", "Error: no column section.\n"}});
+       {"", "Error: no column section.\n"}});
   const std::string term = "\n    x  x  1", product = "\n    x  y  1";
   expectMps(
       10012, kMps,
@@ -286,7 +287,7 @@ TEST_F(Messages, MpsGeneralConstraints) {
        {" POLY f\n" + options + "    x  y\n    1  1\n    2  1",
         line(16, "wrong term order for polynomial function:")},
        {" POLY f\n" + options + "    x  y\n2  1",
-        line(15, "space at beginning of line" + section + " missing.")}});
+        "Error at line 15, space at beginning of line" + section + " missing.\nLINE\n"}});
 }
 
 TEST_F(Messages, MpsScenarios) {
@@ -324,16 +325,29 @@ TEST_F(Messages, MpsScenarios) {
   EXPECT_TRUE(logged("Error scenario feature is incompatible with multi-objective feature\n"));
 }
 
-// A field that is too long is cut; the warning goes to standard output.
+// A field that is too long is cut, which is told on standard output; names end earlier.
 TEST_F(Messages, MpsLongFields) {
-  const std::string name(600, 'a');
+  const std::string set(600, 'a');
+  const std::string text = "NAME\nROWS\n N  OBJ\nCOLUMNS\n    x  OBJ  1\n";
   testing::internal::CaptureStdout();
-  TVKmodel *model =
-      read("m.mps", "NAME\nROWS\n N  OBJ\nCOLUMNS\n    " + name + "  OBJ  1\nENDATA\n");
+  TVKmodel *model = read("m.mps", text + "RHS\n    " + set + "  OBJ  1\nENDATA\n");
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "WARNING: MPS data field too long, cut field \"    " + name + "  OBJ  1\"\n");
+            "WARNING: MPS data field too long, cut field \"    " + set + "  OBJ  1\"\n");
   ASSERT_NE(model, nullptr);
-  EXPECT_EQ(std::string(model->varName(0)), name.substr(0, 499));
+  EXPECT_EQ(model->data().objCon, -1);
+  const std::string name(256, 'b');
+  EXPECT_EQ(tryRead("m.mps", text + "    " + name + "  OBJ  1\nENDATA\n"), 10003);
+  EXPECT_EQ(message(), "Name too long (maximum name length is 255 characters)");
+}
+
+// Lazy levels are sections of their own.
+TEST_F(Messages, LpLazySections) {
+  const std::string rows = " a: x >= 1\nlazy constraints 2\n b: x >= 1\n";
+  read("m.lp", "min\n x\nlazy constraints\n" + rows + "lazy constraints 3\n c: x >= 1\nend\n");
+  EXPECT_FALSE(logged("Duplicate section")) << log_;
+  EXPECT_EQ(models_.back()->data().lazy, (Vec<int>{1, 2, 3}));
+  read("m.lp", "min\n x\nlazy constraints 2\n" + rows + "end\n");
+  EXPECT_TRUE(logged("Warning: Duplicate section found (read 'lazy constraints')")) << log_;
 }
 
 }  // namespace

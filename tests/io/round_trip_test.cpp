@@ -1,4 +1,4 @@
-// Random models go through files: MPS loses nothing, LP texts come to rest at once, and what
+// Random models go through files: MPS loses nothing, LP texts stay the same, and what
 // stands around a model (starts, hints, priorities, bases, attributes) comes back as it was.
 #include <algorithm>
 
@@ -212,22 +212,21 @@ TEST_F(RoundTrip, ConesComeBackAsQuadraticConstraints) {
   }
 }
 
-TEST_F(RoundTrip, LpTextsComeToRest) {
+TEST_F(RoundTrip, LpTextsStayTheSame) {
   for (unsigned seed = 0; seed < kModels && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     TVKmodel *model = random(seed);
     const std::string first = written(model, "m.lp");
+    log_.clear();
     TVKmodel *back = readFile(path("m.lp"));
     ASSERT_NE(back, nullptr) << first;
+    EXPECT_FALSE(logged("arning")) << log_;
+    EXPECT_EQ(back->data().name, model->data().name);
     EXPECT_EQ(back->data().numVars(), model->data().numVars()) << first;
     EXPECT_EQ(back->data().numConstrs(), model->data().numConstrs());
     EXPECT_EQ(back->data().numQConstrs(), model->data().numQConstrs());
     EXPECT_EQ(back->data().numGenConstrs(), model->data().numGenConstrs());
-    // The variables now stand in the order in which the text mentions them.
-    const std::string second = written(back, "n.lp");
-    TVKmodel *again = readFile(path("n.lp"));
-    ASSERT_NE(again, nullptr) << second;
-    EXPECT_EQ(written(again, "o.lp"), second) << first;
+    EXPECT_EQ(written(back, "n.lp"), first);
     forget();
   }
 }
@@ -256,7 +255,7 @@ TEST_F(RoundTrip, ValuesComeBack) {
     }
     for (int i = 0; i < m; ++i)
       if (random_() % 2) TVKsetstrattrelement(model, "CTag", i, "row tag");
-    ASSERT_EQ(TVKupdatemodel(model), 0);
+    ASSERT_EQ(TVKupdatemodel(model), 0) << TVKgeterrormsg(TVKgetenv(model));
     written(model, "m.mps");
     for (const char *name : {"a.mst", "a.hnt", "a.ord", "a.attr"}) {
       if (std::string(name) == "a.mst" && model->data().starts.empty()) continue;

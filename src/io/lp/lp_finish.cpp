@@ -10,6 +10,7 @@ namespace tarvik {
 
 void LpParser::finish() {
   ModelInput &linear = model_.linear;
+  linear.name = tokens_.title();
   const int n = linear.numVars = vars_.size();
   linear.lb.resize(n);
   linear.ub.resize(n, kUserInf);

@@ -26,7 +26,13 @@ ParsedModel LpParser::parse() {
     if (section == LpSection::End) break;
     if (section == LpSection::None) fail("Unexpected symbol");
     take();
-    noteSection(section);
+    if (section == LpSection::Lazy1) {
+      parseLazyRows();
+      continue;
+    }
+    noteSection(
+        section,
+        seen_[static_cast<int>(section == LpSection::Maximize ? LpSection::Minimize : section)]);
     parseSection(section);
   }
   finish();
@@ -87,10 +93,8 @@ void LpParser::fail(const char *format, ...) {
   throw Error(TVK_ERROR_FILE_READ, "%s", std::string(message).c_str());
 }
 
-void LpParser::noteSection(LpSection section) {
+void LpParser::noteSection(LpSection section, bool &seen) {
   if (section == LpSection::Scenario) return;
-  bool &seen =
-      seen_[static_cast<int>(section == LpSection::Maximize ? LpSection::Minimize : section)];
   if (seen && !warnedDuplicate_) {
     warn(
         "Warning: Duplicate section found (read '%s') - Is a variable name equal to an LP file "
@@ -102,6 +106,17 @@ void LpParser::noteSection(LpSection section) {
   seen = true;
 }
 
+// The level stands alone behind the keyword on its line; each level is a section of its own.
+void LpParser::parseLazyRows() {
+  const bool sameLine = tokens_.line() == tokens_.lastLine() && tokens_.line(1) != tokens_.line();
+  int level = 1;
+  const bool leveled = sameLine && parseInteger(peek(), level) && level >= 1 && level < kLazyLevels;
+  if (!leveled) level = 1;
+  noteSection(LpSection::Lazy1, seenLazy_[level]);
+  if (leveled) take();
+  parseRows(level);
+}
+
 void LpParser::parseSection(LpSection section) {
   switch (section) {
     case LpSection::Minimize:
@@ -109,17 +124,6 @@ void LpParser::parseSection(LpSection section) {
       return parseObjective(section == LpSection::Maximize);
     case LpSection::Constraints:
       return parseRows(0);
-    case LpSection::Lazy1: {
-      // The level stands alone behind the keyword on its line.
-      const bool sameLine =
-          tokens_.line() == tokens_.lastLine() && tokens_.line(1) != tokens_.line();
-      int level = 1;
-      if (sameLine && parseInteger(peek(), level) && level >= 1 && level <= 3)
-        take();
-      else
-        level = 1;
-      return parseRows(level);
-    }
     case LpSection::UserCuts:
       return parseRows(-1);
     case LpSection::Cones:

@@ -55,7 +55,8 @@ class LpParser {
   void warn(const char *format, ...) __attribute__((format(printf, 2, 3)));
 
   void parseSection(LpSection section);
-  void noteSection(LpSection section);
+  void noteSection(LpSection section, bool &seen);
+  void parseLazyRows();
 
   // --- objective and constraints (lp_rows.cpp) ---
   void parseObjective(bool maximize);
@@ -128,6 +129,8 @@ class LpParser {
   ParsedModel model_;
   NameTable vars_;
   bool seen_[static_cast<int>(LpSection::Count)] = {};
+  static constexpr int kLazyLevels = 4;  // 1 to 3, and none
+  bool seenLazy_[kLazyLevels] = {};
   bool warnedDuplicate_ = false, warnedEqual_ = false;
 
   Expression objective_;

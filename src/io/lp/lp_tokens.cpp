@@ -47,6 +47,9 @@ bool LpTokens::skipToText() {
     while (k < rest_.size() && isBlank(rest_[k])) ++k;
     rest_.remove_prefix(k);
     if (!rest_.empty() && rest_.front() != '\\') return true;
+    constexpr std::string_view kTitle = "\\ Model ";
+    if (reader_.lineNumber() == 1 && rest_.substr(0, kTitle.size()) == kTitle)
+      title_ = trimmed(rest_.substr(kTitle.size()));
     if (!reader_.nextLine(rest_)) {
       rest_ = {};
       return false;

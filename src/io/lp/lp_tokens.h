@@ -42,6 +42,8 @@ class LpTokens {
   std::string lastText() const { return std::string(previous_.text()); }
   int lastLine() const { return previous_.line; }
 
+  // The name of the model, from the comment that begins a written file.
+  const std::string &title() const { return title_; }
   // The tokens around the next one, each behind a blank.
   std::string neighbours();
   // True when a token was longer than allowed; it was cut.
@@ -73,6 +75,7 @@ class LpTokens {
   Token held_;  // scanned but not yet in the window
   bool hasHeld_ = false;
   std::string label_;  // a label whose colon stood behind blanks
+  std::string title_;
   bool afterCaret_ = false, afterBracket_ = false, afterStar_ = false;  // what came before
   bool inBracket_ = false;
   bool overlong_ = false;

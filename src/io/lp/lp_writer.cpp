@@ -18,6 +18,10 @@ constexpr const char *senseText(char sense) {
   return sense == '<' ? "<=" : sense == '>' ? ">=" : "=";
 }
 
+constexpr int kLazyLevels[] = {1, 2, 3, -1};
+constexpr const char *kLazyHeadings[] = {"Lazy Constraints\n", "Lazy Constraints 2\n",
+                                         "Lazy Constraints 3\n", "User Cuts\n"};
+
 class LpWriter {
  public:
   LpWriter(Model &model, TextWriter &out, int type)
@@ -36,6 +40,9 @@ class LpWriter {
 
   void write() {
     rows_ = transpose(data_.a);
+    findLazyRows();
+    findUnmentioned();
+    rankVariables();
     out_.put("\\ Model ").put(oneLine(data_.name)).put('\n');
     out_.put("\\ LP format - for model browsing. Use MPS format to capture full model detail.\n");
     if (data_.objectives.empty())
@@ -46,14 +53,10 @@ class LpWriter {
     writeRows(0);
     writeQuadraticRows();
     writeIndicators();
-    constexpr std::pair<int, const char *> kLazySections[] = {{1, "Lazy Constraints\n"},
-                                                              {2, "Lazy Constraints 2\n"},
-                                                              {3, "Lazy Constraints 3\n"},
-                                                              {-1, "User Cuts\n"}};
-    for (const auto &[level, heading] : kLazySections)
-      if (std::find(data_.lazy.begin(), data_.lazy.end(), level) != data_.lazy.end()) {
-        out_.put(heading);
-        writeRows(level);
+    for (std::size_t k = 0; k < std::size(kLazyLevels); ++k)
+      if (std::find(lazy_.begin(), lazy_.end(), kLazyLevels[k]) != lazy_.end()) {
+        out_.put(kLazyHeadings[k]);
+        writeRows(kLazyLevels[k]);
       }
     writeBounds();
     writeTypes("Binaries\n", [](char type) { return type == 'B'; });
@@ -108,7 +111,7 @@ class LpWriter {
   void writeObjective() {
     out_.put(heading()).put('\n');
     lines_.begin(" ");
-    for (int j = 0; j < data_.numVars(); ++j)
+    for (const int j : order_)
       if (data_.obj[j] != 0) lines_.term(sign_ * data_.obj[j], names_.var(j));
     if (data_.objCon != 0) writeConstant(sign_ * data_.objCon, "Constant");
     for (const PwlObjective &pwl : data_.pwl) {
@@ -141,6 +144,7 @@ class LpWriter {
   }
 
   void quadraticTerm(double value, int i, int j) {
+    if (rank_[j] < rank_[i]) std::swap(i, j);
     std::string product(names_.var(i));
     if (i == j) {
       product += " ^2";
@@ -152,7 +156,7 @@ class LpWriter {
   }
 
   // Variables that would not be mentioned before the bounds are, so that they are not lost.
-  void writeUnmentioned() {
+  void findUnmentioned() {
     Vec<char> mentioned(data_.numVars());
     const auto mark = [&](const Vec<int> &vars) {
       for (const int j : vars) mentioned[j] = 1;
@@ -162,9 +166,11 @@ class LpWriter {
     for (const Objective &o : data_.objectives)
       for (int j = 0; j < static_cast<int>(o.coef.size()); ++j)
         if (o.coef[j] != 0) mentioned[j] = 1;
-    mark(data_.q.row);
-    mark(data_.q.col);
-    for (const PwlObjective &pwl : data_.pwl) mentioned[pwl.var] = 1;
+    if (data_.objectives.empty()) {
+      mark(data_.q.row);
+      mark(data_.q.col);
+      for (const PwlObjective &pwl : data_.pwl) mentioned[pwl.var] = 1;
+    }
     for (const QConstr &c : data_.qconstrs) {
       mark(c.lind);
       mark(c.quad.row);
@@ -177,7 +183,62 @@ class LpWriter {
         mentioned[g.resVar] = 1;
       }
     for (int j = 0; j < data_.numVars(); ++j)
-      if (!mentioned[j]) lines_.term(0, names_.var(j));
+      if (!mentioned[j]) unmentioned_.push_back(j);
+  }
+  void writeUnmentioned() {
+    for (const int j : unmentioned_) lines_.term(0, names_.var(j));
+  }
+
+  // A reader numbers the variables as they are mentioned. All terms and lists follow that order,
+  // so that what is read is written as the same text again.
+  void rankVariables() {
+    rank_.assign(data_.numVars(), -1);
+    const auto mention = [&](int j) {
+      if (rank_[j] >= 0) return;
+      rank_[j] = static_cast<int>(order_.size());
+      order_.push_back(j);
+    };
+    const auto mentionAll = [&](const Vec<int> &vars) {
+      for (const int j : vars) mention(j);
+    };
+    const auto mentionTerms = [&](const Vec<double> &coef) {
+      for (int j = 0; j < static_cast<int>(coef.size()); ++j)
+        if (coef[j] != 0) mention(j);
+    };
+    const auto mentionPairs = [&](const QuadTerms &q) {
+      for (int k = 0; k < q.count(); ++k) {
+        mention(q.row[k]);
+        mention(q.col[k]);
+      }
+    };
+    if (data_.objectives.empty()) mentionTerms(data_.obj);
+    if (!data_.objectives.empty()) mentionTerms(data_.objectives.front().coef);
+    if (data_.objectives.empty())
+      for (const PwlObjective &pwl : data_.pwl) mention(pwl.var);
+    mentionAll(unmentioned_);
+    for (std::size_t n = 1; n < data_.objectives.size(); ++n)
+      mentionTerms(data_.objectives[n].coef);
+    if (data_.objectives.empty()) mentionPairs(data_.q);
+    const auto mentionRows = [&](int lazy) {
+      for (int i = 0; i < data_.numConstrs(); ++i) {
+        if ((lazy_.empty() ? 0 : lazy_[i]) != lazy) continue;
+        for (NzIndex e = rows_.start[i]; e < rows_.start[i + 1]; ++e) mention(rows_.index[e]);
+        if (rows_.length(i) == 0 && order_.empty() && data_.numVars() > 0) mention(0);
+      }
+    };
+    mentionRows(0);
+    for (const QConstr &c : data_.qconstrs) {
+      mentionAll(c.lind);
+      mentionPairs(c.quad);
+    }
+    for (const Cone &cone : data_.cones) mentionAll(cone.members);
+    for (const GenConstr &g : data_.genConstrs) {
+      if (g.type != TVK_GENCONSTR_INDICATOR) continue;
+      mention(g.resVar);
+      mentionAll(g.vars);
+    }
+    for (const int level : kLazyLevels) mentionRows(level);
+    for (int j = 0; j < data_.numVars(); ++j) mention(j);
   }
 
   void writeObjectives() {
@@ -190,8 +251,9 @@ class LpWriter {
       out_.put("AbsTol=").put(number(o.absTol)).put(' ');
       out_.put("RelTol=").put(number(o.relTol)).put('\n');
       lines_.begin("  ");
-      for (int j = 0; j < static_cast<int>(o.coef.size()); ++j)
-        if (o.coef[j] != 0) lines_.term(sign_ * o.coef[j], names_.var(j));
+      if (!o.coef.empty())
+        for (const int j : order_)
+          if (o.coef[j] != 0) lines_.term(sign_ * o.coef[j], names_.var(j));
       if (o.con != 0) writeConstant(sign_ * o.con, numbered("Constant", n));
       if (n == 0) writeUnmentioned();
       out_.put('\n');
@@ -199,12 +261,30 @@ class LpWriter {
   }
 
   // --- constraints ---
+  // No scenario of the format changes a lazy constraint or a user cut; those that one changes are
+  // written like the others, which means the same.
+  void findLazyRows() {
+    lazy_ = data_.lazy;
+    if (lazy_.empty()) return;
+    for (const Scenario &s : data_.scenarios)
+      for (const int i : s.rhs.index()) {
+        if (lazy_[i] != 0)
+          model_.env().log(
+              "Warning: constraint %s is changed by a scenario, written without its laziness\n",
+              std::string(names_.constr(i)).c_str());
+        lazy_[i] = 0;
+      }
+  }
+
   void writeRows(int lazy) {
     for (int i = 0; i < data_.numConstrs(); ++i) {
-      if ((data_.lazy.empty() ? 0 : data_.lazy[i]) != lazy) continue;
+      if ((lazy_.empty() ? 0 : lazy_[i]) != lazy) continue;
       lines_.beginLabel(names_.constr(i));
+      entries_.clear();
       for (NzIndex e = rows_.start[i]; e < rows_.start[i + 1]; ++e)
-        lines_.term(rows_.value[e], names_.var(rows_.index[e]));
+        entries_.emplace_back(rank_[rows_.index[e]], rows_.value[e]);
+      std::sort(entries_.begin(), entries_.end());
+      for (const auto &[rank, value] : entries_) lines_.term(value, names_.var(order_[rank]));
       if (rows_.length(i) == 0) writeEmptyRow();
       endRow(data_.sense[i], data_.rhs[i]);
     }
@@ -213,7 +293,7 @@ class LpWriter {
   // A row without entries needs a term to be read as a row.
   void writeEmptyRow() {
     if (data_.numVars() > 0)
-      lines_.term(0, names_.var(0));
+      lines_.term(0, names_.var(order_[0]));
     else
       out_.put(" 0");
   }
@@ -262,7 +342,7 @@ class LpWriter {
   // --- bounds and types ---
   void writeBounds() {
     out_.put("Bounds\n");
-    for (int j = 0; j < data_.numVars(); ++j) writeBound(j);
+    for (const int j : order_) writeBound(j);
     for (const std::string &name : constants_) out_.put(' ').put(name).put(" = 1\n");
   }
 
@@ -294,7 +374,7 @@ class LpWriter {
   template <class Belongs>
   void writeTypes(const char *section, Belongs &&belongs) {
     bool any = false;
-    for (int j = 0; j < data_.numVars(); ++j) {
+    for (const int j : order_) {
       if (!belongs(data_.vtype[j])) continue;
       if (!any) {
         out_.put(section);
@@ -452,12 +532,12 @@ class LpWriter {
   void writeScenario(const Scenario &s, int index) {
     out_.put("Scenario ").put(!isLpLabel(s.name) ? std::to_string(index) : s.name).put('\n');
     if (!s.obj.empty()) out_.put(heading()).put('\n');
+    entries_.clear();
     for (std::size_t k = 0; k < s.obj.index().size(); ++k)
-      out_.put(' ')
-          .put(names_.var(s.obj.index()[k]))
-          .put(' ')
-          .put(number(sign_ * s.obj.value()[k]))
-          .put('\n');
+      entries_.emplace_back(rank_[s.obj.index()[k]], sign_ * s.obj.value()[k]);
+    std::sort(entries_.begin(), entries_.end());
+    for (const auto &[rank, value] : entries_)
+      out_.put(' ').put(names_.var(order_[rank])).put(' ').put(number(value)).put('\n');
     if (!s.rhs.empty()) out_.put("Subject To\n");
     for (std::size_t k = 0; k < s.rhs.index().size(); ++k) {
       const int i = s.rhs.index()[k];
@@ -465,8 +545,8 @@ class LpWriter {
       endRow(data_.sense[i], s.rhs.value()[k]);
     }
     if (!s.lb.empty() || !s.ub.empty()) out_.put("Bounds\n");
-    for (int j = 0; j < data_.numVars() && !(s.lb.empty() && s.ub.empty()); ++j)
-      writeScenarioBound(s.lb.find(j), s.ub.find(j), names_.var(j));
+    if (s.lb.empty() && s.ub.empty()) return;
+    for (const int j : order_) writeScenarioBound(s.lb.find(j), s.ub.find(j), names_.var(j));
   }
 
   void writeScenarioBound(const double *lower, const double *upper, std::string_view name) {
@@ -494,7 +574,11 @@ class LpWriter {
   LpLines lines_;
   WriterNames names_;
   SparseMatrix rows_;
-  Vec<std::string> constants_;  // the variables that stand for constants
+  Vec<int> lazy_;
+  Vec<int> unmentioned_;
+  Vec<int> order_, rank_;                // the variables as they are mentioned, and where each is
+  Vec<std::pair<int, double>> entries_;  // of one row, by rank
+  Vec<std::string> constants_;           // the variables that stand for constants
   NumberText number_;
 };
 

@@ -81,7 +81,10 @@ void MpsParser::parseGenCons() {
     }
   }
   if (pendingHeader_ && inGen_ && !isSectionKeyword())
-    failAtLine("space at beginning of line in general function constraint section missing.");
+    fail(
+        "Error at line %d, space at beginning of line in general function constraint section "
+        "missing.\n%s\n",
+        reader_.lineNumber(), lineText().c_str());
   finishGenConstr();
 }
 
