@@ -40,10 +40,19 @@ class Hash {
       add(v);
     }
   }
+  // Neither the pairs nor the two of a pair have an order.
   void add(const QuadTerms &q) {
-    add(q.row);
-    add(q.col);
-    add(q.val);
+    Vec<std::pair<std::pair<int, int>, double>> pairs;
+    pairs.reserve(q.val.size());
+    for (int k = 0; k < q.count(); ++k)
+      pairs.emplace_back(std::minmax<int>({q.row[k], q.col[k]}), q.val[k]);
+    std::sort(pairs.begin(), pairs.end());
+    add(static_cast<std::uint64_t>(pairs.size()));
+    for (const auto &[pair, value] : pairs) {
+      add(pair.first);
+      add(pair.second);
+      add(value);
+    }
   }
   void add(const SparseChanges &changes) {
     add(changes.index());

@@ -109,7 +109,7 @@ std::string_view LpTokens::scan(int &line) {
     return cutOff(size);
   }
   const auto ends = [&](char c) {
-    return isBlank(c) || c == ':' || c == '\\' || c == '^' || (wasCaret && c == ']');
+    return isBlank(c) || c == ':' || c == '\\' || c == '^' || (wasCaret && inBracket_ && c == ']');
   };
   while (size < rest_.size() && !ends(rest_[size])) ++size;
   if (inBracket_) size = factorSize(size, wasStar);

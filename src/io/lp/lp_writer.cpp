@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <string>
 
 #include "io/general_keywords.h"
@@ -42,7 +43,7 @@ class LpWriter {
     rows_ = transpose(data_.a);
     findLazyRows();
     findUnmentioned();
-    rankVariables();
+    settleOrder();
     out_.put("\\ Model ").put(oneLine(data_.name)).put('\n');
     out_.put("\\ LP format - for model browsing. Use MPS format to capture full model detail.\n");
     if (data_.objectives.empty())
@@ -121,11 +122,9 @@ class LpWriter {
     writeUnmentioned();
     if (data_.q.count() > 0) {
       lines_.openBracket();
-      for (int k = 0; k < data_.q.count(); ++k) {
-        const int i = data_.q.row[k], j = data_.q.col[k];
-        // The stored matrix is twice the objective's coefficients already.
-        quadraticTerm(sign_ * data_.q.val[k], i, j);
-      }
+      // The stored matrix is twice the objective's coefficients already.
+      for (const Product &p : productsInOrder(data_.q, rank_))
+        quadraticTerm(sign_ * p.value, p.first, p.second);
       out_.put(" ] / 2 ");
     }
     out_.put('\n');
@@ -144,7 +143,6 @@ class LpWriter {
   }
 
   void quadraticTerm(double value, int i, int j) {
-    if (rank_[j] < rank_[i]) std::swap(i, j);
     std::string product(names_.var(i));
     if (i == j) {
       product += " ^2";
@@ -190,8 +188,22 @@ class LpWriter {
   }
 
   // A reader numbers the variables as they are mentioned. All terms and lists follow that order,
-  // so that what is read is written as the same text again.
-  void rankVariables() {
+  // so that what is read is written as the same text again. Products, which models sort, may
+  // change their order with that of the variables: then it takes some rounds to settle.
+  void settleOrder() {
+    constexpr int kRounds = 10;
+    rank_.resize(data_.numVars());
+    std::iota(rank_.begin(), rank_.end(), 0);
+    const bool settlesAtOnce = data_.q.count() == 0 && data_.qconstrs.empty();
+    for (int round = 0; round < (settlesAtOnce ? 1 : kRounds); ++round)
+      if (!rankVariables()) break;
+  }
+
+  // Numbers the variables as the text with the present order mentions them; true when that
+  // changes the order.
+  bool rankVariables() {
+    const Vec<int> previous = std::move(rank_);
+    order_.clear();
     rank_.assign(data_.numVars(), -1);
     const auto mention = [&](int j) {
       if (rank_[j] >= 0) return;
@@ -201,14 +213,23 @@ class LpWriter {
     const auto mentionAll = [&](const Vec<int> &vars) {
       for (const int j : vars) mention(j);
     };
+    Vec<int> fresh;
+    // The variables of a linear expression: those mentioned before come first.
+    const auto mentionSorted = [&] {
+      std::sort(fresh.begin(), fresh.end(),
+                [&](int a, int b) { return previous[a] < previous[b]; });
+      mentionAll(fresh);
+      fresh.clear();
+    };
     const auto mentionTerms = [&](const Vec<double> &coef) {
       for (int j = 0; j < static_cast<int>(coef.size()); ++j)
-        if (coef[j] != 0) mention(j);
+        if (coef[j] != 0 && rank_[j] < 0) fresh.push_back(j);
+      mentionSorted();
     };
     const auto mentionPairs = [&](const QuadTerms &q) {
-      for (int k = 0; k < q.count(); ++k) {
-        mention(q.row[k]);
-        mention(q.col[k]);
+      for (const Product &p : productsInOrder(q, previous)) {
+        mention(p.first);
+        mention(p.second);
       }
     };
     if (data_.objectives.empty()) mentionTerms(data_.obj);
@@ -222,7 +243,9 @@ class LpWriter {
     const auto mentionRows = [&](int lazy) {
       for (int i = 0; i < data_.numConstrs(); ++i) {
         if ((lazy_.empty() ? 0 : lazy_[i]) != lazy) continue;
-        for (NzIndex e = rows_.start[i]; e < rows_.start[i + 1]; ++e) mention(rows_.index[e]);
+        for (NzIndex e = rows_.start[i]; e < rows_.start[i + 1]; ++e)
+          if (rank_[rows_.index[e]] < 0) fresh.push_back(rows_.index[e]);
+        mentionSorted();
         if (rows_.length(i) == 0 && order_.empty() && data_.numVars() > 0) mention(0);
       }
     };
@@ -239,6 +262,24 @@ class LpWriter {
     }
     for (const int level : kLazyLevels) mentionRows(level);
     for (int j = 0; j < data_.numVars(); ++j) mention(j);
+    return rank_ != previous;
+  }
+
+  struct Product {
+    int first, second;
+    double value;
+  };
+  // Products by the ranks of their variables, the first of which ranks lower.
+  static Vec<Product> productsInOrder(const QuadTerms &q, const Vec<int> &rank) {
+    Vec<Product> products;
+    for (int k = 0; k < q.count(); ++k) {
+      const int i = q.row[k], j = q.col[k];
+      products.push_back(rank[i] <= rank[j] ? Product{i, j, q.val[k]} : Product{j, i, q.val[k]});
+    }
+    std::stable_sort(products.begin(), products.end(), [&](const Product &a, const Product &b) {
+      return std::pair(rank[a.first], rank[a.second]) < std::pair(rank[b.first], rank[b.second]);
+    });
+    return products;
   }
 
   void writeObjectives() {
@@ -308,8 +349,8 @@ class LpWriter {
       lines_.beginLabel(names_.qconstr(k));
       for (std::size_t e = 0; e < c.lind.size(); ++e) lines_.term(c.lval[e], names_.var(c.lind[e]));
       lines_.openBracket();
-      for (int e = 0; e < c.quad.count(); ++e)
-        quadraticTerm(c.quad.val[e], c.quad.row[e], c.quad.col[e]);
+      for (const Product &p : productsInOrder(c.quad, rank_))
+        quadraticTerm(p.value, p.first, p.second);
       out_.put(" ]");
       endRow(c.sense, c.rhs);
     }
