@@ -3,6 +3,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
+
 namespace tarvik {
 
 namespace {
@@ -14,6 +18,27 @@ struct BlockHeader {
   std::size_t bytes;
 };
 static_assert(sizeof(BlockHeader) == 16);
+
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+
+// Asks for huge pages in a large block: the random accesses of hash tables and sparse
+// factorizations would otherwise wait for page tables as long as for the data. Advice only.
+void preferHugePages([[maybe_unused]] void *block, [[maybe_unused]] std::size_t bytes) {
+#ifdef __linux__
+  if (bytes < 2 * kHugePage) return;
+  const auto address = reinterpret_cast<std::uintptr_t>(block);
+  const std::uintptr_t begin = (address + kHugePage - 1) / kHugePage * kHugePage;
+  const std::uintptr_t end = (address + bytes) / kHugePage * kHugePage;
+  if (begin < end) madvise(reinterpret_cast<void *>(begin), end - begin, MADV_HUGEPAGE);
+#endif
+}
+
+// A block of the platform, null when there is none.
+void *platformAllocate(std::size_t bytes) {
+  void *block = std::malloc(bytes);
+  if (block) preferHugePages(block, bytes);
+  return block;
+}
 
 }  // namespace
 
@@ -125,7 +150,7 @@ void *accountAllocate(MemoryAccount *account, std::size_t bytes) {
   MemoryAccount *root = account ? account->root_ : nullptr;
   void *raw = root && root->functions_.allocate
                   ? root->functions_.allocate(total, root->functions_.userData)
-                  : std::malloc(total);
+                  : platformAllocate(total);
   if (!raw) throw std::bad_alloc();
   auto *header = static_cast<BlockHeader *>(raw);
   header->root = root;
