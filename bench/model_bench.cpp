@@ -9,6 +9,9 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
+#include <algorithm>
+#include <numeric>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -19,9 +22,12 @@ namespace {
 
 const bool heapKeepsItsMemory = mallopt(M_MMAP_MAX, 0) && mallopt(M_TRIM_THRESHOLD, -1);
 
-// 0 .. n - 1 in an order without locality; n is not a multiple of the step.
-int scattered(int k, int n) {
-  return static_cast<int>(static_cast<std::int64_t>(k) * 694847539 % n);
+// 0 .. n - 1 in random order.
+std::vector<int> shuffled(int n) {
+  std::vector<int> order(n);
+  std::iota(order.begin(), order.end(), 0);
+  std::shuffle(order.begin(), order.end(), std::mt19937(1));
+  return order;
 }
 
 class Fixture {
@@ -44,10 +50,11 @@ class Fixture {
     std::vector<std::size_t> beg;
     std::vector<int> ind;
     std::vector<double> val(static_cast<std::size_t>(perColumn) * n, 1.5);
+    const std::vector<int> order = shuffled(scatter ? n : 0);
     for (int j = 0; j < n; ++j) {
       beg.push_back(ind.size());
       for (int k = 0; k < perColumn; ++k) {
-        const int row = scatter ? scattered(j, n) + k * (n / perColumn) : j + k;
+        const int row = scatter ? order[j] + k * (n / perColumn) : j + k;
         ind.push_back(row % n);
       }
     }
@@ -107,9 +114,10 @@ void coefficientChanges(benchmark::State &state) {
   const int n = static_cast<int>(state.range(0));
   Fixture f;
   f.fill(n, 2);
+  const std::vector<int> order = shuffled(n);
   for (auto _ : state) {
     for (int k = 0; k < n; ++k) {
-      const int var = scattered(k, n);
+      const int var = order[k];
       const double value = 1 + k;
       TVKchgcoeffs(f.model, 1, &var, &var, &value);
     }
@@ -141,9 +149,9 @@ void lookUp(benchmark::State &state, bool inOrder) {
   const int n = static_cast<int>(state.range(0));
   Fixture f;
   f.addNamed(n);
+  const std::vector<int> order = shuffled(n);
   std::vector<std::string> names;
-  for (int k = 0; k < n; ++k)
-    names.push_back("variable_" + std::to_string(inOrder ? k : scattered(k, n)));
+  for (int k = 0; k < n; ++k) names.push_back("variable_" + std::to_string(inOrder ? k : order[k]));
   for (auto _ : state) {
     state.PauseTiming();
     f.model->dataChanged();
@@ -166,12 +174,17 @@ void bareLookups(benchmark::State &state) {
   const auto slotOf = [](int k) { return static_cast<std::size_t>(kSlotsPerName * k); };
   std::vector<std::int64_t> table(slotOf(n) + 1);
   std::vector<std::int64_t> texts(2 * static_cast<std::size_t>(n));
+  const std::vector<int> order = shuffled(n);
+  std::mt19937 random(2);
+  std::vector<int> slot = order;
+  std::shuffle(slot.begin(), slot.end(), random);
   for (int k = 0; k < n; ++k) {
-    table[slotOf(scattered(k, n))] = 2 * scattered(k + 1, n);
-    texts[2 * static_cast<std::size_t>(scattered(k + 1, n))] = scattered(k + 1, n);
+    const int next = order[(k + 1) % n];
+    table[slotOf(slot[order[k]])] = 2 * next;
+    texts[2 * static_cast<std::size_t>(next)] = slot[next];
   }
   for (auto _ : state) {
-    std::int64_t at = 0;
+    std::int64_t at = slot[order[0]];
     for (int k = 0; k < n; ++k)
       at = texts[static_cast<std::size_t>(table[slotOf(static_cast<int>(at))])];
     benchmark::DoNotOptimize(at);
