@@ -52,7 +52,7 @@ namespace {
 
 // A caller that asks for a part of the rows asks for the others too: the entries are then kept by
 // rows, so that reading a model row by row costs no more than reading it at once.
-void keepRows(const SparseMatrix &a, SparseMatrix &rows) {
+void keepRows(const SparseMatrix &a, RowEntries &rows) {
   if (!rows.index.empty()) return;
   Vec<int> index(a.index.size());
   Vec<double> value(a.value.size());
@@ -67,10 +67,11 @@ template <class Offset>
 NzIndex getConstrs(Model &model, int start, int len, const SparseOutput<Offset> &out) {
   const SparseMatrix &a = model.data().a;
   checkRange(start, len, a.numMinor, "constraint");
-  SparseMatrix &rows = model.derived().rows;
-  if (rows.numMajor != a.numMinor) {
-    transposedStarts(a, rows.start);
-    rows.numMajor = a.numMinor;
+  RowEntries &rows = model.derived().rows;
+  if (rows.start.empty()) {
+    Vec<NzIndex> rowStart;
+    transposedStarts(a, rowStart);
+    rows.start = std::move(rowStart);
   }
   const NzIndex first = rows.start[start], count = rows.start[start + len] - first;
   checkCount<Offset>(count);

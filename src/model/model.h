@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <type_traits>
 
 #include "env/exported_call.h"
 #include "model/measures.h"
@@ -20,14 +21,20 @@ struct EnvReleaser {
   void operator()(TVKenv *env) const { releaseEnv(env); }
 };
 
+// The entries of the matrix by rows: where the rows start once a row was asked for, the entries
+// once a part of the rows was.
+struct RowEntries {
+  Vec<NzIndex> start;
+  Vec<int> index;
+  Vec<double> value;
+};
+
 // Values derived from the model data, made on demand and dropped when the data changes.
 struct DerivedData {
   NameIndex varNames, constrNames, qconstrNames;
   // Default texts of elements without a name, as long as the kind has unnamed elements.
   NameList defaultVarNames, defaultConstrNames, defaultQConstrNames, defaultGenConstrNames;
-  // The matrix by rows: their starts once a row was asked for, the entries once a part of the
-  // rows was.
-  SparseMatrix rows;
+  RowEntries rows;
   bool hasFingerprint = false;
   int fingerprint = 0;
   std::optional<ModelStatistics> statistics;
@@ -88,8 +95,11 @@ class Model {
   // Applies pending changes and discards every result of previous solves and the warm-start
   // data; with clearAll the MIP start vectors too.
   void reset(bool clearAll);
-  // To be called after data() was changed directly.
-  void dataChanged() { derived_ = DerivedData(); }
+  // To be called after data() was changed directly; a finished change has no way to fail.
+  void dataChanged() noexcept {
+    static_assert(std::is_nothrow_default_constructible_v<DerivedData>);
+    derived_ = DerivedData();
+  }
 
   // Names as attributes show them: the stored one, else the default; owned by the model.
   const char *varName(int var);
