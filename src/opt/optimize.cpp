@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "attr/fingerprint.h"
+#include "attr/solution_check.h"
 #include "attr/statistics.h"
 #include "base/locale_scope.h"
 #include "model/objectives.h"
@@ -109,6 +110,13 @@ void checkSupported(const ModelData &data) {
     throw Error(TVK_ERROR_NOT_SUPPORTED, "This version cannot solve models with %s", feature);
 }
 
+void checkSolution(Model &model) {
+  const SolutionStore &store = model.solution();
+  const bool isSolution = store.status == TVK_OPTIMAL || store.status == TVK_SUBOPTIMAL ||
+                          (model.data().isMip() && store.solCount > 0);
+  if (isSolution && !store.x.empty()) checkFinalSolution(model, store.x);
+}
+
 void solve(Model &model) {
   Env &env = model.env();
   if (!env.account().counting() && isFinite(env.get(Dbl::MemLimit)))
@@ -130,6 +138,7 @@ void solve(Model &model) {
       solveMipModel(model, clock.control());
     else
       solveLinearModel(model, clock.control());
+    checkSolution(model);
   } catch (const std::bad_alloc &) {
     logOutOfMemory(env);
     throw Error(TVK_ERROR_OUT_OF_MEMORY, "Optimization exhausted available memory");

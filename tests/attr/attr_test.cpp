@@ -224,6 +224,7 @@ TEST_F(AttrTest, SettingsFollowTheirElements) {
   update();
   EXPECT_EQ(ints("BranchPriority", 3), (Ints{0, 0, 7}));
   EXPECT_EQ(doubles("VarHintVal", 3), (Doubles{1e101, 0.5, 1e101}));
+  EXPECT_EQ(ints("VarHintPri", 3), (Ints{0, 0, 0}));  // comes with the value
   EXPECT_EQ(texts("VTag", 3), (Texts{"", "", "t2"}));
   EXPECT_EQ(count("NumTagged"), 2);
   ASSERT_EQ(TVKsetstrattrelement(model, "VTag", 0, "t2"), 0);
@@ -457,7 +458,10 @@ TEST_F(AttrTest, QualityOfAStoredSolution) {
   EXPECT_EQ(scalar("IntVio"), 0);
   tarvik::checkFinalSolution(*model, s.x);
   EXPECT_TRUE(logged("Warning: max bound violation (5.0000e-01) exceeds tolerance"));
-  EXPECT_TRUE(logged("Warning: max constraint violation (5.0000e-01) exceeds tolerance"));
+  EXPECT_TRUE(
+      logged("Warning: max constraint violation (5.0000e-01) exceeds tolerance\n"
+             "         (model may be infeasible or unbounded - try turning presolve off)\n"));
+  EXPECT_TRUE(logged("Violations: const 5.0000e-01, bound 5.0000e-01, int 0.0000e+00\n"));
   ASSERT_EQ(TVKsetcharattrelement(model, "VType", 0, 'I'), 0);
   update();
   EXPECT_EQ(getDouble("BoundVio"), TVK_ERROR_DATA_NOT_AVAILABLE);
