@@ -73,6 +73,20 @@ void setNumStart(Model &m, const Elements &, const int *value) {
   });
 }
 
+// A hint has a value and a priority: when only one of them was given, the other has its default.
+template <class T, auto Own, auto Other>
+void getHint(Model &m, const Elements &e, T *out, T unset) {
+  const auto &own = m.data().*Own;
+  if (own.empty() && (m.data().*Other).empty()) attrNotAvailable();
+  for (int k = 0; k < e.len; ++k) out[k] = own.empty() ? unset : own[e[k]];
+}
+void getHintVal(Model &m, const Elements &e, double *out) {
+  getHint<double, &D::hintVal, &D::hintPri>(m, e, out, kUndefined);
+}
+void getHintPri(Model &m, const Elements &e, int *out) {
+  getHint<int, &D::hintPri, &D::hintVal>(m, e, out, 0);
+}
+
 // In update mode 1 the dimensions of warm-start data must be those of the last update.
 bool warmStartIsIgnored(Model &m) {
   const PendingChanges *p = m.pending();
@@ -173,8 +187,8 @@ void registerSettingAttrs(AttrTable &t) {
   };
   setting(Attr::BranchPriority, dataVector<&D::branchPriority>,
           queueSet<&P::branchPriority, K::Var, int>);
-  setting(Attr::VarHintVal, dataVector<&D::hintVal>, queueSet<&P::hintVal, K::Var, double>);
-  setting(Attr::VarHintPri, dataVector<&D::hintPri>, queueSet<&P::hintPri, K::Var, int>);
+  t.handlers<double>(Attr::VarHintVal) = {nullptr, getHintVal, queueSet<&P::hintVal, K::Var>};
+  t.handlers<int>(Attr::VarHintPri) = {nullptr, getHintPri, queueSet<&P::hintPri, K::Var>};
   setting(Attr::Partition, dataVector<&D::partition>, queueSet<&P::partition, K::Var, int>);
   setting(Attr::PoolIgnore, dataVector<&D::poolIgnore>, queueSet<&P::poolIgnore, K::Var, int>);
   setting(Attr::IISLBForce, dataVector<&D::iisLBForce>, queueSet<&P::iisLBForce, K::Var, int>);

@@ -24,14 +24,18 @@ void checkBatchSize(const SparseBatch &batch, int pendingVectors, NzIndex pendin
 }
 
 void checkBatchArrays(const SparseBatch &batch) {
-  if (batch.numNz <= 0) return;
+  if (batch.numNz < 0) throw Error(TVK_ERROR_OUT_OF_MEMORY);
+  if (batch.numNz == 0) return;
   requireArgument(batch.beg && batch.ind && batch.val);
   for (int k = 0; k < batch.count; ++k) {
     if (batch.begin(k) < 0 || batch.begin(k) > batch.end(k) || batch.end(k) > batch.numNz) {
       throw Error(TVK_ERROR_INVALID_ARGUMENT, "Begin indices are not in ascending order");
     }
   }
-  checkFinite(batch.val, batch.numNz);
+}
+
+void checkBatchValues(const SparseBatch &batch) {
+  if (batch.numNz > 0) checkFinite(batch.val, batch.numNz);
 }
 
 // Indices within [0, limit) and unique in each vector. Returns the number of small entries.
@@ -147,11 +151,11 @@ void addVars(Model &model, const VarBatch &batch) {
   const SparseBatch &a = batch.a;
   const double tolerance = model.env().get(Dbl::TARV_PAR_ZERO);
   const char *const *names = model.env().get(Int::IgnoreNames) ? nullptr : batch.names;
-  if (a.numNz < 0) throw Error(TVK_ERROR_OUT_OF_MEMORY);
   checkBatchArrays(a);
   checkNoNan(batch.obj, a.count);
   checkNoNan(batch.lb, a.count);
   checkNoNan(batch.ub, a.count);
+  checkBatchValues(a);
   for (int k = 0; batch.vtype && k < a.count; ++k) checkedVarType(batch.vtype[k]);
   model.edit([&](PendingChanges &p) {
     PendingColumns &cols = p.cols;
@@ -179,8 +183,8 @@ void addConstrs(Model &model, const ConstrBatch &batch) {
   const SparseBatch &a = batch.a;
   const double tolerance = model.env().get(Dbl::TARV_PAR_ZERO);
   const char *const *names = model.env().get(Int::IgnoreNames) ? nullptr : batch.names;
-  if (a.numNz < 0) throw Error(TVK_ERROR_OUT_OF_MEMORY);
   checkBatchArrays(a);
+  checkBatchValues(a);
   checkNoNan(batch.lower, a.count);
   checkNoNan(batch.rhs, a.count);
   model.edit([&](PendingChanges &p) {

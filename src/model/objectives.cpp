@@ -125,9 +125,12 @@ void setObjectiveN(Model &model, int number, const ObjectiveSettings &settings,
 }
 
 void setPwlObjective(Model &model, int var, int count, const double *x, const double *y) {
-  if (count >= 1) requireArgument(x && y);
-  for (const double *values : {x, y})
-    if (values && count > 0) checkNoNan(values, count);
+  if (count >= 1) {
+    requireArgument(x && y);
+    checkNoNan(x, count);
+    checkNoNan(y, count);
+    checkFinite(x, count);
+  }
   model.edit([&](PendingChanges &p) {
     if (var < 0 || var >= p.currentVars()) throw Error(TVK_ERROR_INDEX_OUT_OF_RANGE);
     double total = std::max(count, 0);

@@ -208,7 +208,7 @@ void Update::commitColumns() noexcept {
     const double width = p_.rows.rhs[i] - p_.rows.lower[i];
     data_.obj.push_back(0);
     data_.lb.push_back(0);
-    data_.ub.push_back(width >= kInfBound ? kInf : width);
+    data_.ub.push_back(storedBound(width));
     data_.vtype.push_back('C');
   }
 }

@@ -69,6 +69,7 @@ void commitSetting(const Setting<T> &setting, PendingChanges &p, ModelData &data
   store.resize(elements.count, setting.unset);
   storeValues(p.*setting.queue, store);
   if (elements.removes()) removeEntries(store, elements.drop);
+  data.updateWork += static_cast<double>((p.*setting.queue).index.size());
 }
 
 void prepareTags(NameList &store, const TextQueue &queue, int count) {
@@ -266,11 +267,13 @@ void Update::commitBasis() noexcept {
   }
 }
 
-// After deletions the number of basic entries may differ from the number of rows: slacks fill
-// up a basis that is too small, variables leave one that is too large.
+// After deletions the number of basic entries may differ from the number of rows, which only a
+// quadratic objective allows: slacks fill up a basis that is too small, variables leave one that
+// is too large.
 void Update::balanceBasis() noexcept {
   Vec<int> &vbasis = solution_.vbasis, &cbasis = solution_.cbasis;
-  if ((!vars_.removes() && !constrs_.removes()) || data_.q.count() > 0) return;
+  const bool mayDiffer = vars_.removes() || constrs_.removes() || newQ_;
+  if (!mayDiffer || data_.q.count() > 0) return;
   const auto isBasic = [](int status) { return status >= TVK_BASIC; };
   auto numBasic = std::count_if(vbasis.begin(), vbasis.end(), isBasic) +
                   std::count_if(cbasis.begin(), cbasis.end(), isBasic);

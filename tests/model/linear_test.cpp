@@ -209,6 +209,14 @@ TEST_F(LinearTest, FailingCallsLeaveNothingBehind) {
   };
   EXPECT_EQ(add(kNan, 'C', nullptr), TVK_ERROR_INVALID_ARGUMENT);
   EXPECT_EQ(error(), "Element 0 of a double array is Nan.");
+  const int row = 0;
+  const double infinite = INFINITY;
+  EXPECT_EQ(TVKaddvar(model, 1, &row, &infinite, kNan, 0, 1, 'X', nullptr),
+            TVK_ERROR_INVALID_ARGUMENT);
+  EXPECT_EQ(error(), "Element 0 of a double array is Nan.");  // the first of three faults
+  EXPECT_EQ(TVKaddvar(model, 1, &row, &infinite, 0, 0, 1, 'X', nullptr),
+            TVK_ERROR_INVALID_ARGUMENT);
+  EXPECT_EQ(error(), "Element 0 of a double array is Nan or Inf.");
   EXPECT_EQ(add(0, 'X', nullptr), TVK_ERROR_INVALID_ARGUMENT);
   EXPECT_EQ(error(), "Invalid variable type 'X'");
   EXPECT_EQ(add(0, 'C', std::string(256, 'n').c_str()), TVK_ERROR_INVALID_ARGUMENT);

@@ -287,6 +287,9 @@ TEST_F(PartsTest, PiecewiseLinearObjectivesAreCheckedBeforeASolve) {
   EXPECT_EQ(ints("PWLObjCvx", 1), (Ints{1}));
   EXPECT_EQ(count("NumPWLObjVars"), 1);
   EXPECT_EQ(TVKsetpwlobj(model, 5, 0, nullptr, nullptr), TVK_ERROR_INDEX_OUT_OF_RANGE);
+  const double infinite[] = {0, INFINITY};
+  expectFailure(TVKsetpwlobj(model, 0, 2, infinite, infinite), TVK_ERROR_INVALID_ARGUMENT,
+                "Element 1 of a double array is Nan or Inf.");
   EXPECT_EQ(TVKsetpwlobj(model, 0, 1, nullptr, nullptr), TVK_ERROR_NULL_ARGUMENT);
   EXPECT_EQ(error(), "Setting piecewise objective");
   EXPECT_EQ(TVKsetpwlobj(model, 0, 0, nullptr, nullptr), 0);
