@@ -10,8 +10,9 @@
 
 class ModelTest : public ::testing::Test {
  protected:
+  virtual int makeEnv() { return TVKemptyenv(&env); }
   void SetUp() override {
-    ASSERT_EQ(TVKemptyenv(&env), 0);
+    ASSERT_EQ(makeEnv(), 0);
     ASSERT_EQ(TVKsetintparam(env, "LogToConsole", 0), 0);
     ASSERT_EQ(TVKstartenv(env), 0);
     ASSERT_EQ(TVKnewmodel(env, &model, "test", 0, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
