@@ -62,6 +62,10 @@ void computeKappaExact(Model &m) {
   S &s = m.solution();
   if (s.kappaExact == kUndefined && s.solver) s.kappaExact = s.solver->conditionExact(m);
 }
+void computeTwoNormKappa(Model &m) {
+  S &s = m.solution();
+  if (s.n2Kappa == kUndefined && s.solver) s.n2Kappa = s.solver->conditionTwoNorm(m);
+}
 
 template <auto Member>
 const int *iisVector(Model &m) {
@@ -151,6 +155,7 @@ void registerBasisAnalysis(AttrTable &t) {
     t.setCompute(range, computeRanges);
   t.setCompute(Attr::Kappa, computeKappa);
   t.setCompute(Attr::KappaExact, computeKappaExact);
+  t.setCompute(Attr::N2Kappa, computeTwoNormKappa);
 }
 
 }  // namespace

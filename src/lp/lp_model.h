@@ -54,6 +54,9 @@ struct LpSolution {
   // bounds (empty unless status is Infeasible and one was found), or the unbounded ray.
   Vec<double> farkas;
   Vec<double> ray;
+  // The variable (columns first, rows behind) whose row of the simplex tableau shows infeasibility
+  // or whose column shows unboundedness; -1 when there is none to name.
+  int provingVar = -1;
   double iterations = 0;
 };
 

@@ -23,6 +23,7 @@ class SolverState {
   virtual void computeRanges(Model &model) = 0;  // the sa... vectors
   virtual double conditionEstimate(Model &model) = 0;
   virtual double conditionExact(Model &model) = 0;
+  virtual double conditionTwoNorm(Model &model) = 0;
 };
 
 struct SolutionStore {
@@ -43,8 +44,8 @@ struct SolutionStore {
   Vec<double> vDualNorm, cDualNorm;
   Vec<double> farkasDual, unbdRay;
   double farkasProof = kUndefined;
-  int infeasVar = -1, unbdVar = -1;
-  double runtime = 0, work = 0;  // seconds, work units
+  int infeasVar = -1, unbdVar = -1;  // variables, then constraints
+  double runtime = 0, work = 0;      // seconds, work units
   double iterCount = 0, iterCount0 = 0;
   int barIterCount = 0;
   double nodeCount = 0, openNodeCount = 0, firstSolNode = kUndefined;

@@ -104,6 +104,7 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
   full.status = reduced.status;
   full.ray.clear();
   full.farkas.clear();
+  full.provingVar = presolve.originalVar(reduced.provingVar);
   if (status == PresolveStatus::Unchanged) {
     full.ray = std::move(reduced.ray);
     full.farkas = std::move(reduced.farkas);
@@ -179,6 +180,7 @@ LpSolution LpDriver::solveWithoutRows() const {
       solution.status = LpStatus::Unbounded;
       solution.ray.assign(lp_.numCols, 0);
       solution.ray[j] = cost < 0 ? 1 : -1;
+      solution.provingVar = j;
     }
   }
   return solution;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "base/error.h"
 #include "tarvik.h"
 
 namespace tarvik {
@@ -49,7 +50,12 @@ Bounds rowBounds(const ModelData &data, int row) {
           data.sense[row] == TVK_GREATER_EQUAL ? kInf : rhs};
 }
 
+void requireSolvableSize(NzIndex nonzeros) {
+  if (nonzeros > kMaxInt) throw Error(TVK_ERROR_EXCEED_2B_NONZEROS);
+}
+
 LpModel lpFromModel(const ModelData &data) {
+  requireSolvableSize(data.a.numNz());
   LpModel lp;
   lp.numRows = data.numConstrs();
   lp.numCols = data.numVars();

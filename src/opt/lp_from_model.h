@@ -31,6 +31,9 @@ struct Bounds {
 Bounds colBounds(const ModelData &data, int col);
 Bounds rowBounds(const ModelData &data, int row);
 
+// Matrices with two billion entries are beyond the 32-bit positions that kernels keep them by.
+void requireSolvableSize(NzIndex nonzeros);
+
 // Bounds that cross by no more than the tolerance of findBadBounds meet in their middle.
 LpModel lpFromModel(const ModelData &data);
 

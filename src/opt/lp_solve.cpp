@@ -106,6 +106,15 @@ double orientFarkas(const LpModel &lp, Vec<double> &y) {
   return std::max(amount, amountOfNegated);
 }
 
+// A verdict of presolve names no variable: then it is the row that weighs most in the proof.
+int provingVar(const LpModel &lp, const LpSolution &solution) {
+  if (solution.provingVar >= 0 || solution.farkas.empty()) return solution.provingVar;
+  int row = 0;
+  for (int i = 1; i < lp.numRows; ++i)
+    if (std::fabs(solution.farkas[i]) > std::fabs(solution.farkas[row])) row = i;
+  return lp.numCols + row;
+}
+
 class LinearSolve {
  public:
   LinearSolve(Model &model, SolveControl &control)
@@ -138,6 +147,8 @@ class LinearSolve {
       env_.log("Warning: constraint %s cannot hold, rhs = %g\n", model_.constrName(bad.index),
                data.rhs[bad.index]);
     summary_.status = bad.unbounded ? TVK_UNBOUNDED : TVK_INFEASIBLE;
+    const bool isCol = bad.kind == BadBounds::Kind::Column;
+    storeProvingVar(isCol ? bad.index : data.numVars() + bad.index);
     return true;
   }
 
@@ -182,8 +193,14 @@ class LinearSolve {
     store_.cDualNorm.assign(weights.begin() + kept.lp().numCols, weights.end());
   }
 
+  void storeProvingVar(int var) {
+    if (summary_.status == TVK_INFEASIBLE) store_.infeasVar = var;
+    if (summary_.status == TVK_UNBOUNDED) store_.unbdVar = var;
+  }
+
   void takeResults(const LpModel &lp, LpOutcome &&outcome, bool wantCertificates) {
     LpSolution &solution = outcome.solution;
+    storeProvingVar(provingVar(lp, solution));
     if (summary_.status == TVK_INFEASIBLE && wantCertificates && !solution.farkas.empty())
       store_.farkasProof = orientFarkas(lp, solution.farkas);
     if (!wantCertificates) {

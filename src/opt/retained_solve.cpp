@@ -50,6 +50,7 @@ bool RetainedSolve::sameColumns(const ModelData &data) const {
 }
 
 void RetainedSolve::followRows(const ModelData &data) {
+  requireSolvableSize(data.a.numNz());
   const int oldRows = lp_.numRows, added = data.numConstrs() - oldRows;
   SparseMatrix rows;
   rows.numMajor = added;
@@ -141,7 +142,7 @@ bool analyse(Model &model, Analysis &&analysis) {
   control.limits.start();
   bool changed = false;
   Simplex &simplex = kept->factoredBasis(model, control, changed);
-  if (changed) model.env().log("Warning: basis changed during sensitivity analysis.\n");
+  if (changed) model.env().log("Warning: basis changed during sensitity analysis.\n");
   analysis(simplex, control);
   return true;
 }
@@ -181,6 +182,14 @@ double RetainedSolve::conditionEstimate(Model &model) {
   double kappa = kUndefined;
   analyse(model, [&](Simplex &simplex, SolveControl &control) {
     kappa = tarvik::conditionEstimate(simplex, control.work);
+  });
+  return kappa;
+}
+
+double RetainedSolve::conditionTwoNorm(Model &model) {
+  double kappa = kUndefined;
+  analyse(model, [&](Simplex &simplex, SolveControl &control) {
+    kappa = tarvik::conditionTwoNorm(simplex, control.work);
   });
   return kappa;
 }

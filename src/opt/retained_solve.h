@@ -31,6 +31,7 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
   void computeRanges(Model &model) override;
   double conditionEstimate(Model &model) override;
   double conditionExact(Model &model) override;
+  double conditionTwoNorm(Model &model) override;
 
  private:
   bool sameColumns(const ModelData &data) const;

@@ -35,6 +35,12 @@ bool Presolve::crushBasis(const Basis &full, Basis &reducedBasis) const {
 
 const Vec<int> &Presolve::originalCol() const { return run_->cols; }
 const Vec<int> &Presolve::originalRow() const { return run_->rows; }
+int Presolve::originalVar(int reducedVar) const {
+  const int numCols = static_cast<int>(run_->cols.size());
+  if (reducedVar < 0) return -1;
+  return reducedVar < numCols ? run_->cols[reducedVar]
+                              : run_->numFullCols() + run_->rows[reducedVar - numCols];
+}
 const PresolveStats &Presolve::stats() const { return run_->ws.stats; }
 
 }  // namespace tarvik

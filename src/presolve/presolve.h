@@ -102,6 +102,8 @@ class Presolve {
   // Column and row of the full model for each one of the reduced model.
   const Vec<int> &originalCol() const;
   const Vec<int> &originalRow() const;
+  // The same for a variable counted with the rows behind the columns; -1 stays.
+  int originalVar(int reducedVar) const;
 
   const PresolveStats &stats() const;
 

@@ -16,6 +16,9 @@ namespace {
 
 constexpr int kMaxSteps = 5;
 constexpr int kInverseIterations = 4;
+// Power iterations end when a norm has settled.
+constexpr int kPowerIterations = 100;
+constexpr double kSettled = 1e-5;
 // |B u| below this multiple of |B| |u| makes u a null vector.
 constexpr double kNullTol = 1e-9;
 
@@ -46,6 +49,47 @@ double basisNorm(Engine<double> &e) {
     double sum = 0;
     forBasisColumn(e, p, [&](int, double a) { sum += std::fabs(a); });
     norm = std::max(norm, sum);
+  }
+  return norm;
+}
+
+double length(const Vec<double> &x) {
+  double largestSize = std::fabs(x[largest(x)]), sum = 0;
+  if (!(largestSize > 0) || !std::isfinite(largestSize)) return largestSize;
+  for (const double value : x) sum += (value / largestSize) * (value / largestSize);
+  return largestSize * std::sqrt(sum);
+}
+
+void multiply(Engine<double> &e, Vec<double> &x) {
+  Vec<double> product(e.lp.m, 0.0);
+  for (int p = 0; p < e.lp.m; ++p)
+    forBasisColumn(e, p, [&](int i, double a) { product[i] += a * x[p]; });
+  x.swap(product);
+}
+
+void multiplyTransposed(Engine<double> &e, Vec<double> &x) {
+  Vec<double> product(e.lp.m, 0.0);
+  for (int p = 0; p < e.lp.m; ++p)
+    forBasisColumn(e, p, [&](int i, double a) { product[p] += a * x[i]; });
+  x.swap(product);
+}
+
+// The largest singular value of a matrix given by its products.
+template <class Apply, class ApplyTransposed>
+double twoNorm(int m, Apply &&apply, ApplyTransposed &&applyTransposed) {
+  Random random(1);
+  Vec<double> x(m);
+  for (double &value : x) value = random.uniform() - 0.5;
+  double norm = 0;
+  for (int step = 0; step < kPowerIterations; ++step) {
+    const double size = length(x);
+    if (!(size > 0) || !std::isfinite(size)) break;
+    for (double &value : x) value /= size;
+    apply(x);
+    const double before = norm;
+    norm = std::max(norm, length(x));
+    if (norm - before <= kSettled * norm) break;
+    applyTransposed(x);
   }
   return norm;
 }
@@ -103,6 +147,18 @@ double conditionExact(Simplex &simplex, WorkMeter &work) {
     norm = std::max(norm, sum);
   }
   return basisNorm(e) * norm;
+}
+
+double conditionTwoNorm(Simplex &simplex, WorkMeter &work) {
+  Engine<double> &e = simplex.core();
+  if (e.lp.m == 0) return 1;
+  const double norm = twoNorm(
+      e.lp.m, [&](Vec<double> &x) { multiply(e, x); },
+      [&](Vec<double> &x) { multiplyTransposed(e, x); });
+  const double inverseNorm = twoNorm(
+      e.lp.m, [&](Vec<double> &x) { simplex.ftran(x, work); },
+      [&](Vec<double> &x) { simplex.btran(x, work); });
+  return norm * inverseNorm;
 }
 
 Vec<double> nullVector(Simplex &simplex, bool transposed, WorkMeter &work) {

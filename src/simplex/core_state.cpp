@@ -167,6 +167,7 @@ void SimplexCore<Real>::getSolution(LpStatus status, LpSolution &solution) const
     for (int j = 0; j < n; ++j)
       solution.ray[j] = static_cast<double>(engine.rayDirection[j] * lp.colScale[j]);
   }
+  solution.provingVar = engine.provingVar;
   solution.iterations = engine.iterations;
 }
 

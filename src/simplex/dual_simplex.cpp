@@ -239,7 +239,10 @@ PhaseResult DualSimplex<Real>::verdict(RebuildReason reason, bool phaseOne) {
       return PhaseResult::Trouble;
     case RebuildReason::PossiblyInfeasible:
       if (phaseOne) return PhaseResult::NeedsPrimal;
-      if (e_.proveInfeasible(e_.rho)) return PhaseResult::Infeasible;
+      if (e_.proveInfeasible(e_.rho)) {
+        e_.provingVar = e_.head[troubleRow_];
+        return PhaseResult::Infeasible;
+      }
       block(troubleRow_);
       retry_ = true;
       return PhaseResult::Trouble;

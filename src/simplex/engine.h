@@ -73,6 +73,7 @@ struct EngineState {
   double iterations = 0;
   double iterationCap = 1e100;  // an algorithm stops here too, with StopReason::IterationLimit
   StopReason stop = StopReason::None;
+  VarIndex provingVar = -1;  // of a verdict other than optimal; see LpSolution
   SimplexProgress progress;
   double logSign = 1;
   double lastLogIteration = -1, nextLogSeconds = 0;

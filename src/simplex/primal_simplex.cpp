@@ -56,6 +56,7 @@ PhaseResult PrimalSimplex<Real>::verdict(RebuildReason reason) {
     if (phaseOne_) return PhaseResult::Trouble;
     e_.rayDirection.assign(e_.lp.total(), Real(0));
     e_.rayDirection[rayVar_] = rayDirection_;
+    e_.provingVar = rayVar_;
     for (int i = 0; i < e_.lp.m; ++i)
       e_.rayDirection[e_.head[i]] = -rayDirection_ * e_.column.value[i];
     return PhaseResult::Unbounded;
@@ -69,7 +70,9 @@ PhaseResult PrimalSimplex<Real>::verdict(RebuildReason reason) {
   const bool proven = e_.proveInfeasible(y);
   y.count = -1;
   y.clear();
-  return proven ? PhaseResult::Infeasible : PhaseResult::Trouble;
+  if (!proven) return PhaseResult::Trouble;
+  e_.provingVar = mostInfeasible();
+  return PhaseResult::Infeasible;
 }
 
 // Leaves the engine with true costs and bounds; an optimum that needs the dual says so.
@@ -148,6 +151,17 @@ int PrimalSimplex<Real>::phaseOneCost(BasisPos i) const {
   if (e_.xB[i] < e_.lB[i] - e_.primalTol) return -1;
   if (e_.xB[i] > e_.uB[i] + e_.primalTol) return 1;
   return 0;
+}
+
+template <class Real>
+VarIndex PrimalSimplex<Real>::mostInfeasible() const {
+  BasisPos worst = 0;
+  const auto violation = [&](BasisPos i) {
+    return std::max(e_.lB[i] - e_.xB[i], e_.xB[i] - e_.uB[i]);
+  };
+  for (int i = 1; i < e_.lp.m; ++i)
+    if (violation(i) > violation(worst)) worst = i;
+  return e_.head[worst];
 }
 
 template <class Real>

@@ -41,6 +41,7 @@ class PrimalSimplex {
 
   void perturbBounds();
   int phaseOneCost(BasisPos i) const;
+  VarIndex mostInfeasible() const;
   void setDualMerit(VarIndex j);
   void fillQueue();
   void choosePricing();

@@ -33,6 +33,7 @@ bool SimplexCore<Real>::start(SolveControl &control) {
   engine.stability.startSolve(engine.options, engine.lp.m);
   engine.certificateRow.clear();
   engine.rayDirection.clear();
+  engine.provingVar = -1;
   tightenings_ = recoveries_ = 0;
   return !boundsCross();
 }
@@ -43,8 +44,11 @@ bool SimplexCore<Real>::boundsCross() {
   ScaledLp<Real> &lp = engine.lp;
   const auto crosses = [&](VarIndex j) {
     const Real tol = engine.options.primalTol / lp.varScale(j);
-    return !(lp.lower[j] - lp.upper[j] <= tol && lp.lower[j] < kRealInf<Real> &&
-             lp.upper[j] > -kRealInf<Real>);
+    if (lp.lower[j] - lp.upper[j] <= tol && lp.lower[j] < kRealInf<Real> &&
+        lp.upper[j] > -kRealInf<Real>)
+      return false;
+    engine.provingVar = j;
+    return true;
   };
   // Bounds that cross within the tolerance meet in their middle.
   const auto join = [&](VarIndex j) {
@@ -174,6 +178,7 @@ PhaseResult SimplexCore<Real>::polish() {
     unscaledViolations(primal, dual);
     if (primal > engine.options.primalTol) return result;
     engine.certificateRow.clear();
+    engine.provingVar = -1;
   }
   if (engine.stop == StopReason::IterationLimit) engine.stop = StopReason::None;
   engine.stability.clearExtendRequest();

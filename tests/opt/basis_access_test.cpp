@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <numeric>
 #include <random>
 
 #include "opt/tiny_model.h"
@@ -154,6 +155,24 @@ double norm1(const Matrix &a) {
   return norm;
 }
 
+double norm2(const Matrix &a) {
+  const std::size_t m = a.size();
+  std::vector<double> x(m);
+  for (std::size_t i = 0; i < m; ++i) x[i] = 1 + 0.1 * static_cast<double>(i * i);
+  double norm = 0;
+  for (int step = 0; step < 2000; ++step) {
+    std::vector<double> ax(m, 0.0), next(m, 0.0);
+    for (std::size_t i = 0; i < m; ++i)
+      for (std::size_t j = 0; j < m; ++j) ax[i] += a[i][j] * x[j];
+    for (std::size_t j = 0; j < m; ++j)
+      for (std::size_t i = 0; i < m; ++i) next[j] += a[i][j] * ax[i];
+    const double size = std::sqrt(std::inner_product(next.begin(), next.end(), next.begin(), 0.0));
+    norm = std::sqrt(size / std::sqrt(std::inner_product(x.begin(), x.end(), x.begin(), 0.0)));
+    for (std::size_t j = 0; j < m; ++j) x[j] = next[j] / size;
+  }
+  return norm;
+}
+
 // Calls check(spec, model, basis) for many solved models.
 void forOptima(const std::function<void(const Spec &, TinyModel &, const DenseBasis &)> &check) {
   std::mt19937 random(7);
@@ -220,6 +239,9 @@ TEST(BasisAccess, ConditionNumbersAgreeWithTheDenseInverse) {
     EXPECT_NEAR(model.dblAttr("KappaExact"), exact, kTol * exact);
     EXPECT_LE(model.dblAttr("Kappa"), exact * (1 + kTol));
     EXPECT_GE(model.dblAttr("Kappa"), exact / 3);
+    const double spectral = norm2(basis.matrix) * norm2(basis.inv);
+    EXPECT_LE(model.dblAttr("N2Kappa"), spectral * (1 + kTol));
+    EXPECT_GE(model.dblAttr("N2Kappa"), spectral * 0.7);
   });
 }
 
@@ -342,21 +364,46 @@ TEST(BasisAccess, ARegularBasisHasNoSingularVectors) {
   TVKfree(u);
 }
 
-// Two rows that are the same but for 1e-13 make every basis with both structurals singular for
-// all practical purposes.
+// Ones on the diagonal and minus ones above it: every pivot is 1, and yet the columns combine to
+// a vector of length 2^-39 relative to their multipliers (Wilkinson 1961).
 TEST(BasisAccess, NearDependencyIsExposed) {
+  constexpr int kSize = 41;
   LoggedEnv env;
-  TinyModel model(env, {{1, 1}, {{{1, 1}, '=', 2}, {{1, 1 + 1e-11}, '=', 2}}, {}, {}, 1, 0});
-  model.set("Presolve", 0);
+  Spec spec;
+  spec.obj.assign(kSize, 0.0);
+  spec.lb.assign(kSize, -TVK_INFINITY);
+  spec.ub.assign(kSize, TVK_INFINITY);
+  for (int i = 0; i < kSize; ++i) {
+    std::vector<double> coef(kSize, 0.0);
+    coef[i] = 1;
+    for (int j = i + 1; j < kSize; ++j) coef[j] = -1;
+    spec.rows.push_back({coef, '=', 1.0 - (kSize - 1 - i)});
+  }
+  TinyModel model(env, spec);
+  std::vector<int> basic(kSize, TVK_BASIC), nonbasic(kSize, TVK_NONBASIC_LOWER);
+  ASSERT_EQ(TVKsetintattrarray(model.get(), "VBasis", 0, kSize, basic.data()), 0);
+  ASSERT_EQ(TVKsetintattrarray(model.get(), "CBasis", 0, kSize, nonbasic.data()), 0);
   ASSERT_EQ(model.solve(), TVK_OPTIMAL);
-  int head[2];
-  ASSERT_EQ(TVKgetBasisHead(model.get(), head), 0);
-  if (head[0] >= 2 || head[1] >= 2) return;
-  TVKsvec *u = nullptr;
-  ASSERT_EQ(TVKsingularvectors(model.get(), &u, nullptr), 0);
-  ASSERT_EQ(u->len, 2);
-  EXPECT_NEAR(u->val[0] + u->val[1], 0, 1e-9);
+  EXPECT_EQ(model.intArray("VBasis", kSize), basic);
+  const DenseBasis basis(spec, model);
+  TVKsvec *u = nullptr, *v = nullptr;
+  ASSERT_EQ(TVKsingularvectors(model.get(), &u, &v), 0);
+  for (const bool transposed : {false, true}) {
+    const TVKsvec *vector = transposed ? v : u;
+    ASSERT_EQ(vector->len, kSize) << transposed;
+    double largest = 0;
+    std::vector<double> image(kSize, 0.0);
+    for (int k = 0; k < vector->len; ++k) {
+      largest = std::max(largest, std::fabs(vector->val[k]));
+      for (int i = 0; i < kSize; ++i)
+        image[i] += vector->val[k] * (transposed ? basis.matrix[vector->ind[k]][i]
+                                                 : basis.matrix[i][vector->ind[k]]);
+    }
+    EXPECT_NEAR(largest, 1, 1e-12);
+    for (const double value : image) EXPECT_NEAR(value, 0, 1e-9) << transposed;
+  }
   TVKfree(u);
+  TVKfree(v);
 }
 
 }  // namespace

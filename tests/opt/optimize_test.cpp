@@ -71,6 +71,10 @@ TEST_P(EveryRoad, InfeasibleModelHasAFarkasProofOnRequest) {
   EXPECT_FALSE(model->has("X"));
   EXPECT_FALSE(model->has("ObjVal"));
   EXPECT_FALSE(model->has("FarkasDual"));
+  // One of the variables of the row, or its slack.
+  EXPECT_GE(model->intAttr("InfeasVar"), 0);
+  EXPECT_LE(model->intAttr("InfeasVar"), 2);
+  EXPECT_EQ(model->intAttr("UnbdVar"), -1);
 
   // The multiplier turns the row into l(x + y) <= 5l, which misses the least value 4l by -l.
   auto proven = make(spec);
@@ -88,6 +92,8 @@ TEST_P(EveryRoad, UnboundedModelHasARayOnRequest) {
   ASSERT_EQ(model->solve(), TVK_UNBOUNDED);
   EXPECT_TRUE(env.logged("\nUnbounded model\n")) << env.log();
   EXPECT_FALSE(model->has("ObjVal"));
+  EXPECT_EQ(model->intAttr("UnbdVar"), 1);
+  EXPECT_EQ(model->intAttr("InfeasVar"), -1);
   const auto ray = model->dblArray("UnbdRay", 2);
   EXPECT_GT(ray[0] + ray[1], 0);
   EXPECT_LE(ray[0] - ray[1], 1e-9);

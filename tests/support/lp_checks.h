@@ -34,6 +34,14 @@ inline ::testing::AssertionResult isOptimal(const LpModel &lp, const LpSolution 
   return ::testing::AssertionSuccess();
 }
 
+// On the edge of feasibility tolerances decide: an optimum of a model that is infeasible, strictly
+// speaking, is right when its point and its duals hold within tol.
+inline bool edgeOfFeasibility(const LpModel &lp, const LpSolution &found,
+                              const LpSolution &expected, double tol) {
+  return found.status == LpStatus::Optimal && expected.status == LpStatus::Infeasible &&
+         isOptimal(lp, found, tol);
+}
+
 // True when the basis matrix is regular (elimination with row pivoting).
 inline bool isRegular(std::vector<std::vector<double>> mat, double pivotTol = 1e-9) {
   const int m = static_cast<int>(mat.size());
