@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/compensated_sum.h"
+#include "presolve/dual_form.h"
 #include "presolve/presolve_log.h"
 
 namespace tarvik {
@@ -117,8 +118,34 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
 LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmStart) {
   Basis crushed;
   const bool warm = warmStart && presolve.crushBasis(*warmStart, crushed);
+  if (!warm && options_.presolve.preDual > 0) {
+    LpSolution solution;
+    if (solveDualForm(presolve.reduced(), solution)) return solution;
+  }
   return solveApart(presolve.reduced(), options_.simplex, options_.method,
                     warm ? &crushed : nullptr);
+}
+
+bool LpDriver::solveDualForm(const LpModel &lp, LpSolution &solution) {
+  const DualForm form(lp);
+  if (form.lp().numRows == 0 || form.lp().numCols == 0) return false;
+  SimplexOptions options = options_.simplex;
+  options.logSign = -options.logSign;
+  options.cutoff = 1e100;
+  std::swap(options.primalTol, options.dualTol);
+  const LpSolution dual = solveApart(form.lp(), options, options_.method, nullptr);
+  if (isStop(dual.status)) {
+    solution.status = dual.status;
+    return true;
+  }
+  if (dual.status != LpStatus::Optimal) return false;
+  const double before = iterations_;
+  const Basis basis = form.primalBasis(dual.basis);
+  solution = solveApart(lp, options_.simplex, SimplexMethod::Primal, &basis);
+  if (iterations_ > before)
+    control_.log->print("Extra simplex iterations from dual to original model: %.0f\n",
+                        iterations_ - before);
+  return true;
 }
 
 LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,

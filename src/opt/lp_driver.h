@@ -52,6 +52,8 @@ class LpDriver {
  private:
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);
+  // By way of the dual form, when that has an optimum; false leaves nothing but a starting basis.
+  bool solveDualForm(const LpModel &lp, LpSolution &solution);
   // The full model in the warm engine, from a basis or from scratch.
   LpSolution solveFull(SimplexMethod method, const Basis *start,
                        const Vec<double> *superbasicValues, const Vec<double> *edgeWeights);

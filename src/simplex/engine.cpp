@@ -457,6 +457,7 @@ void Engine<Real>::refineRow(Vec<Real> &y) {
   SparseVec<Real> &residual = work2;
   for (int step = 0; step < 2; ++step) {
     residual.clear();
+    Real largest = 0;
     for (int i = 0; i < lp.m; ++i) {
       const VarIndex j = head[i];
       long double t = 0;
@@ -464,11 +465,16 @@ void Engine<Real>::refineRow(Vec<Real> &y) {
         t += static_cast<long double>(a) * static_cast<long double>(y[r]);
       });
       // The one basic variable that the row belongs to keeps its entry.
-      if (t != 0 && std::fabs(static_cast<double>(t)) < 1e-6) residual.value[i] = Real(-t);
+      if (t == 0 || std::fabs(static_cast<double>(t)) >= 1e-6) continue;
+      residual.value[i] = Real(-t);
+      largest = std::max(largest, fabs(residual.value[i]));
     }
+    if (largest == Real(0)) return;
+    // Solves drop tiny values, which is all that a residual is made of.
+    for (int i = 0; i < lp.m; ++i) residual.value[i] /= largest;
     residual.rebuild(Real(0));
     factor.btran(residual, 1.0, control->work);
-    for (int i = 0; i < lp.m; ++i) y[i] += residual.value[i];
+    for (int i = 0; i < lp.m; ++i) y[i] += largest * residual.value[i];
     residual.count = -1;
     residual.clear();
   }

@@ -23,6 +23,7 @@ struct Road {
   int presolve;
   bool certificates;
   int scaleFlag;
+  int preDual = 0;
 };
 constexpr Road kRoads[] = {
     {"dual", SimplexMethod::Dual, 0, true, -1},
@@ -31,6 +32,8 @@ constexpr Road kRoads[] = {
     {"presolve and dual", SimplexMethod::Dual, -1, false, -1},
     {"presolve and primal", SimplexMethod::Primal, 2, false, -1},
     {"presolve with certificates", SimplexMethod::Dual, -1, true, -1},
+    {"dual form", SimplexMethod::Dual, 1, false, -1, 1},
+    {"dual form with certificates", SimplexMethod::Primal, -1, true, -1, 1},
 };
 
 LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullptr,
@@ -38,6 +41,7 @@ LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullpt
   LpDriverOptions options;
   options.method = road.method;
   options.presolve.level = road.presolve;
+  options.presolve.preDual = road.preDual;
   options.presolveWarmStart = presolveWarmStart;
   options.wantCertificates = road.certificates;
   options.simplex.scaleFlag = road.scaleFlag;
