@@ -204,17 +204,20 @@ double farkasViolation(const LpModel &lp, const Vec<double> &farkas, double drop
     if (!std::isfinite(y)) return 0;
     largest = std::max(largest, std::fabs(y));
   }
-  // As it is first: with badly scaled rows small multipliers may matter. Then without noise.
+  // As it is first: with badly scaled rows small multipliers may matter. Then without ever more
+  // noise, and never with a multiplier whose bound does not exist: any y is a proof that passes.
   double best = 0;
-  for (const double tol : {0.0, dropTol}) {
-    Vec<double> ray(farkas);
-    for (double &y : ray)
-      if (std::fabs(y) < tol * largest) y = 0;
-    best = std::max(best, dualRayGap(lp, ray));
-    if (best > 0) return best;
-    for (double &y : ray) y = -y;
-    best = std::max(best, dualRayGap(lp, ray));
-    if (best > 0) return best;
+  for (const double tol : {0.0, 1e-15, 1e-12, dropTol}) {
+    for (const double sign : {1.0, -1.0}) {
+      Vec<double> ray(farkas);
+      for (int i = 0; i < lp.numRows; ++i) {
+        double &y = ray[i];
+        y *= sign;
+        if (std::fabs(y) < tol * largest || isInf(y > 0 ? lp.rowLower[i] : lp.rowUpper[i])) y = 0;
+      }
+      best = std::max(best, dualRayGap(lp, ray));
+      if (best > 0) return best;
+    }
   }
   return best;
 }

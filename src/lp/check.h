@@ -24,10 +24,10 @@ SolutionQuality checkSolution(const LpModel &lp, const LpSolution &solution, dou
 // A Farkas certificate y proves infeasibility when the smallest value that y'(Ax) can take over
 // the column bounds exceeds the largest that the row bounds allow, or the other way round (y is
 // accepted with either sign: as a dual ray, whose signs are those of rowDual, or negated).
-// Multipliers below dropTol times the largest are zeroed first; a combined coefficient against
-// an infinite column bound spoils the proof unless it is mere cancellation noise. Returns the
-// proven violation (positive: a proof), relative to the size of the terms in the sum; not
-// positive: no proof.
+// Multipliers that need an infinite row bound count as zero, and so do, if it takes that, those
+// below dropTol times the largest; a combined coefficient against an infinite column bound spoils
+// the proof unless it is mere cancellation noise. Returns the proven violation (positive: a proof),
+// relative to the size of the terms in the sum; not positive: no proof.
 double farkasViolation(const LpModel &lp, const Vec<double> &farkas, double dropTol = 1e-9);
 
 // A ray r proves unboundedness (given feasibility) when A r and r respect the finite bounds'

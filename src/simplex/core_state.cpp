@@ -78,16 +78,22 @@ void SimplexCore<Real>::setEdgeWeights(const Vec<double> &weights) {
   engine.rowWeightsValid = true;
 }
 
+// True bounds and costs on a factored basis; false when that took repairs or failed.
 template <class Real>
-bool SimplexCore<Real>::refresh(SolveControl &control) {
+bool SimplexCore<Real>::prepareBasis(SolveControl &control) {
   engine.control = &control;
   engine.forgetValues();
   engine.stability.startSolve(engine.options, engine.lp.m);
   engine.repaired = false;
   engine.resetWorkingBounds();
   engine.resetWorkingCosts();
-  if (!engine.factored && !engine.refactor()) return false;
-  const bool unchanged = !engine.repaired;
+  return (engine.factored || engine.refactor()) && !engine.repaired;
+}
+
+template <class Real>
+bool SimplexCore<Real>::refresh(SolveControl &control) {
+  const bool unchanged = prepareBasis(control);
+  if (!engine.factored) return false;
   engine.loadBasicBounds();
   engine.computePrimal();
   engine.computeDual();
@@ -96,13 +102,17 @@ bool SimplexCore<Real>::refresh(SolveControl &control) {
 
 template <class Real>
 bool SimplexCore<Real>::prefersPrimal(SolveControl &control) {
-  if (!refresh(control)) return false;
+  if (!prepareBasis(control)) return false;
   engine.primalTol = engine.options.primalTol;
   engine.dualTol = engine.options.dualTol;
   int primal = 0, dual = 0;
-  engine.primalInfeasibilitySum(&primal);
+  engine.computeDual();
   engine.dualInfeasibilitySum(&dual);
-  return primal == 0 && dual > 0;
+  if (dual == 0) return false;
+  engine.loadBasicBounds();
+  engine.computePrimal();
+  engine.primalInfeasibilitySum(&primal);
+  return primal == 0;
 }
 
 template <class Real>

@@ -78,6 +78,17 @@ void PrimalSimplex<Real>::setDualMerit(VarIndex j) {
       j, violation > e_.dualTol ? static_cast<double>(violation * violation) / weight_[j] : 0.0);
 }
 
+// The same for a structural of a priced row, which is neither basic nor fixed: most of what an
+// iteration of a wide model does.
+template <class Real>
+void PrimalSimplex<Real>::setPricedMerit(ColIndex j) {
+  const Real d = e_.dual[j];
+  const int move = e_.move[j];
+  const Real violation = move > 0 ? -d : move < 0 ? d : fabs(d);
+  queue_.set(
+      j, violation > e_.dualTol ? static_cast<double>(violation * violation) / weight_[j] : 0.0);
+}
+
 template <class Real>
 void PrimalSimplex<Real>::fillQueue() {
   for (int j = 0; j < e_.lp.total(); ++j) setDualMerit(j);
@@ -158,7 +169,7 @@ void PrimalSimplex<Real>::updateWeights(VarIndex q, BasisPos p, Real alpha, VarI
 
 template <class Real>
 void PrimalSimplex<Real>::refreshMerits() {
-  e_.pivotRow.forEach([&](int j, Real) { setDualMerit(j); });
+  e_.pivotRow.forEach([&](int j, Real) { setPricedMerit(j); });
   for (int k = 0; k < e_.rho.count; ++k) setDualMerit(e_.lp.n + e_.rho.index[k]);
   e_.chargeWork(5.0 * (e_.pivotRow.passLength() + e_.rho.count));
 }
@@ -186,12 +197,17 @@ void PrimalSimplex<Real>::updateSteepest(VarIndex q, BasisPos p, Real alpha, Var
     const double r = static_cast<double>(entry / alpha);
     const double updated = weight_[j] + r * (r * exact - 2 * static_cast<double>(sigma));
     weight_[j] = std::max(updated, 1 + r * r);
-    setDualMerit(j);
   };
-  e_.pivotRow.forEach([&](int j, Real entry) { update(j, entry, costRow_.value[j]); });
+  e_.pivotRow.forEach([&](int j, Real entry) {
+    update(j, entry, costRow_.value[j]);
+    setPricedMerit(j);
+  });
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];
-    if (e_.canEnter(e_.lp.n + i)) update(e_.lp.n + i, e_.rho.value[i], multipliers.value[i]);
+    const VarIndex j = e_.lp.n + i;
+    if (!e_.canEnter(j)) continue;
+    update(j, e_.rho.value[i], multipliers.value[i]);
+    setDualMerit(j);
   }
   weight_[out] = std::max(exact / static_cast<double>(alpha * alpha), 1.0);
   weight_[q] = 1.0;
@@ -219,13 +235,17 @@ void PrimalSimplex<Real>::updateDevex(VarIndex q, BasisPos p, Real alpha, VarInd
   const auto raise = [&](VarIndex j, Real entry) {
     const double a = static_cast<double>(entry);
     weight_[j] = std::max(weight_[j], a * a * pivotWeight + inReference_[j]);
-    setDualMerit(j);
   };
-  e_.pivotRow.forEach([&](int j, Real entry) { raise(j, entry); });
+  e_.pivotRow.forEach([&](int j, Real entry) {
+    raise(j, entry);
+    setPricedMerit(j);
+  });
   for (int k = 0; k < e_.rho.count; ++k) {
     const int i = e_.rho.index[k];
     const VarIndex j = e_.lp.n + i;
-    if (e_.canEnter(j)) raise(j, e_.rho.value[i]);
+    if (!e_.canEnter(j)) continue;
+    raise(j, e_.rho.value[i]);
+    setDualMerit(j);
   }
   weight_[out] = std::max(1.0, pivotWeight);
   weight_[q] = 1.0;

@@ -313,7 +313,7 @@ void PrimalSimplex<Real>::updatePhaseOneCosts(BasisPos leavingRow) {
   priceStructurals(costChange_, costRow_, e_.rowDensity);
   costRow_.forEach([&](int j, Real entry) {
     e_.dual[j] -= entry;
-    setDualMerit(j);
+    setPricedMerit(j);
   });
   for (int k = 0; k < costChange_.count; ++k) {
     const VarIndex j = e_.lp.n + costChange_.index[k];

@@ -43,6 +43,7 @@ class PrimalSimplex {
   int phaseOneCost(BasisPos i) const;
   VarIndex mostInfeasible() const;
   void setDualMerit(VarIndex j);
+  void setPricedMerit(ColIndex j);
   void fillQueue();
   void choosePricing();
   void resetWeights();

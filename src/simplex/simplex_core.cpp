@@ -196,7 +196,9 @@ PhaseResult SimplexCore<Real>::polish() {
 template <class Real>
 bool SimplexCore<Real>::endsWell() {
   Log *log = engine.warnings();
-  if (log || engine.options.statistics > 0) {
+  // A few steps from a basis that has been judged, or from slacks, leave nothing to judge.
+  const bool moved = engine.iterations >= kFewIterations || engine.lp.m <= kFewIterations;
+  if ((log && moved) || engine.options.statistics > 0) {
     const double kappa = engine.conditionEstimate();
     engine.stability.statistics.kappa.add(kappa);
     if (log && kappa > kBigKappa)

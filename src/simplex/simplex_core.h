@@ -55,6 +55,7 @@ class SimplexCore {
  private:
   enum class Recovery { GoOn, Extend, GiveUp };
 
+  bool prepareBasis(SolveControl &control);
   PhaseResult runMethod(SimplexMethod method, bool perturb);
   bool boundsCross();
   bool tightenIfViolated();

@@ -73,6 +73,18 @@ TEST(Farkas, AcceptsProofsOfEitherSignAndNothingElse) {
   EXPECT_GT(farkasViolation(lp, {1, 1e-12}), 0.1) << "dust is dropped";
 }
 
+TEST(Farkas, FindsTheProofBetweenSmallMultipliersAndNoise) {
+  // 1e-10 f + a >= 2 and f + b <= 0 with a, b in [0, 1] and f free: (1, -1e-10) is a proof. The
+  // third row has another free column, the fourth no lower bound.
+  const LpModel lp = denseLp({0, 0, 0, 0}, {{-kInf, kInf}, {0, 1}, {0, 1}, {-kInf, kInf}},
+                             {{1e-10, 1, 0, 0}, {1, 0, 1, 0}, {0, 0, 0, 1}, {0, 1, 0, 0}},
+                             {{2, kInf}, {-kInf, 0}, {0, kInf}, {-kInf, 5}});
+  EXPECT_GT(farkasViolation(lp, {1, -1e-10, 0, 0}), 0.1);
+  EXPECT_GT(farkasViolation(lp, {1, -1e-10, 1e-14, 0}), 0.1) << "noise on a free column";
+  EXPECT_GT(farkasViolation(lp, {1, -1e-10, 0, 1e-8}), 0.1) << "noise on an infinite row bound";
+  EXPECT_LE(farkasViolation(lp, {1, 0, 0, 0}), 0);
+}
+
 TEST(Farkas, InfiniteBoundsForgiveOnlyRoundingNoise) {
   // Two rows over a free column that cancel only up to the given error.
   const auto violation = [](double error) {
