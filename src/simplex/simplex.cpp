@@ -1,5 +1,7 @@
 #include "simplex/simplex.h"
 
+#include <utility>
+
 #include "simplex/simplex_core.h"
 
 namespace tarvik {
@@ -187,7 +189,14 @@ void Simplex::getPoint(Vec<double> &x, Vec<double> &reducedCost, double &objecti
   engine_->visit([&](auto &core) { core.getPoint(x, reducedCost, objective); });
 }
 double Simplex::dualBound() {
-  return engine_->visit([](auto &core) { return core.engine.dualBound(); });
+  return engine_->visit([](auto &core) {
+    // The control of the last solve may be gone.
+    SolveControl own;
+    SolveControl *const last = std::exchange(core.engine.control, &own);
+    const double bound = core.engine.dualBound();
+    core.engine.control = last;
+    return bound;
+  });
 }
 bool Simplex::logicalIsBasic(RowIndex row) const {
   return engine_->visit(
