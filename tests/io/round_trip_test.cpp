@@ -215,7 +215,8 @@ TEST_F(RoundTrip, ConesComeBackAsQuadraticConstraints) {
 TEST_F(RoundTrip, LpTextsStayTheSame) {
   for (unsigned seed = 0; seed < kModels && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
-    TVKmodel *model = random(seed);
+    const bool cones = seed % 4 == 3;
+    TVKmodel *model = random(seed, cones);
     const std::string first = written(model, "m.lp");
     log_.clear();
     TVKmodel *back = readFile(path("m.lp"));
@@ -224,10 +225,41 @@ TEST_F(RoundTrip, LpTextsStayTheSame) {
     EXPECT_EQ(back->data().name, model->data().name);
     EXPECT_EQ(back->data().numVars(), model->data().numVars()) << first;
     EXPECT_EQ(back->data().numConstrs(), model->data().numConstrs());
-    EXPECT_EQ(back->data().numQConstrs(), model->data().numQConstrs());
+    EXPECT_EQ(back->data().numQConstrs(), model->data().numQConstrs() + (cones ? 2 : 0));
     EXPECT_EQ(back->data().numGenConstrs(), model->data().numGenConstrs());
     EXPECT_EQ(written(back, "n.lp"), first);
     forget();
+  }
+}
+
+// Products mention most of the variables here, in long chains whose ranks depend on each other.
+TEST_F(RoundTrip, LpTextsOfManyProductsStayTheSame) {
+  constexpr int kVars = 300;
+  std::mt19937 random_(3);
+  const auto variable = [&] { return static_cast<int>(random_() % kVars); };
+  for (const int products : {40, 150, 300, 900}) {
+    SCOPED_TRACE(products);
+    TVKmodel *model = read("m.lp", "min\nst\nend\n");
+    ASSERT_EQ(TVKaddvars(model, kVars, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                         nullptr, nullptr),
+              0);
+    std::vector<int> rows, cols;
+    for (int k = 0; k < products; ++k) {
+      rows.push_back(variable());
+      cols.push_back(variable());
+    }
+    const std::vector<double> ones(products, 1.0);
+    const int half = products / 2, linear = variable();
+    ASSERT_EQ(TVKaddqpterms(model, half, rows.data(), cols.data(), ones.data()), 0);
+    ASSERT_EQ(TVKaddqconstr(model, 1, &linear, ones.data(), products - half, rows.data() + half,
+                            cols.data() + half, ones.data(), '<', 1, nullptr),
+              0);
+    ASSERT_EQ(TVKupdatemodel(model), 0);
+    const std::string first = written(model, "m.lp");
+    TVKmodel *back = readFile(path("m.lp"));
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(back->data().q.count(), model->data().q.count());
+    EXPECT_EQ(written(back, "n.lp"), first);
   }
 }
 

@@ -1,14 +1,14 @@
 #include "io/lp/lp_writer.h"
-#include "io/numbered.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <string>
 
 #include "io/general_keywords.h"
 #include "io/lp/lp_keywords.h"
 #include "io/lp/lp_lines.h"
+#include "io/lp/lp_order.h"
+#include "io/numbered.h"
 #include "io/written_names.h"
 
 namespace tarvik {
@@ -19,7 +19,6 @@ constexpr const char *senseText(char sense) {
   return sense == '<' ? "<=" : sense == '>' ? ">=" : "=";
 }
 
-constexpr int kLazyLevels[] = {1, 2, 3, -1};
 constexpr const char *kLazyHeadings[] = {"Lazy Constraints\n", "Lazy Constraints 2\n",
                                          "Lazy Constraints 3\n", "User Cuts\n"};
 
@@ -43,7 +42,7 @@ class LpWriter {
     rows_ = transpose(data_.a);
     findLazyRows();
     findUnmentioned();
-    settleOrder();
+    order_.settle(data_, rows_, lazy_, unmentioned_);
     out_.put("\\ Model ").put(oneLine(data_.name)).put('\n');
     out_.put("\\ LP format - for model browsing. Use MPS format to capture full model detail.\n");
     if (data_.objectives.empty())
@@ -54,10 +53,11 @@ class LpWriter {
     writeRows(0);
     writeQuadraticRows();
     writeIndicators();
-    for (std::size_t k = 0; k < std::size(kLazyLevels); ++k)
-      if (std::find(lazy_.begin(), lazy_.end(), kLazyLevels[k]) != lazy_.end()) {
+    for (std::size_t k = 0; k < std::size(LpOrder::kLazyLevels); ++k)
+      if (const int level = LpOrder::kLazyLevels[k];
+          std::find(lazy_.begin(), lazy_.end(), level) != lazy_.end()) {
         out_.put(kLazyHeadings[k]);
-        writeRows(kLazyLevels[k]);
+        writeRows(level);
       }
     writeBounds();
     writeTypes("Binaries\n", [](char type) { return type == 'B'; });
@@ -112,7 +112,7 @@ class LpWriter {
   void writeObjective() {
     out_.put(heading()).put('\n');
     lines_.begin(" ");
-    for (const int j : order_)
+    for (const int j : order_.vars())
       if (data_.obj[j] != 0) lines_.term(sign_ * data_.obj[j], names_.var(j));
     if (data_.objCon != 0) writeConstant(sign_ * data_.objCon, "Constant");
     for (const PwlObjective &pwl : data_.pwl) {
@@ -123,7 +123,7 @@ class LpWriter {
     if (data_.q.count() > 0) {
       lines_.openBracket();
       // The stored matrix is twice the objective's coefficients already.
-      for (const Product &p : productsInOrder(data_.q, rank_))
+      for (const Product &p : order_.products(data_.q))
         quadraticTerm(sign_ * p.value, p.first, p.second);
       out_.put(" ] / 2 ");
     }
@@ -187,101 +187,6 @@ class LpWriter {
     for (const int j : unmentioned_) lines_.term(0, names_.var(j));
   }
 
-  // A reader numbers the variables as they are mentioned. All terms and lists follow that order,
-  // so that what is read is written as the same text again. Products, which models sort, may
-  // change their order with that of the variables: then it takes some rounds to settle.
-  void settleOrder() {
-    constexpr int kRounds = 10;
-    rank_.resize(data_.numVars());
-    std::iota(rank_.begin(), rank_.end(), 0);
-    const bool settlesAtOnce = data_.q.count() == 0 && data_.qconstrs.empty();
-    for (int round = 0; round < (settlesAtOnce ? 1 : kRounds); ++round)
-      if (!rankVariables()) break;
-  }
-
-  // Numbers the variables as the text with the present order mentions them; true when that
-  // changes the order.
-  bool rankVariables() {
-    const Vec<int> previous = std::move(rank_);
-    order_.clear();
-    rank_.assign(data_.numVars(), -1);
-    const auto mention = [&](int j) {
-      if (rank_[j] >= 0) return;
-      rank_[j] = static_cast<int>(order_.size());
-      order_.push_back(j);
-    };
-    const auto mentionAll = [&](const Vec<int> &vars) {
-      for (const int j : vars) mention(j);
-    };
-    Vec<int> fresh;
-    // The variables of a linear expression: those mentioned before come first.
-    const auto mentionSorted = [&] {
-      std::sort(fresh.begin(), fresh.end(),
-                [&](int a, int b) { return previous[a] < previous[b]; });
-      mentionAll(fresh);
-      fresh.clear();
-    };
-    const auto mentionTerms = [&](const Vec<double> &coef) {
-      for (int j = 0; j < static_cast<int>(coef.size()); ++j)
-        if (coef[j] != 0 && rank_[j] < 0) fresh.push_back(j);
-      mentionSorted();
-    };
-    const auto mentionPairs = [&](const QuadTerms &q) {
-      for (const Product &p : productsInOrder(q, previous)) {
-        mention(p.first);
-        mention(p.second);
-      }
-    };
-    if (data_.objectives.empty()) mentionTerms(data_.obj);
-    if (!data_.objectives.empty()) mentionTerms(data_.objectives.front().coef);
-    if (data_.objectives.empty())
-      for (const PwlObjective &pwl : data_.pwl) mention(pwl.var);
-    mentionAll(unmentioned_);
-    for (std::size_t n = 1; n < data_.objectives.size(); ++n)
-      mentionTerms(data_.objectives[n].coef);
-    if (data_.objectives.empty()) mentionPairs(data_.q);
-    const auto mentionRows = [&](int lazy) {
-      for (int i = 0; i < data_.numConstrs(); ++i) {
-        if ((lazy_.empty() ? 0 : lazy_[i]) != lazy) continue;
-        for (NzIndex e = rows_.start[i]; e < rows_.start[i + 1]; ++e)
-          if (rank_[rows_.index[e]] < 0) fresh.push_back(rows_.index[e]);
-        mentionSorted();
-        if (rows_.length(i) == 0 && order_.empty() && data_.numVars() > 0) mention(0);
-      }
-    };
-    mentionRows(0);
-    for (const QConstr &c : data_.qconstrs) {
-      mentionAll(c.lind);
-      mentionPairs(c.quad);
-    }
-    for (const Cone &cone : data_.cones) mentionAll(cone.members);
-    for (const GenConstr &g : data_.genConstrs) {
-      if (g.type != TVK_GENCONSTR_INDICATOR) continue;
-      mention(g.resVar);
-      mentionAll(g.vars);
-    }
-    for (const int level : kLazyLevels) mentionRows(level);
-    for (int j = 0; j < data_.numVars(); ++j) mention(j);
-    return rank_ != previous;
-  }
-
-  struct Product {
-    int first, second;
-    double value;
-  };
-  // Products by the ranks of their variables, the first of which ranks lower.
-  static Vec<Product> productsInOrder(const QuadTerms &q, const Vec<int> &rank) {
-    Vec<Product> products;
-    for (int k = 0; k < q.count(); ++k) {
-      const int i = q.row[k], j = q.col[k];
-      products.push_back(rank[i] <= rank[j] ? Product{i, j, q.val[k]} : Product{j, i, q.val[k]});
-    }
-    std::stable_sort(products.begin(), products.end(), [&](const Product &a, const Product &b) {
-      return std::pair(rank[a.first], rank[a.second]) < std::pair(rank[b.first], rank[b.second]);
-    });
-    return products;
-  }
-
   void writeObjectives() {
     out_.put(heading()).put(" multi-objectives\n");
     for (std::size_t n = 0; n < data_.objectives.size(); ++n) {
@@ -293,7 +198,7 @@ class LpWriter {
       out_.put("RelTol=").put(number(o.relTol)).put('\n');
       lines_.begin("  ");
       if (!o.coef.empty())
-        for (const int j : order_)
+        for (const int j : order_.vars())
           if (o.coef[j] != 0) lines_.term(sign_ * o.coef[j], names_.var(j));
       if (o.con != 0) writeConstant(sign_ * o.con, numbered("Constant", n));
       if (n == 0) writeUnmentioned();
@@ -323,9 +228,10 @@ class LpWriter {
       lines_.beginLabel(names_.constr(i));
       entries_.clear();
       for (NzIndex e = rows_.start[i]; e < rows_.start[i + 1]; ++e)
-        entries_.emplace_back(rank_[rows_.index[e]], rows_.value[e]);
+        entries_.emplace_back(order_.rank(rows_.index[e]), rows_.value[e]);
       std::sort(entries_.begin(), entries_.end());
-      for (const auto &[rank, value] : entries_) lines_.term(value, names_.var(order_[rank]));
+      for (const auto &[rank, value] : entries_)
+        lines_.term(value, names_.var(order_.vars()[rank]));
       if (rows_.length(i) == 0) writeEmptyRow();
       endRow(data_.sense[i], data_.rhs[i]);
     }
@@ -334,7 +240,7 @@ class LpWriter {
   // A row without entries needs a term to be read as a row.
   void writeEmptyRow() {
     if (data_.numVars() > 0)
-      lines_.term(0, names_.var(order_[0]));
+      lines_.term(0, names_.var(order_.vars()[0]));
     else
       out_.put(" 0");
   }
@@ -349,8 +255,7 @@ class LpWriter {
       lines_.beginLabel(names_.qconstr(k));
       for (std::size_t e = 0; e < c.lind.size(); ++e) lines_.term(c.lval[e], names_.var(c.lind[e]));
       lines_.openBracket();
-      for (const Product &p : productsInOrder(c.quad, rank_))
-        quadraticTerm(p.value, p.first, p.second);
+      for (const Product &p : order_.products(c.quad)) quadraticTerm(p.value, p.first, p.second);
       out_.put(" ]");
       endRow(c.sense, c.rhs);
     }
@@ -359,11 +264,10 @@ class LpWriter {
     for (std::size_t k = 0; k < data_.cones.size(); ++k) {
       lines_.beginLabel(freeNames.take(numbered("cone", k)));
       lines_.openBracket();
-      double value = -1;
-      for (const int j : data_.cones[k].members) {
-        quadraticTerm(value, j, j);
-        value = 1;
-      }
+      const int head = data_.cones[k].members[0];
+      QuadTerms squares;
+      for (const int j : data_.cones[k].members) squares.append(j, j, j == head ? -1 : 1);
+      for (const Product &p : order_.products(squares)) quadraticTerm(p.value, p.first, p.second);
       out_.put(" ] <= 0\n");
     }
   }
@@ -383,7 +287,7 @@ class LpWriter {
   // --- bounds and types ---
   void writeBounds() {
     out_.put("Bounds\n");
-    for (const int j : order_) writeBound(j);
+    for (const int j : order_.vars()) writeBound(j);
     for (const std::string &name : constants_) out_.put(' ').put(name).put(" = 1\n");
   }
 
@@ -415,7 +319,7 @@ class LpWriter {
   template <class Belongs>
   void writeTypes(const char *section, Belongs &&belongs) {
     bool any = false;
-    for (const int j : order_) {
+    for (const int j : order_.vars()) {
       if (!belongs(data_.vtype[j])) continue;
       if (!any) {
         out_.put(section);
@@ -575,10 +479,10 @@ class LpWriter {
     if (!s.obj.empty()) out_.put(heading()).put('\n');
     entries_.clear();
     for (std::size_t k = 0; k < s.obj.index().size(); ++k)
-      entries_.emplace_back(rank_[s.obj.index()[k]], sign_ * s.obj.value()[k]);
+      entries_.emplace_back(order_.rank(s.obj.index()[k]), sign_ * s.obj.value()[k]);
     std::sort(entries_.begin(), entries_.end());
     for (const auto &[rank, value] : entries_)
-      out_.put(' ').put(names_.var(order_[rank])).put(' ').put(number(value)).put('\n');
+      out_.put(' ').put(names_.var(order_.vars()[rank])).put(' ').put(number(value)).put('\n');
     if (!s.rhs.empty()) out_.put("Subject To\n");
     for (std::size_t k = 0; k < s.rhs.index().size(); ++k) {
       const int i = s.rhs.index()[k];
@@ -587,7 +491,7 @@ class LpWriter {
     }
     if (!s.lb.empty() || !s.ub.empty()) out_.put("Bounds\n");
     if (s.lb.empty() && s.ub.empty()) return;
-    for (const int j : order_) writeScenarioBound(s.lb.find(j), s.ub.find(j), names_.var(j));
+    for (const int j : order_.vars()) writeScenarioBound(s.lb.find(j), s.ub.find(j), names_.var(j));
   }
 
   void writeScenarioBound(const double *lower, const double *upper, std::string_view name) {
@@ -617,7 +521,7 @@ class LpWriter {
   SparseMatrix rows_;
   Vec<int> lazy_;
   Vec<int> unmentioned_;
-  Vec<int> order_, rank_;                // the variables as they are mentioned, and where each is
+  LpOrder order_;
   Vec<std::pair<int, double>> entries_;  // of one row, by rank
   Vec<std::string> constants_;           // the variables that stand for constants
   NumberText number_;
