@@ -1,5 +1,7 @@
 // Attributes that a caller sets for a solve: tags, starts, hints, priorities, IIS forcing, options
 // of function constraints, warm-start bases and vectors.
+#include <algorithm>
+
 #include "attr/handler_kit.h"
 #include "attr/selectors.h"
 #include "model/genconstr.h"
@@ -44,14 +46,17 @@ void setStart(Model &m, const Elements &e, const double *values) {
     return;
   }
   m.edit([&](PendingChanges &p) {
-    PendingStart *start = nullptr;
-    for (PendingStart &s : p.starts)
-      if (s.number == number) start = &s;
-    PendingStart fresh{number, {}};
-    PendingStart &target = start ? *start : fresh;
-    if (!start) p.starts.reserve(p.starts.size() + 1);
-    queueValues(target.values, e, values, p.allVars());
-    if (!start) p.starts.push_back(std::move(fresh));
+    // Starts wait by number, so that setting many of them takes no search through all.
+    const auto at = std::lower_bound(
+        p.starts.begin(), p.starts.end(), number,
+        [](const PendingStart &start, int wanted) { return start.number < wanted; });
+    if (at != p.starts.end() && at->number == number) {
+      queueValues(at->values, e, values, p.allVars());
+    } else {
+      PendingStart fresh{number, {}};
+      queueValues(fresh.values, e, values, p.allVars());
+      p.starts.insert(at, std::move(fresh));
+    }
     if (number == count) p.numStart = number + 1;
   });
   if (selected < 0) m.env().setSilently(Int::StartNumber, number);
