@@ -45,6 +45,7 @@ class Brancher {
   void fractionalColumns(const Domain &domain, const Vec<double> &x, Vec<int> &cols) const;
   // The point at which the root relaxation was solved, for the choice of the first child.
   void setRootPoint(const Vec<double> &x) { rootX_ = x; }
+  const Vec<double> &rootPoint() const { return rootX_; }
   // Iterations of ordinary node solves so far, which strong branching has to stay in proportion to.
   void noteNodeIterations(double iterations) {
     nodeIterations_ += iterations;

@@ -1,5 +1,8 @@
-// The search: it owns what all workers share (the open nodes, the incumbent, the counters and the
-// log), solves the root with its cuts and heuristics, and drives the tree. Restricted models inside
+// The search: it owns what all explorers share (the open nodes, the incumbent, the counters and the
+// log), solves the root with its cuts and heuristics, and drives the tree in rounds. With one
+// explorer a round is a node. With several, each thread gets a share of work, measured in counted
+// units; what they found is collected in their order afterwards, so that a search depends on the
+// number of threads, but never on which of them was faster. Restricted models inside
 // heuristics are searched by the same class.
 //
 // Objectives are in the minimization sense throughout.
@@ -10,10 +13,9 @@
 
 #include "mip/cuts/cut.h"
 #include "mip/cuts/separators.h"
-#include "mip/heuristics/schedule.h"
+#include "mip/explorer.h"
 #include "mip/implications.h"
-#include "mip/point_repair.h"
-#include "mip/worker.h"
+#include "mip/node_log.h"
 
 namespace tarvik {
 
@@ -39,16 +41,7 @@ enum class MipStatus {
 
 using CutCounters = std::array<int, kCutFamilies>;
 
-// The world that the problem was presolved from. accept() maps a point back, checks it against the
-// user's model and keeps it; false when it does not pass there. The objective comes back as the
-// user's model has it.
-class UserSpace {
- public:
-  virtual ~UserSpace() = default;
-  virtual bool accept(const Vec<double> &x, double &objective) = 0;
-};
-
-class MipSearch : public SolutionSink {
+class MipSearch {
  public:
   MipSearch(const Problem &problem, const MipOptions &options, SolveControl &control,
             UserSpace &user);
@@ -61,13 +54,8 @@ class MipSearch : public SolutionSink {
   // Called after every node.
   std::function<void(const MipSearch &)> onNode;
 
-  // SolutionSink
-  bool submit(const Vec<double> &x, SolutionSource source) override;
-  bool hasIncumbent() const override { return incumbentObjective_ < kUserInf; }
-  double incumbentObjective() const override { return incumbentObjective_; }
-  const Vec<double> &incumbent() const override { return incumbent_; }
-  double cutoff() const override { return cutoff_; }
-
+  bool hasIncumbent() const { return incumbentObjective_ < kUserInf; }
+  double incumbentObjective() const { return incumbentObjective_; }
   double bestBound();
   double explored() const { return explored_; }
   double unexplored() const;
@@ -94,50 +82,56 @@ class MipSearch : public SolutionSink {
   void createSeparators();
 
   // mip_search.cpp
+  Explorer &main() { return *explorers_.front(); }
+  Worker &worker() { return main().worker(); }
+  const Worker &worker() const { return explorers_.front()->worker(); }
+  void take(FoundSolution &&found);
   void mipCheckTermination();
   MipStatus terminationStatus();
-  void treeSearch();
-  std::shared_ptr<Node> nextNode();
-  bool plungeGoesOn(const Node &node);
-  void handle(Node &node, const NodeResult &result);
-  void branch(const Node &node, const NodeResult &result);
-  void runNodeHeuristics(const Node &node);
-  HeuristicContext heuristicContext();
   void provenInfeasible();
-  void applyGlobalChanges();
+  void nothingLeft();
   void lowerCutoff();
   SearchState state();
+  Explorer::Share share();
+  HeuristicContext heuristicContext() { return main().heuristicContext(share()); }
+
+  // rounds.cpp
+  void treeSearch();
+  void employAll();
+  bool giveNodes();
+  std::shared_ptr<Node> nextNode();
+  void exploreSide(const Explorer::Share &share);
+  void collect(Explorer &explorer, Explorer::Report &report);
 
   const Problem &problem_;
   MipOptions options_;
   SolveControl &control_;
   UserSpace &user_;
   NodeLog log_;
-  Random random_;
-  Worker worker_;
+  SilentLog silent_;
+  RootPoint root_;
+  Vec<std::unique_ptr<SolveControl>> sideControls_;  // of all explorers but the first
+  Vec<std::unique_ptr<Explorer>> explorers_;
+  Vec<Explorer::Report> reports_;
   NodeQueue queue_;
-  std::shared_ptr<Node> next_;  // the plunge goes on here
   ImplicationTable implications_;
   Vec<std::unique_ptr<Separator>> separators_;
-  HeuristicSchedule heuristics_;
-  PointRepair repair_;
 
   MipStatus status_ = MipStatus::Running;
   LpStatus rootStatus_ = LpStatus::NotSolved;
   bool rootCutsPay_ = false;  // they moved the bound: the tree gets some, too
-  bool rootDone_ = false, someUnsolved_ = false, globalsStale_ = false, infeasible_ = false;
+  bool rootDone_ = false, someUnsolved_ = false, infeasible_ = false;
   double explored_ = 0;
   double incumbentObjective_ = kUserInf, cutoff_ = kUserInf;
   Vec<double> incumbent_;
   int solutionCount_ = 0;
   double rootBound_ = -kUserInf, rootIterations_ = 0;
   double unsolvedBound_ = kUserInf;  // the smallest bound of nodes given up
-  Vec<double> rootX_, rootReducedCost_;
-  double rootObjective_ = -kUserInf;
   CutCounters cutCounters_{};
   int nextCutId_ = 0;
-  std::int64_t nextNodeId_ = 0;
-  int plungeDepth_ = 0, maxDepth_ = 0, lastInfeasibilities_ = 0;
+  Vec<std::unique_ptr<int>> sideCutIds_;  // of the side explorers
+  std::int64_t picks_ = 0;
+  int maxDepth_ = 0, lastInfeasibilities_ = 0;
   double startWork_ = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "mip/mip_solve.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 #include "mip/gap_rules.h"
@@ -12,16 +13,23 @@ namespace tarvik {
 class MipSolve::Space : public UserSpace {
  public:
   Space(MipSolve &owner)
-      : owner_(owner),
-        problem_(MipModel(owner.model_), owner.options_.tolerances),
-        repair_(problem_, owner.options_.simplex) {}
+      : owner_(owner), problem_(MipModel(owner.model_), owner.options_.tolerances) {}
 
-  bool accept(const Vec<double> &x, double &objective) override {
-    return acceptFull(owner_.presolve_->postsolve(x), objective);
+  bool map(const Vec<double> &x, Vec<double> &userPoint, double &objective,
+           SolveControl &control) override {
+    return check(owner_.presolve_->postsolve(x), userPoint, objective, control);
   }
 
   bool acceptFull(const Vec<double> &x, double &objective) {
-    Vec<double> point(x);
+    Vec<double> point;
+    if (!check(x, point, objective, owner_.control_)) return false;
+    keep(std::move(point), objective);
+    return true;
+  }
+
+  // Rounds, repairs and checks a point of the model.
+  bool check(const Vec<double> &x, Vec<double> &point, double &objective, SolveControl &control) {
+    point = x;
     for (int j = 0; j < problem_.numCols(); ++j) {
       if (problem_.isIntegral(j)) point[j] = std::round(point[j]);
       point[j] = std::min(std::max(point[j], problem_.lp().colLower[j]), problem_.lp().colUpper[j]);
@@ -29,8 +37,12 @@ class MipSolve::Space : public UserSpace {
     const double tolerance = problem_.tolerances().primal;
     Vec<double> repaired;
     if (problem_.violation(point) > tolerance) {
-      if (repair_.run(point, owner_.control_, repaired) &&
-          problem_.violation(repaired) <= tolerance)
+      // Made anew for every point, so that one does not depend on the others before it.
+      PointRepair repair(problem_, owner_.options_.simplex);
+      const bool done =
+          repair.run(point, control, repaired) && problem_.violation(repaired) <= tolerance;
+      iterations_ += static_cast<std::int64_t>(repair.iterations());
+      if (done)
         point.swap(repaired);
       else if (problem_.violation(x) <= tolerance)
         point = x;
@@ -38,16 +50,14 @@ class MipSolve::Space : public UserSpace {
         return false;
     }
     objective = problem_.objective(point);
-    keep(std::move(point), objective);
     return true;
   }
 
   const Problem &problem() const { return problem_; }
   const Vec<MipSolution> &solutions() const { return solutions_; }
-  double iterations() const { return repair_.iterations(); }
+  double iterations() const { return static_cast<double>(iterations_); }
 
- private:
-  void keep(Vec<double> &&x, double objective) {
+  void keep(Vec<double> &&x, double objective) override {
     const auto place = std::lower_bound(
         solutions_.begin(), solutions_.end(), objective,
         [](const MipSolution &solution, double value) { return solution.objective < value; });
@@ -58,9 +68,10 @@ class MipSolve::Space : public UserSpace {
     if (solutions_.size() > limit) solutions_.resize(limit);
   }
 
+ private:
   MipSolve &owner_;
   Problem problem_;
-  PointRepair repair_;
+  std::atomic<std::int64_t> iterations_{0};  // of repairs
   Vec<MipSolution> solutions_;
 };
 

@@ -22,6 +22,18 @@ void PseudoCosts::update(int col, double distance, double gain) {
   totalGain_[up] += perUnit;
 }
 
+void PseudoCosts::addObserved(const PseudoCosts &before, const PseudoCosts &after) {
+  for (int d = 0; d < 2; ++d) {
+    for (std::size_t j = 0; j < count_[d].size(); ++j) {
+      count_[d][j] += after.count_[d][j] - before.count_[d][j];
+      cutoffs_[d][j] += after.cutoffs_[d][j] - before.cutoffs_[d][j];
+      gain_[d][j] += after.gain_[d][j] - before.gain_[d][j];
+    }
+    totalCount_[d] += after.totalCount_[d] - before.totalCount_[d];
+    totalGain_[d] += after.totalGain_[d] - before.totalGain_[d];
+  }
+}
+
 double PseudoCosts::perUnit(int col, bool up) const {
   if (count_[up][col] > 0) return gain_[up][col] / count_[up][col];
   return totalCount_[up] > 0 ? totalGain_[up] / totalCount_[up] : 1;

@@ -22,6 +22,9 @@ class PseudoCosts {
   void update(int col, double distance, double gain);
   void noteCutoff(int col, bool up) { ++cutoffs_[up][col]; }
 
+  // Adds what was observed between two states of another collection.
+  void addObserved(const PseudoCosts &before, const PseudoCosts &after);
+
   int count(int col, bool up) const { return count_[up][col]; }
   double perUnit(int col, bool up) const;
   // Expected gains of the branches of a column at value x.

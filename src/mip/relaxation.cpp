@@ -90,6 +90,16 @@ void Relaxation::addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<
                    lower.data(), upper.data());
 }
 
+void Relaxation::copyCuts(const Relaxation &other) {
+  Vec<std::shared_ptr<const Cut>> cuts;
+  Vec<int> ids;
+  for (const Active &active : other.cuts_) {
+    cuts.push_back(active.cut);
+    ids.push_back(active.id);
+  }
+  if (!cuts.empty()) addCuts(cuts, ids);
+}
+
 int Relaxation::removeSlackCuts(int age) {
   Vec<char> mark(numRows(), 0);
   Vec<Active> kept;

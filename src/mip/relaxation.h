@@ -43,6 +43,8 @@ class Relaxation {
   const Cut &cut(int k) const { return *cuts_[k].cut; }
   int cutId(int k) const { return cuts_[k].id; }
   void addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<int> &ids);
+  // The cuts of another relaxation of the problem, under the same ids.
+  void copyCuts(const Relaxation &other);
   // Deletes cuts whose logical has been basic in `age` successive optimal solves.
   int removeSlackCuts(int age);
   void removeAllCuts();

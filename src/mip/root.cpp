@@ -58,24 +58,23 @@ void MipSearch::reportRoot(double seconds, double work) const {
   if (rootStatus_ == LpStatus::Optimal)
     control_.log->print(
         "\nRoot relaxation: objective %.6e, %.0f iterations, %.2f seconds (%.2f work units)\n",
-        options_.objSense * worker_.lpObjective() + 0.0, rootIterations_, seconds, workUnits);
+        options_.objSense * worker().lpObjective() + 0.0, rootIterations_, seconds, workUnits);
   else
     control_.log->print("\nRoot relaxation: %s, %.0f iterations, %.2f seconds (%.2f work units)\n",
                         textOf(rootStatus_), rootIterations_, seconds, workUnits);
 }
 
 void MipSearch::rememberRoot() {
-  rootX_ = worker_.lp().x();
-  rootReducedCost_ = worker_.lp().reducedCost();
-  rootObjective_ = worker_.lp().objective();
-  rootBound_ = std::max(rootBound_, rootObjective_);
-  worker_.brancher().setRootPoint(rootX_);
+  const Relaxation &lp = worker().lp();
+  root_ = {lp.x(), lp.reducedCost(), lp.objective()};
+  rootBound_ = std::max(rootBound_, root_.objective);
+  worker().brancher().setRootPoint(root_.x);
 }
 
 void MipSearch::solveRoot() {
   createSeparators();
-  Domain &domain = worker_.domain();
-  Relaxation &lp = worker_.lp();
+  Domain &domain = worker().domain();
+  Relaxation &lp = worker().lp();
   if (!domain.propagate(control_.work)) {
     infeasible_ = rootDone_ = true;
     status_ = MipStatus::Infeasible;
@@ -94,7 +93,8 @@ void MipSearch::solveRoot() {
     }
   }
   HeuristicContext context = heuristicContext();
-  if (heuristics_.beforeRoot(context, control_.work.counted() - startWork_)) provenInfeasible();
+  if (main().heuristics().beforeRoot(context, control_.work.counted() - startWork_))
+    provenInfeasible();
   if (status_ != MipStatus::Running || infeasible_) {
     rootDone_ = infeasible_;
     mipCheckTermination();
@@ -123,7 +123,7 @@ void MipSearch::solveRoot() {
   if (rootStatus_ == LpStatus::Optimal) {
     rememberRoot();
     HeuristicContext early = heuristicContext();
-    if (!heuristics_.beforeCuts(early, control_.work.counted() - startWork_))
+    if (!main().heuristics().beforeCuts(early, control_.work.counted() - startWork_))
       rootCutLoop();
     else
       provenInfeasible();
@@ -133,34 +133,32 @@ void MipSearch::solveRoot() {
   mipCheckTermination();
   rootDone_ = true;
   if (rootCutsPay_ && options_.cuts.mir > 1)
-    worker_.separateInTree(
+    worker().separateInTree(
         implications_, [this](CutFamily family) { return levelOf(family); }, nextCutId_);
   auto root = std::allocate_shared<Node>(AccountAllocator<Node>());
   root->bound = rootBound_;
   root->estimate = rootBound_;
   root->basis = lp.basis();
-  root->id = nextNodeId_++;
   queue_.push(std::move(root));
-  globalsStale_ = true;
   mipCheckTermination();
 }
 
 // True when the point ends the search at the root.
 bool MipSearch::rootPointIsFeasible() {
   Vec<int> fractional;
-  worker_.brancher().fractionalColumns(worker_.domain(), worker_.lp().x(), fractional);
+  worker().brancher().fractionalColumns(worker().domain(), worker().lp().x(), fractional);
   lastInfeasibilities_ = static_cast<int>(fractional.size());
   if (!fractional.empty() || !problem_.semis().empty() || !problem_.model().sos.empty())
     return false;
-  return submit(Vec<double>(worker_.lp().x()), SolutionSource::Node);
+  return main().submit(Vec<double>(worker().lp().x()), SolutionSource::Node);
 }
 
 int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
   SeparationPoint point{};
   point.problem = &problem_;
-  point.global = &worker_.domain();
-  point.lp = &worker_.lp();
-  const Vec<double> x(worker_.lp().x());
+  point.global = &worker().domain();
+  point.lp = &worker().lp();
+  const Vec<double> x(worker().lp().x());
   point.x = &x;
   point.work = &control_.work;
   point.round = round;
@@ -177,8 +175,8 @@ int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
 }
 
 MipSearch::Round MipSearch::separateAndSolve(int round) {
-  Relaxation &lp = worker_.lp();
-  Domain &domain = worker_.domain();
+  Relaxation &lp = worker().lp();
+  Domain &domain = worker().domain();
   const double before = lp.objective();
   Vec<Cut> cuts;
   if (separateRound(round, cuts) == 0) return Round::Over;
@@ -204,7 +202,7 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
   }
   if (status != LpStatus::Optimal) return Round::Over;
   rememberRoot();
-  if (!worker_.tightenByReducedCosts(rootX_, rootReducedCost_, rootObjective_) ||
+  if (!worker().tightenByReducedCosts(root_.x, root_.reducedCost, root_.objective) ||
       !domain.propagate(control_.work)) {
     rootBound_ = hasIncumbent() ? incumbentObjective_ : kUserInf;
     infeasible_ = !hasIncumbent();
@@ -218,7 +216,7 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
 
 void MipSearch::rootCutLoop() {
   if (rootPointIsFeasible()) return;
-  const double first = worker_.lpObjective();
+  const double first = worker().lpObjective();
   const int limit = options_.cuts.passes >= 0 ? options_.cuts.passes : kMaxRounds;
   int stalled = 0;
   for (int round = 0; round < limit && stalled < kStallRounds; ++round) {
@@ -228,33 +226,33 @@ void MipSearch::rootCutLoop() {
     if (result == Round::Over) break;
     stalled = result == Round::Improved ? 0 : stalled + 1;
     if (!options_.subMip) log_.nodeLogElapsed(nullptr);
-    log_.nodeLogLine(state(), NodeOutcome::Solved, worker_.lpObjective(), 0, lastInfeasibilities_);
+    log_.nodeLogLine(state(), NodeOutcome::Solved, worker().lpObjective(), 0, lastInfeasibilities_);
     if (rootPointIsFeasible()) break;
   }
-  if (worker_.lp().status() == LpStatus::Optimal) worker_.lp().removeSlackCuts(1);
-  worker_.lp().solve(control_);
-  const double last = worker_.lpObjective();
+  if (worker().lp().status() == LpStatus::Optimal) worker().lp().removeSlackCuts(1);
+  worker().lp().solve(control_);
+  const double last = worker().lpObjective();
   rootCutsPay_ = limit > 0 && last - first > kLeastImprovement * (1 + std::fabs(last));
 }
 
 void MipSearch::runRootHeuristics() {
-  if (worker_.lp().status() != LpStatus::Optimal) return;
+  if (worker().lp().status() != LpStatus::Optimal) return;
   HeuristicContext context = heuristicContext();
-  const Vec<double> x(worker_.lp().x());
+  const Vec<double> x(worker().lp().x());
   context.x = &x;
   context.root = true;
-  if (heuristics_.atRoot(context, control_.work.counted() - startWork_)) provenInfeasible();
+  if (main().heuristics().atRoot(context, control_.work.counted() - startWork_)) provenInfeasible();
 }
 
 // Integral columns whose other branch, by the reduced costs of the root, is beyond the incumbent.
 int MipSearch::reportLurkingBounds() const {
-  if (!hasIncumbent() || rootX_.empty()) return 0;
+  if (!hasIncumbent() || root_.x.empty()) return 0;
   const double z = incumbentObjective_, t = std::fabs(z) + 1e-4;
   int unfixed = 0, count[3] = {0, 0, 0};
   for (const int j : problem_.integers()) {
-    if (worker_.domain().isFixed(j)) continue;
+    if (worker().domain().isFixed(j)) continue;
     ++unfixed;
-    const double bound = rootObjective_ + std::fabs(rootReducedCost_[j]);
+    const double bound = root_.objective + std::fabs(root_.reducedCost[j]);
     count[0] += bound > z + 0.001 * t;
     count[1] += bound > z + 0.01 * t;
     count[2] += bound > z + 0.1 * t;

@@ -39,6 +39,20 @@ void Worker::separateInTree(const ImplicationTable &implications,
   nextCutId_ = &nextCutId;
 }
 
+void Worker::followRootOf(Worker &other) {
+  other.returnToRoot();
+  for (int j = 0; j < problem_.numCols(); ++j) {
+    domain_.tighten(j, BoundSide::Lower, other.domain_.lower(j), {Reason::Other, -1});
+    domain_.tighten(j, BoundSide::Upper, other.domain_.upper(j), {Reason::Other, -1});
+  }
+  domain_.propagate(control_.work);
+  lp_.follow(domain_);
+  lp_.copyCuts(other.lp_);
+  lp_.simplex().options().logging = false;
+  pseudoCosts_ = other.pseudoCosts_;
+  brancher_.setRootPoint(other.brancher_.rootPoint());
+}
+
 // Undoes what the node does not share with the last one and makes its other decisions.
 bool Worker::moveTo(const Node &node) {
   Vec<std::shared_ptr<const NodePath>> target(node.depth);

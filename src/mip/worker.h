@@ -26,6 +26,7 @@ class Worker {
   Domain &domain() { return domain_; }
   const Domain &domain() const { return domain_; }
   Relaxation &lp() { return lp_; }
+  const Relaxation &lp() const { return lp_; }
   PseudoCosts &pseudoCosts() { return pseudoCosts_; }
   double lpIterations() const { return lp_.iterations(); }
   double lpObjective() const { return lp_.objective(); }
@@ -39,6 +40,8 @@ class Worker {
 
   // Moves to the node, solves its relaxation, tightens and chooses a branching.
   NodeResult process(Node &node);
+  // Takes over bounds, cuts and experience of another worker at level 0.
+  void followRootOf(Worker &other);
   // Back at level 0; decisions of the node that was processed last are undone.
   void returnToRoot();
   // The path of the node processed last; its children continue from here.
