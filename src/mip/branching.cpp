@@ -289,12 +289,15 @@ Branching Brancher::choose(Domain &domain, Relaxation &lp, SolutionSink &sink,
   if (branching.result != Branching::None) return branching;
   // Everything holds within tolerance. The sink may refuse the point, or accept a worse one made
   // from it: the node is done only when nothing better than what is known is left in it.
-  sink.submit(Vec<double>(lp.x()), SolutionSource::Node);
+  const Vec<double> x(lp.x());
+  const bool accepted = sink.submit(x, SolutionSource::Node);
   const double margin = kRounding * (1 + std::fabs(lp.objective()));
   if (lp.objective() >= sink.cutoff() - margin) return branching;
-  if (sink.incumbentObjective() <= lp.objective() + margin) return branching;
-  branching = chooseAny(domain, lp.x());
-  if (branching.result == Branching::None) branching.result = Branching::Refused;
+  const bool several = sink.wantsSeveral();
+  if (!several && sink.incumbentObjective() <= lp.objective() + margin) return branching;
+  branching = chooseAny(domain, x);
+  if (branching.result == Branching::None && !(several && (accepted || sink.knows(x))))
+    branching.result = Branching::Refused;
   return branching;
 }
 

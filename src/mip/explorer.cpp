@@ -14,12 +14,15 @@ constexpr double kPlungeGap = 0.25;
 constexpr int kPlungeShare = 10;
 }  // namespace
 
-double searchCutoff(const MipOptions &options, const Problem &problem, double incumbent) {
+double searchCutoff(const MipOptions &options, const Problem &problem, double incumbent,
+                    const SolutionPool &pool) {
   double cutoff = options.cutoff;
-  if (options.noSolutionCutoff || incumbent >= kUserInf) return cutoff;
-  cutoff = std::min(
-      cutoff, mipSolutionCutoff(options, incumbent, problem.objectiveStep(), problem.lp().offset));
-  return std::min(cutoff, mipPruningBound(options, incumbent));
+  const double z = pool.inUse() ? pool.worst() : incumbent;
+  if (pool.inUse()) cutoff = std::min(cutoff, mipPoolCutoff(options, incumbent));
+  if (options.noSolutionCutoff || z >= kUserInf) return cutoff;
+  cutoff =
+      std::min(cutoff, mipSolutionCutoff(options, z, problem.objectiveStep(), problem.lp().offset));
+  return std::min(cutoff, mipPruningBound(options, z));
 }
 
 Explorer::Explorer(const Problem &problem, const MipOptions &options, SolveControl &control,
@@ -35,21 +38,27 @@ Explorer::Explorer(const Problem &problem, const MipOptions &options, SolveContr
       heuristics_(options, std::move(goesOn)),
       repair_(problem, options.simplex),
       nextId_(index),
-      idStep_(count) {
-  learnCutoff();
+      idStep_(count),
+      pool_(problem, options.poolSearchMode > 0 ? options.poolSolutions : 0) {
+  lowerCutoff();
 }
 
 // --- solutions ---
 
-void Explorer::learnCutoff() {
-  cutoff_ = std::min(cutoff_, searchCutoff(options_, problem_, incumbentObjective_));
+void Explorer::lowerCutoff() {
+  cutoff_ = std::min(cutoff_, searchCutoff(options_, problem_, incumbentObjective_, pool_));
 }
 
 void Explorer::learnIncumbent(double objective, const Vec<double> &x) {
   if (objective >= incumbentObjective_) return;
   incumbentObjective_ = objective;
   incumbent_ = x;
-  learnCutoff();
+  lowerCutoff();
+}
+
+void Explorer::learnPool(const SolutionPool &pool) {
+  pool_ = pool;
+  lowerCutoff();
 }
 
 Vec<FoundSolution> Explorer::takeFound() {
@@ -63,13 +72,14 @@ bool Explorer::accept(const Vec<double> &point, SolutionSource source) {
   found.objective = problem_.objective(point);
   if (found.objective >= cutoff_ || problem_.violation(point) > problem_.tolerances().primal)
     return false;
-  if (!user_.map(point, found.userPoint, found.objective, control_) ||
-      found.objective >= incumbentObjective_)
+  if (!user_.map(point, found.userPoint, found.objective, control_)) return false;
+  if (pool_.inUse() ? !pool_.add(point, found.objective) : found.objective >= incumbentObjective_)
     return false;
   found.x = point;
   found.source = source;
   found.depth = worker_.domain().level();
   learnIncumbent(found.objective, point);
+  lowerCutoff();
   if (onFound)
     onFound(std::move(found));
   else

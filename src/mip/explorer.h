@@ -9,6 +9,7 @@
 
 #include "mip/heuristics/schedule.h"
 #include "mip/point_repair.h"
+#include "mip/solution_pool.h"
 #include "mip/worker.h"
 
 namespace tarvik {
@@ -37,8 +38,10 @@ struct RootPoint {
   double objective = -kUserInf;
 };
 
-// The cutoff that an incumbent implies.
-double searchCutoff(const MipOptions &options, const Problem &problem, double incumbent);
+// The cutoff that an incumbent implies, or in a search for several solutions the worst of the pool
+// and the gap to the incumbent that the pool allows.
+double searchCutoff(const MipOptions &options, const Problem &problem, double incumbent,
+                    const SolutionPool &pool);
 
 class Explorer : public SolutionSink {
  public:
@@ -84,7 +87,7 @@ class Explorer : public SolutionSink {
 
   // Another's incumbent; empty: it has no image in this problem.
   void learnIncumbent(double objective, const Vec<double> &x);
-  void learnCutoff();
+  void learnPool(const SolutionPool &pool);
 
   bool hasNode() const { return next_ != nullptr; }
   double nodeBound() const { return next_->bound; }
@@ -101,8 +104,11 @@ class Explorer : public SolutionSink {
   double incumbentObjective() const override { return incumbentObjective_; }
   const Vec<double> &incumbent() const override { return incumbent_; }
   double cutoff() const override { return cutoff_; }
+  bool wantsSeveral() const override { return pool_.inUse(); }
+  bool knows(const Vec<double> &x) const override { return pool_.has(x); }
 
  private:
+  void lowerCutoff();
   bool accept(const Vec<double> &point, SolutionSource source);
   bool applyCutoff();
   void step(const Share &share, Report &report);
@@ -130,6 +136,7 @@ class Explorer : public SolutionSink {
   double appliedCutoff_ = kUserInf;  // that the bounds of the root know
   bool rootApplied_ = false;
   Vec<double> incumbent_;
+  SolutionPool pool_;
   Vec<FoundSolution> found_;
 };
 

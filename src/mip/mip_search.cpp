@@ -36,7 +36,8 @@ MipSearch::MipSearch(const Problem &problem, const MipOptions &options, SolveCon
       options_(options),
       control_(control),
       user_(user),
-      log_(options_, control) {
+      log_(options_, control),
+      pool_(problem, options.poolSearchMode > 0 ? options.poolSolutions : 0) {
   const int count = std::max(options_.threads, 1);
   explorers_.push_back(
       std::make_unique<Explorer>(problem, options_, control, user, root_, 0, count, [this] {
@@ -51,7 +52,7 @@ SearchState MipSearch::state() {
   SearchState state;
   state.explored = explored_;
   state.unexplored = unexplored();
-  state.incumbent = incumbentObjective_;
+  state.incumbent = completing_ ? pool_.worst() : incumbentObjective_;
   state.bound = bestBound();
   state.iterations = iterations();
   state.rootIterations = rootIterations_;
@@ -85,9 +86,9 @@ double MipSearch::bestBound() {
   for (const auto &explorer : explorers_)
     if (explorer->hasNode()) bound = std::min(bound, explorer->nodeBound());
   // An exhausted tree proves the incumbent, up to the gap that pruned it.
-  const double proven =
-      std::min(incumbentObjective_, mipPruningBound(options_, incumbentObjective_));
-  bound = std::max(std::min(bound, proven), std::min(rootBound_, incumbentObjective_));
+  const double goal = reference();
+  const double proven = std::min(goal, mipPruningBound(options_, goal));
+  bound = std::max(std::min(bound, proven), std::min(rootBound_, goal));
   // At or above the cutoff there is nothing to be found.
   return hasIncumbent() && bound >= cutoff_ ? std::max(bound, proven) : bound;
 }
@@ -95,26 +96,33 @@ double MipSearch::bestBound() {
 // --- incumbents ---
 
 void MipSearch::lowerCutoff() {
-  cutoff_ = std::min(cutoff_, searchCutoff(options_, problem_, incumbentObjective_));
+  cutoff_ = std::min(cutoff_, searchCutoff(options_, problem_, incumbentObjective_, pool_));
 }
 
 void MipSearch::knowSolution(double objective, const Vec<double> &image) {
   const bool hasImage = problem_.violation(image) <= problem_.tolerances().primal;
-  incumbentObjective_ = std::min(incumbentObjective_, objective);
-  if (hasImage) incumbent_ = image;
+  if (objective < incumbentObjective_) {
+    incumbentObjective_ = objective;
+    incumbent_ = hasImage ? image : Vec<double>();
+  }
   main().learnIncumbent(objective, hasImage ? image : Vec<double>());
+  if (hasImage && pool_.add(image, objective)) main().learnPool(pool_);
   ++solutionCount_;
   lowerCutoff();
 }
 
 void MipSearch::take(FoundSolution &&found) {
-  if (found.objective >= incumbentObjective_) return;
+  const bool improves = found.objective < incumbentObjective_;
+  if (pool_.inUse() ? !pool_.add(found.x, found.objective) : !improves) return;
   user_.keep(std::move(found.userPoint), found.objective);
-  incumbentObjective_ = found.objective;
-  incumbent_ = std::move(found.x);
   ++solutionCount_;
+  if (improves) {
+    incumbentObjective_ = found.objective;
+    incumbent_ = std::move(found.x);
+  }
   lowerCutoff();
   queue_.prune(cutoff_);
+  if (!improves) return;
   if (found.source == SolutionSource::Node)
     log_.nodeLogIncumbentLine(state(), found.depth);
   else
@@ -132,7 +140,7 @@ MipStatus MipSearch::terminationStatus() {
     return hasIncumbent() ? MipStatus::Optimal : MipStatus::Infeasible;
   }
   if (bound >= kUserInf) return MipStatus::Infeasible;
-  if (hasIncumbent() && (bound >= cutoff_ || mipGapReached(options_, incumbent, bound)))
+  if (hasIncumbent() && (bound >= cutoff_ || mipGapReached(options_, reference(), bound)))
     return MipStatus::Optimal;
   if (incumbent <= options_.bestObjStop + 1e-10 || bound >= options_.bestBdStop - 1e-10)
     return MipStatus::UserObjectiveLimit;
@@ -156,9 +164,21 @@ MipStatus MipSearch::terminationStatus() {
   return MipStatus::Running;
 }
 
+// The optimum of a search for several solutions is known: from now on lines tell about the pool.
+void MipSearch::completePool() {
+  if (!pool_.inUse() || completing_ || !rootDone_ || !hasIncumbent()) return;
+  if (incumbentObjective_ - bestBound() > 1e-10) return;
+  completing_ = true;
+  log_.enterCompletion();
+  if (!options_.subMip)
+    control_.log->print("\nOptimal solution found at node %g - now completing solution pool...\n",
+                        explored_);
+}
+
 void MipSearch::mipCheckTermination() {
   if (status_ != MipStatus::Running) return;
   status_ = terminationStatus();
+  if (status_ == MipStatus::Running) completePool();
   if (status_ != MipStatus::ImproveStart) return;
   status_ = MipStatus::Running;
   if (!options_.subMip)

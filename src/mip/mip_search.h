@@ -91,6 +91,9 @@ class MipSearch {
   void provenInfeasible();
   void nothingLeft();
   void lowerCutoff();
+  // What bounds are compared with: the incumbent, or the worst of the pool that is wanted.
+  double reference() const { return pool_.inUse() ? pool_.worst() : incumbentObjective_; }
+  void completePool();
   SearchState state();
   Explorer::Share share();
   HeuristicContext heuristicContext() { return main().heuristicContext(share()); }
@@ -115,6 +118,8 @@ class MipSearch {
   Vec<Explorer::Report> reports_;
   NodeQueue queue_;
   ImplicationTable implications_;
+  SolutionPool pool_;
+  bool completing_ = false;  // the optimum is proven, the pool is being filled
   Vec<std::unique_ptr<Separator>> separators_;
 
   MipStatus status_ = MipStatus::Running;

@@ -78,6 +78,11 @@ class MipSolve::Space : public UserSpace {
 MipSolve::MipSolve(const MipModel &model, const MipOptions &options, SolveControl &control)
     : model_(model), options_(options), control_(control) {
   options_.simplex.cutoff = kUserInf;
+  // Reductions keep one optimum, not every solution.
+  if (options_.poolSearchMode > 0) {
+    options_.presolve.level = 0;
+    options_.presolveMip = false;
+  }
 }
 MipSolve::~MipSolve() = default;
 
@@ -197,10 +202,8 @@ MipOutcome MipSolve::run() {
   }
   search_ = std::make_unique<MipSearch>(*problem_, options_, control_, *space_);
   search_->onNode = onNode;
-  if (!space_->solutions().empty()) {
-    const MipSolution &known = space_->solutions().front();
+  for (const MipSolution &known : space_->solutions())
     search_->knowSolution(known.objective, presolve_->imageOf(known.x));
-  }
   outcome.status = search_->run();
   if (outcome.status == MipStatus::Unbounded) outcome.status = resolveUnbounded();
   takeOutcome(outcome);

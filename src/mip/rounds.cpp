@@ -45,6 +45,7 @@ void MipSearch::employAll() {
           implications_, [this](CutFamily family) { return levelOf(family); }, nextId);
     }
     explorer->learnIncumbent(incumbentObjective_, incumbent_);
+    explorer->learnPool(pool_);
     explorers_.push_back(std::move(explorer));
   }
   reports_.resize(explorers_.size());
@@ -74,6 +75,7 @@ void MipSearch::exploreSide(const Explorer::Share &share) {
     Explorer &explorer = *explorers_[k];
     explorer.worker().pseudoCosts() = before[0];
     explorer.learnIncumbent(incumbentObjective_, incumbent_);
+    if (pool_.inUse()) explorer.learnPool(pool_);
     sideControls_[k - 1]->work = control_.work;
     if (!explorer.hasNode()) continue;
     threads.emplace_back(control_.threads, [&explorer, &share, report = &reports_[k]] {
@@ -136,6 +138,7 @@ void MipSearch::treeSearch() {
       exhausted = exhausted || reports_[k].exhausted;
     }
     main().learnIncumbent(incumbentObjective_, incumbent_);
+    if (pool_.inUse()) main().learnPool(pool_);
     for (const Explorer::Report &report : reports_)
       for (const Explorer::Processed &node : report.processed)
         log_.nodeLogLine(state(), node.outcome, node.objective, node.depth, node.fractional);

@@ -47,6 +47,9 @@ class SolutionSink {
   // In the problem's space; empty when the incumbent came from outside and has no image there.
   virtual const Vec<double> &incumbent() const = 0;
   virtual double cutoff() const = 0;  // objectives must be below
+  // A search for several solutions goes on below nodes whose point is feasible.
+  virtual bool wantsSeveral() const { return false; }
+  virtual bool knows(const Vec<double> &) const { return false; }
   bool hasPoint() const { return !incumbent().empty(); }
 };
 
