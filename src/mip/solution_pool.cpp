@@ -19,7 +19,7 @@ bool SolutionPool::has(const Vec<double> &x) const {
 }
 
 bool SolutionPool::add(const Vec<double> &x, double objective) {
-  if (objective >= worst()) return false;
+  if (!inUse() || objective >= worst()) return false;
   Vec<double> part = integralPart(x);
   const auto same = std::find_if(members_.begin(), members_.end(),
                                  [&](const Member &member) { return member.integral == part; });
