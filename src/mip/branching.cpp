@@ -196,12 +196,19 @@ Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink 
   return best;
 }
 
+// Bounds that come from the objective may stop just short of an end of the hole.
+bool Brancher::holeIsDecided(const Domain &domain, int col) const {
+  const double tolerance = problem_.tolerances().primal;
+  return domain.lower(col) >= problem_.model().holeUpper[col] - tolerance ||
+         domain.upper(col) <= problem_.model().holeLower[col] + tolerance;
+}
+
 Branching Brancher::chooseSemi(const Domain &domain, const Vec<double> &x) const {
   Branching best;
   double worst = problem_.tolerances().integral;
   for (const int j : problem_.semis()) {
     const double low = problem_.model().holeLower[j], high = problem_.model().holeUpper[j];
-    if (domain.lower(j) > low || domain.upper(j) < high) continue;
+    if (holeIsDecided(domain, j)) continue;
     const double off = std::min(x[j] - low, high - x[j]);
     if (off <= worst) continue;
     worst = off;
@@ -317,7 +324,7 @@ Branching Brancher::chooseOpenSet(const Domain &domain) const {
 Branching Brancher::chooseWithoutPoint(const Domain &domain) const {
   for (const int j : problem_.semis()) {
     const double low = problem_.model().holeLower[j], high = problem_.model().holeUpper[j];
-    if (domain.lower(j) > low || domain.upper(j) < high) continue;
+    if (holeIsDecided(domain, j)) continue;
     Branching branching;
     branching.result = Branching::Split;
     branching.down.push_back({j, BoundSide::Upper, low});

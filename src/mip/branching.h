@@ -61,6 +61,7 @@ class Brancher {
 
   Branching chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink &sink,
                            SolveControl &control);
+  bool holeIsDecided(const Domain &domain, int col) const;
   Branching chooseSemi(const Domain &domain, const Vec<double> &x) const;
   Branching chooseSos(const Domain &domain, const Vec<double> &x) const;
   Branching splitSet(const SosSet &set, const Domain &domain, const Vec<double> &x) const;
