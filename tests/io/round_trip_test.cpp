@@ -183,6 +183,20 @@ TEST_F(RoundTrip, MpsLosesNothing) {
   }
 }
 
+// A reader refuses binary columns beyond [0, 1]; a model may have fixed one there.
+TEST_F(RoundTrip, BinariesFixedBeyondTheirRangeComeBack) {
+  TVKmodel *model = read("b.lp",
+                         "min\n x + y + z\nst\n c: x + y + z >= 0\n"
+                         "bounds\n x = 2\n y = -1\n z = 0\nbinaries\n x y z\nend\n");
+  ASSERT_NE(model, nullptr);
+  ASSERT_EQ(TVKwrite(model, path("b.mps").c_str()), 0);
+  TVKmodel *back = readFile(path("b.mps"));
+  ASSERT_NE(back, nullptr) << log_;
+  EXPECT_EQ(back->data().lb, (Vec<double>{2, -1, 0}));
+  EXPECT_EQ(back->data().ub, (Vec<double>{2, -1, 0}));
+  EXPECT_EQ(std::string(back->data().vtype.begin(), back->data().vtype.end()), "IIB");
+}
+
 // What the file holds of a cone is its quadratic form.
 TEST_F(RoundTrip, ConesComeBackAsQuadraticConstraints) {
   for (unsigned seed = 0; seed < 20; ++seed) {

@@ -211,7 +211,7 @@ class MpsWriter {
     const char type = data_.vtype[j];
     const bool semi = type == 'S' || type == 'N';
     double lower = data_.lb[j], upper = data_.ub[j];
-    if (type == 'B' && lower <= 0) {
+    if (type == 'B' && lower <= 0 && lower != upper) {
       lower = 0;
       upper = std::min(upper, 1.0);
     }
@@ -231,7 +231,9 @@ class MpsWriter {
     }
     if (lower == upper && !semi) {
       bound("FX", name, lower);
-      if (type == 'B') bound("BV", name);
+      // Readers refuse binary columns beyond [0, 1]: one that is fixed there stays integral by its
+      // markers.
+      if (type == 'B' && lower >= 0 && lower <= 1) bound("BV", name);
       return;
     }
     if (typed && type == 'B') {
