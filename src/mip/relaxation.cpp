@@ -58,7 +58,7 @@ LpStatus Relaxation::solve(SolveControl &control, double iterationLimit) {
   totalIterations_ += simplex_.iterations() - before;
   solutionStale_ = true;
   if (status_ != LpStatus::Optimal) {
-    objective_ = status_ == LpStatus::IterationLimit ? simplex_.dualBound() : -kUserInf;
+    objective_ = status_ == LpStatus::IterationLimit ? simplex_.dualBound(control.work) : -kUserInf;
     return status_;
   }
   simplex_.getPoint(x_, reducedCost_, objective_);
@@ -114,13 +114,6 @@ int Relaxation::removeSlackCuts(int age) {
   simplex_.deleteRows(mark);
   cuts_.swap(kept);
   return removed;
-}
-
-void Relaxation::removeAllCuts() {
-  Vec<char> mark(numRows(), 0);
-  std::fill(mark.begin() + problem_->numRows(), mark.end(), 1);
-  if (numCuts() > 0) simplex_.deleteRows(mark);
-  cuts_.clear();
 }
 
 void Relaxation::row(int i, const int *&index, const double *&value, int &count) const {

@@ -47,7 +47,6 @@ class Relaxation {
   void copyCuts(const Relaxation &other);
   // Deletes cuts whose logical has been basic in `age` successive optimal solves.
   int removeSlackCuts(int age);
-  void removeAllCuts();
   // Entries of row i (of the problem, or of a cut), its bounds.
   void row(int i, const int *&index, const double *&value, int &count) const;
   double rowLower(int i) const;

@@ -222,7 +222,7 @@ bool DualSimplex<Real>::cutoffProven() {
       e_.iterations < nextCutoffTest_)
     return false;
   nextCutoffTest_ = e_.iterations + tuning::kCutoffTestInterval;
-  return e_.dualBound() > e_.options.cutoff;
+  return e_.dualBound(e_.control->work) > e_.options.cutoff;
 }
 
 template <class Real>

@@ -335,12 +335,12 @@ Real Engine<Real>::trueObjective() const {
 // Any multipliers give a bound: those of the basis at the true costs are computed for it, whatever
 // the algorithms were about when they stopped.
 template <class Real>
-double Engine<Real>::dualBound() {
+double Engine<Real>::dualBound(WorkMeter &work) {
   SparseVec<Real> &y = work1;
   y.clear();
   for (int i = 0; i < lp.m; ++i)
     if (lp.cost[head[i]] != Real(0)) y.set(i, lp.cost[head[i]]);
-  factor.btran(y, 1.0, control->work);
+  factor.btran(y, 1.0, work);
   Real sum = lp.offset;
   bool bounded = true;
   const auto add = [&](VarIndex j, Real d) {
@@ -360,7 +360,7 @@ double Engine<Real>::dualBound() {
   for (int i = 0; i < lp.m; ++i)
     if (position[lp.n + i] < 0) add(lp.n + i, -y.value[i]);
   y.clear();
-  chargeWork(static_cast<double>(lp.cols.numNz()) + lp.total());
+  work.charge((static_cast<double>(lp.cols.numNz()) + lp.total()) * workRate);
   return bounded ? static_cast<double>(sum) : -kInf;
 }
 

@@ -173,7 +173,7 @@ class Engine : public EngineState {
   Real trueObjective() const;
   // What the multipliers of the current basis prove for the true problem: no point within the
   // bounds is better. Reduced costs within the tolerance count as zero where a bound is missing.
-  double dualBound();
+  double dualBound(WorkMeter &work);
   // The reduced cost of a structural variable at the multipliers that the logicals show.
   Real reducedCost(VarIndex j) const;
 

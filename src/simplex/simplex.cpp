@@ -1,6 +1,5 @@
 #include "simplex/simplex.h"
 
-#include <utility>
 
 #include "simplex/simplex_core.h"
 
@@ -188,15 +187,8 @@ void Simplex::getSolution(LpSolution &solution) const {
 void Simplex::getPoint(Vec<double> &x, Vec<double> &reducedCost, double &objective) const {
   engine_->visit([&](auto &core) { core.getPoint(x, reducedCost, objective); });
 }
-double Simplex::dualBound() {
-  return engine_->visit([](auto &core) {
-    // The control of the last solve may be gone.
-    SolveControl own;
-    SolveControl *const last = std::exchange(core.engine.control, &own);
-    const double bound = core.engine.dualBound();
-    core.engine.control = last;
-    return bound;
-  });
+double Simplex::dualBound(WorkMeter &work) {
+  return engine_->visit([&](auto &core) { return core.engine.dualBound(work); });
 }
 bool Simplex::logicalIsBasic(RowIndex row) const {
   return engine_->visit(

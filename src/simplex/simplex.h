@@ -80,7 +80,7 @@ class Simplex {
   // columns) and the objective.
   void getPoint(Vec<double> &x, Vec<double> &reducedCost, double &objective) const;
   // A bound on every solution within the current bounds, from the multipliers of the current basis.
-  double dualBound();
+  double dualBound(WorkMeter &work);
   bool logicalIsBasic(RowIndex row) const;
 
   // Solves with the current basis matrix, in the user's scale. Basis columns are structural
