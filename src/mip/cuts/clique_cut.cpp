@@ -27,14 +27,12 @@ class CliqueSeparator : public Separator {
     x_ = point.x;
     mark_.assign(2 * static_cast<std::size_t>(point.problem->numCols()), 0);
     CutAssembler out(point, context_->rows(point));
-    const double budget =
-        (1e7 + 20.0 * static_cast<double>(point.problem->rows().numNz())) * std::max(1, level);
-    const double workEnd = std::min(point.workLimit, point.work->counted() + budget);
+    const double end = workEnd(point, level);
     const Vec<Literal> starts = fractionalLiterals(point, table);
     Vec<char> covered(mark_.size(), 0);
     const std::size_t most = cuts.size() + kMostCuts;
     for (const Literal start : starts) {
-      if (point.work->counted() > workEnd || cuts.size() >= most) return;
+      if (point.work->counted() > end || cuts.size() >= most) return;
       if (covered[start]) continue;
       const Vec<Literal> clique = grow(table, start, *point.work);
       double sum = 0;

@@ -15,6 +15,12 @@ constexpr double kLargestValue = 1e9;
 constexpr double kZero = 1e-12;
 }  // namespace
 
+double workEnd(const SeparationPoint &point, int level) {
+  const double entries = static_cast<double>(point.problem->rows().numNz());
+  const double share = (1e7 + 20.0 * entries) * std::max(1, level);
+  return std::min(point.workLimit, point.work->counted() + share);
+}
+
 double efficacy(const Cut &cut, const Vec<double> &x) {
   double activity = 0, square = 0;
   for (std::size_t k = 0; k < cut.index.size(); ++k) {

@@ -68,6 +68,9 @@ class Separator {
   virtual void separate(const SeparationPoint &point, int level, Vec<Cut> &cuts) = 0;
 };
 
+// On work->counted(): where a separator that passes over the rows has had its share.
+double workEnd(const SeparationPoint &point, int level);
+
 // Violation divided by the Euclidean norm.
 double efficacy(const Cut &cut, const Vec<double> &x);
 // Merges equal columns, moves coefficients that are too small (relative to the largest) to the

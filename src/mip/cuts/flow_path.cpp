@@ -188,10 +188,8 @@ class FlowPathSeparator : public Separator {
     if (bounds.count() == 0) return;
     const RowSystem &rows = context_->rows(point);
     FlowPath path(point, rows, bounds);
-    const double budget =
-        (1e7 + 20.0 * static_cast<double>(point.problem->rows().numNz())) * std::max(1, level);
-    const double workEnd = std::min(point.workLimit, point.work->counted() + budget);
-    for (int i = 0; i < point.problem->numRows() && point.work->counted() < workEnd; ++i) {
+    const double end = workEnd(point, level);
+    for (int i = 0; i < point.problem->numRows() && point.work->counted() < end; ++i) {
       if (point.problem->rows().length(i) < 2) continue;
       for (const double sign : {1.0, -1.0}) path.run(i, sign, cuts);
     }

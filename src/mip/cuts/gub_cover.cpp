@@ -14,7 +14,7 @@ namespace tarvik {
 namespace {
 
 constexpr double kLeastViolation = 1e-4;
-constexpr int kLargestRank = 3;
+constexpr int kLargestRank = 2;
 constexpr std::size_t kMostCliques = 30;  // looked at for one literal
 
 class GubCover {
@@ -184,20 +184,10 @@ class GubCoverSeparator : public Separator {
     if (cliques.numCliques() == 0) return;
     const RowSystem &rows = context_->rows(point);
     GubCover cover(point, rows, context_->variableBounds(point), cliques);
-    const double budget =
-        (1e7 + 20.0 * static_cast<double>(point.problem->rows().numNz())) * std::max(1, level);
-    const double workEnd = std::min(point.workLimit, point.work->counted() + budget);
-    for (int i = 0; i < rows.numRows() && point.work->counted() < workEnd; ++i) {
-      const int rank = point.lp->rowRank(i);
-      if (rank >= kLargestRank || rows.slack(i).side == 0) continue;
-      for (const double sign : {1.0, -1.0}) {
-        const double bound = sign > 0 ? point.lp->rowUpper(i) : -point.lp->rowLower(i);
-        Cut cut;
-        cut.family = CutFamily::GubCover;
-        cut.rank = rank + 1;
-        if (!isInf(bound) && cover.cutFrom(i, sign, bound, cut)) cuts.push_back(std::move(cut));
-      }
-    }
+    const auto cutFrom = [&](int row, double sign, double bound, Cut &cut) {
+      return cover.cutFrom(row, sign, bound, cut);
+    };
+    cutsFromKnapsacks(point, rows, family(), level, kLargestRank, cutFrom, cuts);
   }
 
  private:

@@ -28,9 +28,7 @@ class ImpliedBoundSeparator : public Separator {
     const RowSystem &rows = context_->rows(point);
     CutAssembler out(point, rows);
     const Problem &problem = *point.problem;
-    const double budget =
-        (1e7 + 20.0 * static_cast<double>(problem.rows().numNz())) * std::max(1, level);
-    const double workEnd = std::min(point.workLimit, point.work->counted() + budget);
+    const double end = workEnd(point, level);
     const std::size_t most = cuts.size() + kMostCuts;
     if (point.implications) {
       for (const Implication &implication : point.implications->all()) {
@@ -40,7 +38,7 @@ class ImpliedBoundSeparator : public Separator {
       point.work->charge(4.0 * static_cast<double>(point.implications->all().size()));
     }
     for (int i = 0; i < problem.numRows(); ++i) {
-      if (point.work->counted() > workEnd || cuts.size() >= most) return;
+      if (point.work->counted() > end || cuts.size() >= most) return;
       const double upper = problem.lp().rowUpper[i], lower = problem.lp().rowLower[i];
       if (problem.rows().length(i) > kLongestRow) continue;
       if (!isInf(upper)) fromRow(point, out, i, 1, upper, cuts);

@@ -42,4 +42,23 @@ class Knapsack {
   double capacity_ = 0;
 };
 
+// Both directions of every row of at most `largestRank` that has a logical to relax by, until the
+// work is used up: cutFrom(row, sign, bound, cut) tells whether sign * row <= bound gave a cut.
+template <class CutFrom>
+void cutsFromKnapsacks(const SeparationPoint &point, const RowSystem &rows, CutFamily family,
+                       int level, int largestRank, CutFrom &&cutFrom, Vec<Cut> &cuts) {
+  const double end = workEnd(point, level);
+  for (int i = 0; i < rows.numRows() && point.work->counted() < end; ++i) {
+    const int rank = point.lp->rowRank(i);
+    if (rank > largestRank || rows.slack(i).side == 0) continue;
+    for (const double sign : {1.0, -1.0}) {
+      const double bound = sign > 0 ? point.lp->rowUpper(i) : -point.lp->rowLower(i);
+      Cut cut;
+      cut.family = family;
+      cut.rank = rank + 1;
+      if (!isInf(bound) && cutFrom(i, sign, bound, cut)) cuts.push_back(std::move(cut));
+    }
+  }
+}
+
 }  // namespace tarvik

@@ -17,7 +17,7 @@ namespace {
 constexpr double kTolerance = 1e-9;
 constexpr double kLeastEfficacy = 1e-4;
 constexpr int kLargestSum = 1000;  // of the lifting coefficients
-constexpr int kLargestRank = 1;    // rows of the problem only: covers of cuts crowd out better ones
+constexpr int kLargestRank = 0;    // rows of the problem only: covers of cuts crowd out better ones
 
 struct Item : KnapsackItem {
   int lifted = 0;
@@ -194,20 +194,10 @@ class CoverSeparator : public Separator {
   void separate(const SeparationPoint &point, int level, Vec<Cut> &cuts) override {
     const RowSystem &rows = context_->rows(point);
     KnapsackCover knapsack(point, rows, context_->variableBounds(point));
-    const double budget =
-        (1e7 + 20.0 * static_cast<double>(point.problem->rows().numNz())) * std::max(1, level);
-    const double workEnd = std::min(point.workLimit, point.work->counted() + budget);
-    for (int i = 0; i < rows.numRows() && point.work->counted() < workEnd; ++i) {
-      const int rank = point.lp->rowRank(i);
-      if (rank >= kLargestRank || rows.slack(i).side == 0) continue;
-      for (const double sign : {1.0, -1.0}) {
-        const double bound = sign > 0 ? point.lp->rowUpper(i) : -point.lp->rowLower(i);
-        Cut cut;
-        cut.family = CutFamily::Cover;
-        cut.rank = rank + 1;
-        if (!isInf(bound) && knapsack.cutFrom(i, sign, bound, cut)) cuts.push_back(std::move(cut));
-      }
-    }
+    const auto cutFrom = [&](int row, double sign, double bound, Cut &cut) {
+      return knapsack.cutFrom(row, sign, bound, cut);
+    };
+    cutsFromKnapsacks(point, rows, family(), level, kLargestRank, cutFrom, cuts);
   }
 
  private:
