@@ -51,7 +51,6 @@ class Brancher {
     nodeIterations_ += iterations;
     ++nodeSolves_;
   }
-  double strongIterations() const { return strongIterations_; }
 
  private:
   struct Probe {

@@ -24,16 +24,13 @@ struct BoundChange {
   double value;
 };
 
-// Why a bound was changed: what conflict analysis has to explain.
+// Why a bound was changed.
 struct Reason {
   enum Kind : char {
-    Decision,     // a branching
-    Row,          // row `index` of the problem
-    Objective,    // the objective cutoff
-    Implication,  // another bound: see ImplicationTable, `index` is the trail position that implied
-                  // it
-    Conflict,     // constraint `index` of the conflict pool
-    Other,        // nothing that can be explained (reduced costs, sets, global facts)
+    Decision,   // a branching
+    Row,        // row `index` of the problem
+    Objective,  // the objective cutoff
+    Other,      // reduced costs, sets, global facts
   } kind = Other;
   int index = -1;
 };
@@ -46,8 +43,8 @@ struct TrailEntry {
   int previous;  // trail position of the change before it of the same bound, -1: the root's bound
 };
 
-// Something that derives bound changes from bound changes besides the rows: implications, cliques,
-// conflicts. Called with every change that was made, in order.
+// Something that derives bound changes from bound changes besides the rows: ordered sets, say.
+// Called with every change that was made, in order.
 class Propagator {
  public:
   virtual ~Propagator() = default;
@@ -78,12 +75,6 @@ class Domain {
   // Everything that follows from the changes so far. False: empty. Work is charged.
   bool propagate(WorkMeter &work);
   bool empty() const { return empty_; }
-  // The row, or other reason, that made it empty; a column's bounds crossing has column >= 0.
-  struct Failure {
-    Reason reason;
-    int col = -1;
-  };
-  const Failure &failure() const { return failure_; }
 
   int level() const { return static_cast<int>(levelStart_.size()); }
   void backtrackTo(int level);
@@ -123,7 +114,7 @@ class Domain {
   bool propagateObjective(WorkMeter &work);
   bool atMost(const int *index, const double *value, int count, double sign, double limit,
               const Activity &least, Reason reason);
-  bool fail(Reason reason, int col);
+  bool fail();
   bool worthwhile(int col, BoundSide side, double value) const;
   double rounded(int col, BoundSide side, double value) const;
   double semiAdjusted(int col, BoundSide side, double value) const;
@@ -148,7 +139,6 @@ class Domain {
   bool objectiveQueued_ = false;
   int told_ = 0;  // trail entries that the propagators have seen
   bool empty_ = false;
-  Failure failure_;
 };
 
 }  // namespace tarvik

@@ -180,15 +180,6 @@ void NodeLog::nodeLogHeuristicLine(const SearchState &state) {
   printed();
 }
 
-void NodeLog::nodeLogProgressLine(const SearchState &state, double objective, int depth,
-                                  int infeasibilities) {
-  if (!due()) return;
-  char count[16];
-  std::snprintf(count, sizeof count, "%3d", infeasibilities);
-  const double clamped = std::min(std::max(objective, state.bound), state.incumbent);
-  line(state, formatField(options_.objSense * clamped, 10).text, depth, count);
-}
-
 void NodeLog::nodeLogElapsed(const char *phase) {
   if (headerPrinted_ || !due()) return;
   const double seconds = control_.limits.seconds();

@@ -27,9 +27,6 @@ class NodeLog {
   // A new incumbent: at a node, or from a heuristic.
   void nodeLogIncumbentLine(const SearchState &state, int depth);
   void nodeLogHeuristicLine(const SearchState &state);
-  // A sign of life between nodes.
-  void nodeLogProgressLine(const SearchState &state, double objective, int depth,
-                           int infeasibilities);
   // During long work at the root, before the table begins; phase may be null.
   void nodeLogElapsed(const char *phase);
   // True once the root relaxation was solved: incumbents then get table lines.

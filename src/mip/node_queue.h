@@ -47,16 +47,6 @@ class NodeQueue {
   std::shared_ptr<Node> takeBestEstimate();
   // Removes the nodes with bounds at or above the cutoff.
   void prune(double cutoff);
-  // Up to `count` open nodes in no particular order.
-  template <class F>
-  void sample(int count, F &&f) const {
-    for (const auto &node : byBound_) {
-      if (count == 0) return;
-      if (node->taken) continue;
-      --count;
-      f(*node);
-    }
-  }
 
  private:
   using Heap = Vec<std::shared_ptr<Node>>;

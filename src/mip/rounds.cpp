@@ -68,12 +68,12 @@ bool MipSearch::giveNodes() {
 }
 
 void MipSearch::exploreSide(const Explorer::Share &share) {
-  Vec<PseudoCosts> before(explorers_.size(), worker().pseudoCosts());
+  const PseudoCosts before(worker().pseudoCosts());
   const double work = control_.work.counted();
   Vec<Thread> threads;
   for (std::size_t k = 1; k < explorers_.size(); ++k) {
     Explorer &explorer = *explorers_[k];
-    explorer.worker().pseudoCosts() = before[0];
+    explorer.worker().pseudoCosts() = before;
     explorer.learnIncumbent(incumbentObjective_, incumbent_);
     if (pool_.inUse()) explorer.learnPool(pool_);
     sideControls_[k - 1]->work = control_.work;
@@ -86,7 +86,7 @@ void MipSearch::exploreSide(const Explorer::Share &share) {
   for (Thread &thread : threads) thread.join();
   for (std::size_t k = 1; k < explorers_.size(); ++k) {
     control_.work.charge(sideControls_[k - 1]->work.counted() - work);
-    worker().pseudoCosts().addObserved(before[k], explorers_[k]->worker().pseudoCosts());
+    worker().pseudoCosts().addObserved(before, explorers_[k]->worker().pseudoCosts());
   }
 }
 

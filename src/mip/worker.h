@@ -44,8 +44,6 @@ class Worker {
   void followRootOf(Worker &other);
   // Back at level 0; decisions of the node that was processed last are undone.
   void returnToRoot();
-  // The path of the node processed last; its children continue from here.
-  const std::shared_ptr<const NodePath> &path() const { return path_; }
 
   // Bounds that reduced costs at an optimum imply under the cutoff; at the current level.
   // False: the domain became empty.
