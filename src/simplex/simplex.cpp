@@ -1,6 +1,5 @@
 #include "simplex/simplex.h"
 
-
 #include "simplex/simplex_core.h"
 
 namespace tarvik {
