@@ -30,6 +30,8 @@ struct Reason {
     Decision,   // a branching
     Row,        // row `index` of the problem
     Objective,  // the objective cutoff
+    Symmetry,   // the image of a bound of another column: valid by the node's place in the tree,
+                // not by other bounds; whoever explains it must keep it, like a decision
     Other,      // reduced costs, sets, global facts
   } kind = Other;
   int index = -1;
