@@ -6,8 +6,4 @@ __attribute__((weak)) void beginRecording(Env &) {
   throw Error(TVK_ERROR_NOT_SUPPORTED, "Recording is not available in this version");
 }
 
-__attribute__((weak)) void installUserCallback(Env &, TVKcallback, void *) {
-  throw Error(TVK_ERROR_NOT_SUPPORTED, "User callbacks are not available in this version");
-}
-
 }  // namespace tarvik

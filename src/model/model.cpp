@@ -92,6 +92,7 @@ void Model::update() {
 }
 
 void Model::reset(bool clearAll) {
+  requireIdle();
   update();
   solution_.clearAll();
   if (clearAll) data_.starts = {};

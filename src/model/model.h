@@ -71,11 +71,17 @@ class Model {
   const SolutionStore &solution() const { return solution_; }
   DerivedData &derived() { return derived_; }
 
+  // Calls from inside a callback may look at a model that is being optimized; what would move the
+  // ground under the solve throws here.
+  void requireIdle() const {
+    if (optimizing) throw Error(TVK_ERROR_OPTIMIZATION_IN_PROGRESS);
+  }
+
   // Runs change(PendingChanges &), making the record when there is none yet; when change throws,
   // a record made for it disappears again.
   template <class Change>
   void edit(Change &&change) {
-    if (optimizing) throw Error(TVK_ERROR_OPTIMIZATION_IN_PROGRESS);
+    requireIdle();
     const bool fresh = !pending_;
     if (fresh) openPending();
     try {
@@ -109,7 +115,7 @@ class Model {
 
   // An optimization runs: modifying calls get 10017.
   std::atomic<bool> optimizing{false};
-  bool insideCallback = false;                  // a user callback of it runs
+  std::atomic<bool> insideCallback{false};      // a user callback of it runs
   std::unique_ptr<BackgroundSolve> background;  // of the last asynchronous call, until its sync
   bool solvesInBackground() const { return background && optimizing; }
 

@@ -162,6 +162,7 @@ int TVKXloadmodel(TVKenv *env, TVKmodel **modelP, const char *Pname, int numvars
 int TVKfreemodel(TVKmodel *model) {
   if (!model) return 0;
   if (const int code = checkModel(model)) return code;
+  if (model->optimizing) return TVK_ERROR_OPTIMIZATION_IN_PROGRESS;
   logModelCall(model->env(), "TVKfreemodel", model);
   Model::destroy(model);
   return 0;

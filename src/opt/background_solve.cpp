@@ -53,6 +53,7 @@ class SolveThread final : public BackgroundSolve {
 }  // namespace
 
 void startBackgroundSolve(Model &model) {
+  model.requireIdle();
   model.background.reset();
   model.background = std::make_unique<SolveThread>(model);
 }

@@ -188,6 +188,7 @@ TVKmodel *TVKfixedmodel(TVKmodel *model) {
 // not outlive that is none to fix at.
 int TVKconverttofixed(TVKmodel *model) {
   return modelCall(model, nullptr, [](Model &m) {
+    m.requireIdle();
     m.update();
     if (!isMipClass(m)) return;
     ModelData data = m.data();
@@ -211,6 +212,7 @@ int TVKfeasrelax(TVKmodel *model, int relaxobjtype, int minrelax, const double *
                  const double *ubpen, const double *rhspen, double *feasobjP) {
   if (feasobjP) *feasobjP = -1.0;
   return modelCall(model, nullptr, [&](Model &m) {
+    m.requireIdle();
     if (relaxobjtype < 0 || relaxobjtype > 2)
       throw Error(TVK_ERROR_INVALID_ARGUMENT, "Relaxation type %d is not 0, 1 or 2", relaxobjtype);
     if (m.hasPending()) {

@@ -7,6 +7,7 @@
 #include "attr/solution_check.h"
 #include "attr/statistics.h"
 #include "base/locale_scope.h"
+#include "callback/callback_run.h"
 #include "model/objectives.h"
 #include "opt/lp_solve.h"
 #include "opt/mip_driver.h"
@@ -117,11 +118,12 @@ void checkSolution(Model &model) {
   if (isSolution && !store.x.empty()) checkFinalSolution(model, store.x);
 }
 
-void solve(Model &model) {
+void solve(Model &model, CallbackRun &callbacks) {
   Env &env = model.env();
   if (!env.account().counting() && isFinite(env.get(Dbl::MemLimit)))
     env.log("Warning: memory counting is disabled - MemLimit parameter ineffective\n");
   SolveClock clock(model);
+  const CallbackRun::Attachment attached(callbacks, clock.control(), model.data().isMip());
   warnOfUpdates(env, model.data());
   model.update();
   const ModelData &data = model.data();
@@ -149,11 +151,14 @@ void solve(Model &model) {
 
 void solveRunning(Model &model) {
   const LocaleScope locale(model.env().get(Int::TARV_PAR_KEEPLOCALE) == 0);
+  CallbackRun callbacks(model);
   logHeader(model.env());
-  solve(model);
+  solve(model, callbacks);
+  callbacks.finish();
 }
 
 void optimize(Model &model) {
+  model.requireIdle();
   model.background.reset();
   {
     const RunningScope running(model);

@@ -118,6 +118,7 @@ RetainedSolve *RetainedSolve::withBasis(Model &model) {
 }
 
 Simplex &RetainedSolve::factoredBasis(Model &model, SolveControl &control, bool &changed) {
+  if (model.insideCallback) throw Error(TVK_ERROR_OPTIMIZATION_IN_PROGRESS);
   const SolutionStore &store = model.solution();
   SimplexOptions options = simplexOptions(model.env());
   options.logging = false;

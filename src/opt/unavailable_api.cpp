@@ -25,22 +25,6 @@ int TVKstrongbranch(TVKmodel *model, int, const int *, double *, double *, int *
 int TVKcomputeIIS(TVKmodel *model) {
   return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKcomputeIIS"); });
 }
-int TVKsetcallbackfunc(TVKmodel *model, TVKcallback, void *) {
-  return tarvik::modelCall(model, nullptr,
-                           [](tarvik::Model &) { unavailable("TVKsetcallbackfunc"); });
-}
-int TVKsetcallbackfuncenv(TVKenv *env, TVKcallback, void *) {
-  return tarvik::envCall(env, nullptr, [](tarvik::Env &) { unavailable("TVKsetcallbackfuncenv"); });
-}
-int TVKgetcallbackfunc(TVKmodel *model, TVKcallback *) {
-  return tarvik::modelCall(model, nullptr,
-                           [](tarvik::Model &) { unavailable("TVKgetcallbackfunc"); });
-}
-int TVKgetcallbackfuncenv(TVKenv *env, TVKcallback *) {
-  return tarvik::envCall(env, nullptr, [](tarvik::Env &) { unavailable("TVKgetcallbackfuncenv"); });
-}
-int TVKgetcbwhatinfo(void *, int, int *, int *) { return TVK_ERROR_NOT_SUPPORTED; }
-int TVKcbget(void *, int, int, void *) { return TVK_ERROR_NOT_SUPPORTED; }
 int TVKcbsolution(void *, const double *, double *) { return TVK_ERROR_NOT_SUPPORTED; }
 int TVKcbcut(void *, int, const int *, const double *, char, double) {
   return TVK_ERROR_NOT_SUPPORTED;
