@@ -118,6 +118,11 @@ bool Explorer::applyCutoff() {
           domain.propagate(control_.work));
 }
 
+void Explorer::numberNodes(std::int64_t last, std::int64_t step) {
+  nextId_ = last;
+  idStep_ = step;
+}
+
 void Explorer::give(std::shared_ptr<Node> node) {
   next_ = std::move(node);
   plungeDepth_ = 0;

@@ -85,6 +85,10 @@ class Explorer : public SolutionSink {
   HeuristicContext heuristicContext(const Share &share);
   double iterations() const { return worker_.lpIterations() + repair_.iterations(); }
 
+  // Ids of nodes made from now on: steps after the last one.
+  void numberNodes(std::int64_t last, std::int64_t step);
+  std::int64_t lastNodeId() const { return nextId_; }
+
   // Another's incumbent; empty: it has no image in this problem.
   void learnIncumbent(double objective, const Vec<double> &x);
   void learnPool(const SolutionPool &pool);

@@ -18,6 +18,9 @@ struct CutSettings {
   int passes = -1;  // rounds at the root; -1 automatic
 };
 
+// A value of MipOptions::focus from within: the search works on improving its incumbent.
+inline constexpr int kImproveFocus = 4;
+
 struct MipOptions {
   MipTolerances tolerances;
   SimplexOptions simplex;
@@ -31,6 +34,7 @@ struct MipOptions {
   int solutionLimit = kMaxInt;
   double improveStartTime = kUserInf, improveStartGap = 0, improveStartNodes = kUserInf;
   bool noSolutionCutoff = false;
+  double softTimeLimit = kUserInf, softWorkLimit = kUserInf;  // seconds, counted units; in the tree
 
   int focus = 0;             // MIPFocus, 4 in the improve-start phase
   double heuristics = 0.05;  // share of the work

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "mip/gap_rules.h"
 
@@ -66,7 +67,7 @@ double MipSearch::unexplored() const {
 }
 
 double MipSearch::iterations() const {
-  double sum = 0;
+  double sum = dismissedIterations_;
   for (const auto &explorer : explorers_) sum += explorer->iterations();
   return sum;
 }
@@ -181,15 +182,27 @@ void MipSearch::mipCheckTermination() {
   if (status_ == MipStatus::Running) completePool();
   if (status_ != MipStatus::ImproveStart) return;
   status_ = MipStatus::Running;
+  focusOnImproving();
+}
+
+void MipSearch::focusOnImproving() {
   if (!options_.subMip)
     control_.log->print(
         "\nResetting heuristic parameters to focus on improving solution\n"
         "(using Heuristics=0.5 and RINS=10)...\n\n");
   options_.heuristics = 0.5;
   options_.rins = 10;
-  options_.focus = 4;
+  options_.focus = kImproveFocus;
   options_.improveStartTime = options_.improveStartNodes = kUserInf;
   options_.improveStartGap = 0;
+}
+
+void MipSearch::checkSoftLimits() {
+  if (status_ != MipStatus::Running) return;
+  if (options_.softWorkLimit < 1e99 && control_.work.counted() > options_.softWorkLimit)
+    status_ = MipStatus::SoftLimit;
+  else if (options_.softTimeLimit < 1e99 && control_.limits.seconds() > options_.softTimeLimit)
+    status_ = MipStatus::TimeLimit;
 }
 
 void MipSearch::nothingLeft() {
@@ -226,6 +239,46 @@ MipStatus MipSearch::run() {
     main().heuristics().atEnd(context);
   }
   return status_;
+}
+
+// --- going on ---
+
+bool MipSearch::canGoOn(const MipOptions &options) const {
+  const auto structure = [](const MipOptions &o) {
+    return std::make_tuple(o.tolerances.primal, o.tolerances.dual, o.tolerances.integral,
+                           o.poolSearchMode, o.poolSolutions, o.presolve.level, o.presolveMip);
+  };
+  if (!rootDone_ || infeasible_ || structure(options) != structure(options_)) return false;
+  // Ids of cuts tell the explorers apart.
+  if (options.threads != options_.threads && worker().treeSeparation()) return false;
+  const double wanted = searchCutoff(options, problem_, incumbentObjective_, pool_);
+  return std::min(wanted, incumbentObjective_) <= cutoff_;
+}
+
+MipStatus MipSearch::goOn(const MipOptions &options) {
+  const bool improving = options_.focus == kImproveFocus;
+  if (options.threads != options_.threads) dismissSideExplorers();
+  options_ = options;
+  if (improving)
+    focusOnImproving();
+  else
+    control_.log->print("\nContinuing optimization...\n\n");
+  lowerCutoff();
+  queue_.prune(cutoff_);
+  return run();
+}
+
+// What they have learnt the first one knows already.
+void MipSearch::dismissSideExplorers() {
+  firstNodeId_ = main().lastNodeId();
+  for (std::size_t k = 1; k < explorers_.size(); ++k) {
+    Explorer &explorer = *explorers_[k];
+    firstNodeId_ = std::max(firstNodeId_, explorer.lastNodeId());
+    dismissedIterations_ += explorer.iterations();
+    if (explorer.hasNode()) queue_.push(explorer.takeNode());
+  }
+  explorers_.resize(1);
+  sideControls_.clear();
 }
 
 }  // namespace tarvik

@@ -49,8 +49,12 @@ class MipSearch {
   // A solution of the user's model is known. The point is its image in the presolved problem, if
   // presolve's reductions leave it one.
   void knowSolution(double objective, const Vec<double> &image);
-  // To an end or a limit; may be called again to go on after a limit was lifted.
+  // To an end or a limit.
   MipStatus run();
+  // Whether a search that was stopped in the tree can go on with other options: nothing that they
+  // ask for was cut off so far.
+  bool canGoOn(const MipOptions &options) const;
+  MipStatus goOn(const MipOptions &options);
   // Called after every node.
   std::function<void(const MipSearch &)> onNode;
 
@@ -94,6 +98,9 @@ class MipSearch {
   // What bounds are compared with: the incumbent, or the worst of the pool that is wanted.
   double reference() const { return pool_.inUse() ? pool_.worst() : incumbentObjective_; }
   void completePool();
+  void focusOnImproving();
+  void dismissSideExplorers();
+  void checkSoftLimits();
   SearchState state();
   Explorer::Share share();
   HeuristicContext heuristicContext() { return main().heuristicContext(share()); }
@@ -135,6 +142,8 @@ class MipSearch {
   CutCounters cutCounters_{};
   int nextCutId_ = 0;
   Vec<std::unique_ptr<int>> sideCutIds_;  // of the side explorers
+  double dismissedIterations_ = 0;        // of explorers that are gone
+  std::int64_t firstNodeId_ = 0;          // of the explorers
   std::int64_t picks_ = 0;
   int maxDepth_ = 0, lastInfeasibilities_ = 0;
   double startWork_ = 0;

@@ -76,15 +76,18 @@ class MipSolve::Space : public UserSpace {
 };
 
 MipSolve::MipSolve(const MipModel &model, const MipOptions &options, SolveControl &control)
-    : model_(model), options_(options), control_(control) {
-  options_.simplex.cutoff = kUserInf;
-  // Reductions keep one optimum, not every solution.
-  if (options_.poolSearchMode > 0) {
-    options_.presolve.level = 0;
-    options_.presolveMip = false;
-  }
-}
+    : model_(model), options_(adapted(options)), control_(control) {}
 MipSolve::~MipSolve() = default;
+
+MipOptions MipSolve::adapted(MipOptions options) const {
+  options.simplex.cutoff = kUserInf;
+  // Reductions keep one optimum, not every solution.
+  if (options.poolSearchMode > 0) {
+    options.presolve.level = 0;
+    options.presolveMip = false;
+  }
+  return options;
+}
 
 // What presolve achieved, and what is left.
 void MipSolve::logPresolved(double seconds) const {
@@ -132,12 +135,25 @@ bool MipSolve::presolve(MipOutcome &outcome) {
   return false;
 }
 
-void MipSolve::takeOutcome(MipOutcome &outcome) {
+MipOutcome MipSolve::finish(MipStatus status) {
+  MipOutcome outcome;
+  outcome.status = status == MipStatus::Unbounded ? resolveUnbounded() : status;
   outcome.bound = search_->bestBound();
   outcome.explored = search_->explored();
   outcome.unexplored = search_->unexplored();
   outcome.iterations = search_->iterations() + space_->iterations();
   outcome.cuts = search_->cutCounters();
+  outcome.solutions = space_->solutions();
+  return outcome;
+}
+
+bool MipSolve::canGoOn(const MipOptions &options) const {
+  return search_ && search_->canGoOn(adapted(options));
+}
+
+MipOutcome MipSolve::goOn(const MipOptions &options) {
+  options_ = adapted(options);
+  return finish(search_->goOn(options_));
 }
 
 // An unbounded relaxation: of rational data, any integral point makes the problem unbounded too.
@@ -204,11 +220,7 @@ MipOutcome MipSolve::run() {
   search_->onNode = onNode;
   for (const MipSolution &known : space_->solutions())
     search_->knowSolution(known.objective, presolve_->imageOf(known.x));
-  outcome.status = search_->run();
-  if (outcome.status == MipStatus::Unbounded) outcome.status = resolveUnbounded();
-  takeOutcome(outcome);
-  outcome.solutions = space_->solutions();
-  return outcome;
+  return finish(search_->run());
 }
 
 }  // namespace tarvik

@@ -41,16 +41,21 @@ class MipSolve {
   std::function<void(const MipSearch &)> onNode;
 
   MipOutcome run();
+  // After a limit has stopped the search in its tree: whether it can go on with other options, and
+  // doing so. The control must still be the same object, with new limits.
+  bool canGoOn(const MipOptions &options) const;
+  MipOutcome goOn(const MipOptions &options);
 
  private:
   class Space;
 
   void findNetwork(MipModel &reduced) const;
+  MipOptions adapted(MipOptions options) const;
+  MipOutcome finish(MipStatus status);
   bool presolve(MipOutcome &outcome);
   void logPresolved(double seconds) const;
   MipStatus resolveUnbounded();
   void processStarts();
-  void takeOutcome(MipOutcome &outcome);
 
   const MipModel &model_;
   MipOptions options_;

@@ -26,6 +26,11 @@ std::shared_ptr<Node> MipSearch::nextNode() {
 // Explorers for the other threads, with the bounds, the cuts and the experience of the first.
 void MipSearch::employAll() {
   const int count = std::max(options_.threads, 1);
+  for (const auto &side : sideControls_) {
+    side->limits = control_.limits;
+    side->threads = control_.threads;
+  }
+  if (explorers_.size() == 1 && firstNodeId_ > 0) main().numberNodes(firstNodeId_, count);
   while (static_cast<int>(explorers_.size()) < count) {
     auto control = std::make_unique<SolveControl>();
     control->threads = control_.threads;
@@ -36,6 +41,7 @@ void MipSearch::employAll() {
     auto explorer = std::make_unique<Explorer>(
         problem_, options_, own, user_, root_, static_cast<int>(explorers_.size()), count,
         [&own] { return own.limits.pollNow(own.work, 0) == StopReason::None; });
+    explorer->numberNodes(firstNodeId_ + static_cast<std::int64_t>(explorers_.size()), count);
     explorer->worker().followRootOf(worker());
     if (worker().treeSeparation()) {
       // Ids of their own, far enough apart.
@@ -110,6 +116,7 @@ void MipSearch::treeSearch() {
   const bool alone = explorers_.size() == 1;
   while (status_ == MipStatus::Running) {
     mipCheckTermination();
+    checkSoftLimits();
     if (status_ != MipStatus::Running) break;
     const bool all = giveNodes();
     Explorer::Share round = share();

@@ -39,6 +39,7 @@ struct DerivedData {
   int fingerprint = 0;
   std::optional<ModelStatistics> statistics;
   std::optional<QualityReport> quality;
+  bool searchFits = false;  // what an interrupted search has kept is about this very data
 };
 
 // A solve that runs in the background. Destroying it ends the solve and waits for it; wait()

@@ -16,14 +16,14 @@ class Model;
 
 // What a solver keeps beside its results, opaque to the shell. It answers what attributes ask of
 // the final basis: the functions fill the store or return a value, kUndefined when the last
-// solve left nothing to compute it from.
+// solve left nothing to compute it from, as one without a final basis does.
 class SolverState {
  public:
   virtual ~SolverState() = default;
-  virtual void computeRanges(Model &model) = 0;  // the sa... vectors
-  virtual double conditionEstimate(Model &model) = 0;
-  virtual double conditionExact(Model &model) = 0;
-  virtual double conditionTwoNorm(Model &model) = 0;
+  virtual void computeRanges(Model &) {}  // the sa... vectors
+  virtual double conditionEstimate(Model &) { return kUndefined; }
+  virtual double conditionExact(Model &) { return kUndefined; }
+  virtual double conditionTwoNorm(Model &) { return kUndefined; }
 };
 
 struct SolutionStore {

@@ -5,7 +5,7 @@
 
 #include "lp/check.h"
 #include "mip/gap_rules.h"
-#include "mip/mip_solve.h"
+#include "opt/kept_search.h"
 #include "opt/lp_from_model.h"
 #include "opt/mip_from_model.h"
 #include "opt/mip_log.h"
@@ -52,6 +52,23 @@ int statusCode(MipStatus status) {
   return TVK_NUMERIC;
 }
 
+// A later call may go on after these.
+bool isLimit(MipStatus status) {
+  switch (status) {
+    case MipStatus::IterationLimit:
+    case MipStatus::NodeLimit:
+    case MipStatus::TimeLimit:
+    case MipStatus::SolutionLimit:
+    case MipStatus::Interrupted:
+    case MipStatus::UserObjectiveLimit:
+    case MipStatus::WorkLimit:
+    case MipStatus::SoftLimit:
+      return true;
+    default:
+      return false;
+  }
+}
+
 class MipRun {
  public:
   MipRun(Model &model, SolveControl &control)
@@ -84,15 +101,39 @@ class MipRun {
  private:
   MipOutcome search() {
     MipOptions options = mipOptions(env_, model_.data().objSense);
-    MipModel mip = mipFromModel(model_.data());
-    if (env_.get(Int::TARV_PAR_IGNOREPRIORITIES) == 1) mip.branchPriority.clear();
     // Iterations of all relaxations count together.
     control_.limits.iterationLimit = kUserInf;
-    MipSolve solve(mip, options, control_);
-    solve.rowName = [this](int row) { return std::string(model_.constrName(row)); };
-    addStarts(solve);
-    logSettings();
-    return solve.run();
+    std::unique_ptr<KeptSearch> search = takeKept();
+    MipOutcome outcome;
+    if (search && search->solve().canGoOn(options)) {
+      outcome = search->goOn(options, control_);
+    } else {
+      search = std::make_unique<KeptSearch>(mipModel(), options);
+      search->solve().rowName = [&model = model_](int row) {
+        return std::string(model.constrName(row));
+      };
+      addStarts(search->solve());
+      logSettings();
+      outcome = search->run(control_);
+    }
+    if (search->solve().canGoOn(options) && isLimit(outcome.status)) {
+      store_.solver = std::move(search);
+      model_.derived().searchFits = true;
+    }
+    return outcome;
+  }
+
+  // What an earlier solve of the same data has kept; from now on it is not the model's.
+  std::unique_ptr<KeptSearch> takeKept() {
+    std::unique_ptr<SolverState> state = std::move(store_.solver);
+    if (!model_.derived().searchFits || !dynamic_cast<KeptSearch *>(state.get())) return nullptr;
+    return std::unique_ptr<KeptSearch>(static_cast<KeptSearch *>(state.release()));
+  }
+
+  MipModel mipModel() const {
+    MipModel mip = mipFromModel(model_.data());
+    if (env_.get(Int::TARV_PAR_IGNOREPRIORITIES) == 1) mip.branchPriority.clear();
+    return mip;
   }
 
   void addStarts(MipSolve &solve) {

@@ -12,7 +12,8 @@
 namespace tarvik {
 
 RetainedSolve &RetainedSolve::of(SolutionStore &store) {
-  if (!store.solver) store.solver.reset(new RetainedSolve);
+  // The model may have been a mixed-integer one before.
+  if (!dynamic_cast<RetainedSolve *>(store.solver.get())) store.solver.reset(new RetainedSolve);
   return static_cast<RetainedSolve &>(*store.solver);
 }
 
@@ -109,7 +110,7 @@ void RetainedSolve::followVectors(const ModelData &data) {
 
 RetainedSolve *RetainedSolve::withBasis(Model &model) {
   const SolutionStore &store = model.solution();
-  auto *kept = static_cast<RetainedSolve *>(store.solver.get());
+  auto *kept = dynamic_cast<RetainedSolve *>(store.solver.get());
   if (!kept || !kept->filled_ || kept->lp_.numRows == 0 || store.status == TVK_LOADED ||
       static_cast<int>(store.vbasis.size()) != kept->lp_.numCols ||
       static_cast<int>(store.cbasis.size()) != kept->lp_.numRows)
