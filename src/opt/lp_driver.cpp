@@ -158,7 +158,7 @@ LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,
     if (edgeWeights) simplex.setEdgeWeights(*edgeWeights);
     if (options_.mayChangeMethod && simplex.prefersPrimal(control_)) method = SimplexMethod::Primal;
   }
-  return runEngine(simplex, method);
+  return runEngine(simplex, method, !start);
 }
 
 LpSolution LpDriver::solveApart(const LpModel &lp, const SimplexOptions &options,
@@ -166,13 +166,15 @@ LpSolution LpDriver::solveApart(const LpModel &lp, const SimplexOptions &options
   Simplex simplex(options);
   simplex.load(lp);
   if (start) simplex.setBasis(*start, nullptr);
-  return runEngine(simplex, method);
+  return runEngine(simplex, method, !start);
 }
 
-LpSolution LpDriver::runEngine(Simplex &simplex, SimplexMethod method) {
+LpSolution LpDriver::runEngine(Simplex &simplex, SimplexMethod method, bool fromScratch) {
   // Engines count their own iterations; the limit is on all of them together.
   const double iterationLimit = control_.limits.iterationLimit;
   control_.limits.iterationLimit = iterationLimit - iterations_;
+  if (fromScratch && options_.mayChangeMethod && simplex.crash(control_))
+    method = SimplexMethod::Primal;
   LpStatus status = simplex.solve(method, control_);
   if (status == LpStatus::InfeasibleOrUnbounded)
     status = simplex.solve(SimplexMethod::Primal, control_);

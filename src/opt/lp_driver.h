@@ -19,7 +19,8 @@ struct LpDriverOptions {
   SimplexOptions simplex;
   PresolveOptions presolve;  // level 0: no presolve
   SimplexMethod method = SimplexMethod::Dual;
-  // A warm basis that is primal but not dual feasible is solved by the primal simplex instead.
+  // A warm basis that is primal but not dual feasible is solved by the primal simplex instead, and
+  // so is what a crash finds.
   bool mayChangeMethod = false;
   // Presolve although there is a warm start, which is then translated.
   bool presolveWarmStart = false;
@@ -60,7 +61,7 @@ class LpDriver {
   // Any model in an engine of its own.
   LpSolution solveApart(const LpModel &lp, const SimplexOptions &options, SimplexMethod method,
                         const Basis *start);
-  LpSolution runEngine(Simplex &simplex, SimplexMethod method);
+  LpSolution runEngine(Simplex &simplex, SimplexMethod method, bool fromScratch);
   LpSolution solveWithoutRows() const;
   LpStatus stopStatus();
   // Verifies, with fresh reduced costs when the kernel's own do not suffice.

@@ -10,6 +10,7 @@ void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) 
   Engine<Real> &e = engine;
   const int n = e.lp.n, m = e.lp.m;
   e.forgetValues();
+  crashed_ = false;
   const bool sameBasics = hasBasics(basis);
   if (!sameBasics) {
     e.head.clear();

@@ -124,10 +124,12 @@ template <class Real>
 void PrimalSimplex<Real>::shiftBoundTo(BasisPos p, int side, Real target) {
   const VarIndex j = e_.head[p];
   Real &bound = side < 0 ? e_.lower[j] : e_.upper[j];
-  if (bound == target || e_.lower[j] == e_.upper[j]) return;
+  if (bound == target) return;
   if ((side < 0 && target > bound) || (side > 0 && target < bound)) return;
-  bound = target;
-  (side < 0 ? e_.lB[p] : e_.uB[p]) = target;
+  if (e_.lower[j] == e_.upper[j])
+    e_.lower[j] = e_.upper[j] = e_.lB[p] = e_.uB[p] = target;
+  else
+    bound = (side < 0 ? e_.lB[p] : e_.uB[p]) = target;
   if (e_.boundShift == ShiftState::None) e_.boundShift = ShiftState::Small;
 }
 

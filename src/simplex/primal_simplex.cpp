@@ -17,9 +17,9 @@ constexpr int kStalledIterations = 300;
 }  // namespace
 
 template <class Real>
-PhaseResult PrimalSimplex<Real>::run(bool perturb) {
+PhaseResult PrimalSimplex<Real>::run(bool perturb, bool keepBounds) {
   const int total = e_.lp.total();
-  e_.resetWorkingBounds();
+  if (!keepBounds) e_.resetWorkingBounds();
   e_.resetWorkingCosts();
   queue_.resize(total);
   choosePricing();

@@ -15,8 +15,9 @@ class PrimalSimplex {
   explicit PrimalSimplex(Engine<Real> &engine) : e_(engine) {}
 
   // From the engine's basis to a verdict; with perturb the bounds are perturbed from the start,
-  // otherwise only when the iterations stall.
-  PhaseResult run(bool perturb);
+  // otherwise only when the iterations stall. With keepBounds the engine's working bounds are
+  // perturbed already.
+  PhaseResult run(bool perturb, bool keepBounds = false);
 
  private:
   struct Breakpoint {

@@ -54,6 +54,7 @@ class SimplexEngine {
   }
 
   LpStatus solve(SimplexMethod method, SolveControl &control);
+  bool crash(SolveControl &control) { return double_ && double_->crash(control); }
   bool extended() const { return extended_ != nullptr; }
   LpStatus status() const { return status_; }
   Engine<double> &doubleEngine() { return double_->engine; }
@@ -174,6 +175,7 @@ LpStatus Simplex::solve(SimplexMethod method, SolveControl &control) {
   return engine_->solve(method, control);
 }
 void Simplex::setIterationCap(double iterations) { engine_->state().iterationCap = iterations; }
+bool Simplex::crash(SolveControl &control) { return engine_->crash(control); }
 double Simplex::iterations() const { return engine_->state().iterations; }
 double Simplex::objective() const {
   return engine_->visit(

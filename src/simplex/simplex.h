@@ -56,6 +56,11 @@ class Simplex {
   // The next solve stops, with IterationLimit, once iterations() reaches this.
   void setIterationCap(double iterations);
 
+  // Replaces the slack basis by one that a penalty method and a push to a vertex find close to an
+  // optimum; a solve by the primal simplex has to follow. False when the options or the model do
+  // not ask for it, or when it failed: then the slack basis stands.
+  bool crash(SolveControl &control);
+
   // Solves from the current basis. Resumable: a stop by a limit keeps the basis.
   LpStatus solve(SimplexMethod method, SolveControl &control);
 

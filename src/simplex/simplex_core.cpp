@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
+#include "simplex/penalty_crash.h"
 #include "simplex/tuning.h"
+#include "simplex/vertex_push.h"
 
 namespace tarvik {
 
@@ -69,15 +72,31 @@ bool SimplexCore<Real>::boundsCross() {
 template <class Real>
 PhaseResult SimplexCore<Real>::runMethod(SimplexMethod method, bool perturb) {
   if (method == SimplexMethod::Dual) {
+    crashed_ = false;
     const PhaseResult result = dual_.run(perturb);
     engine.rowWeightsValid = true;
     return result;
   }
   engine.forgetValues();
   const double before = engine.iterations;
-  const PhaseResult result = primal_.run(perturb);
+  const PhaseResult result = primal_.run(perturb, crashed_);
+  crashed_ = false;
   if (engine.iterations != before) engine.rowWeightsValid = false;
   return result;
+}
+
+template <class Real>
+bool SimplexCore<Real>::crash(SolveControl &control) {
+  if constexpr (std::is_same_v<Real, double>) {
+    const int option = engine.options.crash;
+    if (option == 0 || (option < 0 && !penaltyCrashPays(engine.lp)) || !start(control))
+      return false;
+    Vec<double> point;
+    if (!penaltyCrash(engine.lp, control, point)) return false;
+    crashed_ = VertexPush(engine).run(point);
+    if (!crashed_) engine.slackBasis();
+  }
+  return crashed_;
 }
 
 // Alternates between the algorithms until one ends with a verdict for the true problem.

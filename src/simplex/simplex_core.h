@@ -27,6 +27,8 @@ class SimplexCore {
 
   // Prepares the engine for a solve; false when crossing bounds decide it.
   bool start(SolveControl &control);
+  // See Simplex::crash; only in double precision.
+  bool crash(SolveControl &control);
   // To a verdict; NeedsExtended asks for a conversion and another call.
   PhaseResult run(SimplexMethod method);
 
@@ -66,7 +68,8 @@ class SimplexCore {
   DualSimplex<Real> dual_;
   PrimalSimplex<Real> primal_;
   int tightenings_ = 0, recoveries_ = 0;
-  double lookedAt_ = 0;  // iterations when the size of the values was looked at last
+  bool crashed_ = false;  // the working bounds are those of a crash, for the next primal run
+  double lookedAt_ = 0;   // iterations when the size of the values was looked at last
 };
 
 extern template class SimplexCore<double>;

@@ -21,6 +21,7 @@ struct SimplexOptions {
   int endFactor = 1;   // 0 gives up after few repairs of singular bases
   int statistics = 0;  // LP statistics report: 1 of what is seen anyway, 2 with condition numbers
   int seed = 0;
+  int crash = -1;  // Simplex::crash: 0 never, 1 on any model, -1 where it promises to pay
   bool primalDualSwitch = true;
   bool polish = true;  // go on at an optimum until tighter tolerances hold, where that is cheap
   bool quickVerdicts = false;    // optima may rest on values updated through a few iterations

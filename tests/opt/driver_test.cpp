@@ -24,6 +24,7 @@ struct Road {
   bool certificates;
   int scaleFlag;
   int preDual = 0;
+  bool crash = false;
 };
 constexpr Road kRoads[] = {
     {"dual", SimplexMethod::Dual, 0, true, -1},
@@ -34,6 +35,8 @@ constexpr Road kRoads[] = {
     {"presolve with certificates", SimplexMethod::Dual, -1, true, -1},
     {"dual form", SimplexMethod::Dual, 1, false, -1, 1},
     {"dual form with certificates", SimplexMethod::Primal, -1, true, -1, 1},
+    {"crash", SimplexMethod::Dual, 0, true, -1, 0, true},
+    {"presolve and crash", SimplexMethod::Dual, -1, false, 0, 0, true},
 };
 
 LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullptr,
@@ -46,6 +49,8 @@ LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullpt
   options.wantCertificates = road.certificates;
   options.simplex.scaleFlag = road.scaleFlag;
   options.simplex.quad = quad;
+  options.simplex.crash = road.crash ? 1 : 0;
+  options.mayChangeMethod = road.crash;
   SilentLog log;
   SolveControl control;
   control.log = &log;
@@ -179,6 +184,8 @@ TEST(LpDriver, IterationLimitSpansPresolveAndRepair) {
     const LpModel lp = test::randomLp(seed);
     LpDriverOptions options;
     options.presolve.level = seed % 2 ? -1 : 0;
+    options.simplex.crash = static_cast<int>(seed / 2 % 2);
+    options.mayChangeMethod = true;
     SilentLog log;
     SolveControl control;
     control.log = &log;

@@ -171,6 +171,29 @@ TEST(RandomLp, BothMethodsAgreeWithTheReference) {
   }
 }
 
+// On models of any kind, also infeasible and unbounded ones, and from points that are no good.
+TEST(RandomLp, ACrashLeadsToTheSameVerdict) {
+  int crashed = 0;
+  for (int seed = 1; seed <= modelCount() && !::testing::Test::HasFailure(); ++seed) {
+    const LpModel lp = randomLp(seed);
+    SCOPED_TRACE(seed);
+    SimplexOptions options;
+    options.crash = 1;
+    options.scaleFlag = seed % 2 - 1;
+    Simplex simplex(options);
+    simplex.load(lp);
+    SilentLog log;
+    SolveControl control;
+    control.log = &log;
+    control.limits.start();
+    const bool ok = simplex.crash(control);
+    crashed += static_cast<int>(ok);
+    const LpSolution found = solveWith(simplex, ok ? SimplexMethod::Primal : SimplexMethod::Dual);
+    expectSame(lp, found, solveReference(lp), "crash");
+  }
+  EXPECT_GT(crashed, modelCount() / 2);
+}
+
 TEST(RandomLp, EveryPricingRuleAgrees) {
   for (int seed = 1; seed <= modelCount() / 4 && !::testing::Test::HasFailure(); ++seed) {
     const LpModel lp = randomLp(seed);
