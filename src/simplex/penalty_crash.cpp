@@ -234,6 +234,14 @@ class PenaltyMethod {
   bool stopped_ = false;
 };
 
+// The sign that the entries of a covering row have: "at least" asks for positive ones, "at most" a
+// negative bound for negative ones. 0: the row is neither.
+int coverSign(const ScaledLp<double> &lp, RowIndex i) {
+  const double lower = lp.lower[lp.n + i], upper = lp.upper[lp.n + i];
+  if (lower == -kRealInf<double> && upper < 0) return 1;
+  return upper == kRealInf<double> && lower > 0 ? -1 : 0;
+}
+
 }  // namespace
 
 bool penaltyCrashPays(const ScaledLp<double> &lp) {
@@ -242,9 +250,9 @@ bool penaltyCrashPays(const ScaledLp<double> &lp) {
       static_cast<double>(lp.cols.numNz()) < kLeastColumnLength * n)
     return false;
   bool allEqual = true, allCovered = true;
-  for (int j = n; j < n + m; ++j) {
-    allEqual &= lp.lower[j] == lp.upper[j];
-    allCovered &= lp.lower[j] == -kRealInf<double> && lp.upper[j] < 0;
+  for (int i = 0; i < m; ++i) {
+    allEqual &= lp.lower[n + i] == lp.upper[n + i];
+    allCovered &= coverSign(lp, i) != 0;
   }
   if (!allEqual && !allCovered) return false;
   int singletons = 0;
@@ -254,7 +262,8 @@ bool penaltyCrashPays(const ScaledLp<double> &lp) {
     bool unit = true;
     lp.forColumn(j, [&](int i, double a) {
       const double entry = a / (lp.colScale[j] * lp.rowScale[i]);
-      unit &= std::fabs(std::fabs(entry) - 1) <= kUnitTolerance && (allEqual || entry > 0);
+      unit &= std::fabs(std::fabs(entry) - 1) <= kUnitTolerance &&
+              (allEqual || entry * coverSign(lp, i) > 0);
     });
     if (!unit) return false;
   }

@@ -130,7 +130,15 @@ TEST(Crash, PaysForPartitionsCoversAndAssignmentsOnly) {
   EXPECT_TRUE(pays(quadraticAssignment(7, 1)));
   EXPECT_FALSE(pays(coverModel(50, 600, true, 1))) << "few rows";
   EXPECT_FALSE(pays(coverModel(120, 150, true, 1))) << "hardly wider than high";
-  LpModel other = partition;
+  LpModel other = coverModel(120, 600, false, 1);
+  for (double &entry : other.a.value) entry = -entry;
+  EXPECT_FALSE(pays(other)) << "rows that nothing covers";
+  for (int i = 0; i < other.numRows; ++i) {
+    other.rowUpper[i] = -other.rowLower[i];
+    other.rowLower[i] = -kInf;
+  }
+  EXPECT_TRUE(pays(other)) << "covers written the other way round";
+  other = partition;
   other.a.value[7] = 2.5;
   EXPECT_FALSE(pays(other)) << "entries of several sizes";
   other = partition;
