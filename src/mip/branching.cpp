@@ -10,6 +10,8 @@ namespace {
 constexpr int kReliable = 8;         // observations in both directions
 constexpr int kMaxCandidates = 100;  // probed at one node
 constexpr int kLookAhead = 9;        // probes without a better score
+// Weight of a column's part in conflicts, 0 to 1 (Achterberg and Berthold, 2009).
+constexpr double kConflictWeight = 0.01;
 constexpr double kFreeIterations = 10000;
 // A value that has moved so far from the root's shows where the search is going.
 constexpr double kRootMove = 0.4;
@@ -52,7 +54,10 @@ double Brancher::iterationsPerProbe() const {
 double Brancher::scoreOf(int col, double downGain, double upGain) const {
   const double cutoffs = pseudoCosts_.cutoffRate(col, false) + pseudoCosts_.cutoffRate(col, true);
   const double average = pseudoCosts_.averageScore();
-  return PseudoCosts::score(downGain, upGain) / std::max(average, 1e-12) + 0.01 * cutoffs;
+  const double conflicts =
+      conflicts_ ? kConflictWeight * conflicts_->store().activityScore(col) : 0;
+  return PseudoCosts::score(downGain, upGain) / std::max(average, 1e-12) + 0.01 * cutoffs +
+         conflicts;
 }
 
 bool Brancher::upFirst(int col, double x, double downGain, double upGain) const {
@@ -85,6 +90,7 @@ Brancher::Probe Brancher::probe(int col, bool up, double x, Domain &domain, Rela
       {col, up ? BoundSide::Lower : BoundSide::Upper, up ? std::floor(x) + 1 : std::floor(x)}};
   if (!domain.decide(change) || !domain.propagate(control.work)) {
     result.infeasible = true;
+    if (conflicts_) conflicts_->learnFromDomain(control.work);
     domain.backtrackTo(level);
     return result;
   }
@@ -112,6 +118,9 @@ Brancher::Probe Brancher::probe(int col, bool up, double x, Domain &domain, Rela
       result.stopped = status != LpStatus::Numeric && status != LpStatus::Unbounded;
       result.objective = -kUserInf;
   }
+  if (conflicts_ && result.infeasible)
+    conflicts_->learnFromRelaxation(lp, status != LpStatus::Infeasible, sink.cutoff(),
+                                    control.work);
   domain.backtrackTo(level);
   lp.follow(domain);
   lp.setBasis(basis);
@@ -164,6 +173,8 @@ Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink 
       const double f = x[j] - std::floor(x[j]);
       if (down.infeasible) pseudoCosts_.noteCutoff(j, false);
       if (up.infeasible) pseudoCosts_.noteCutoff(j, true);
+      // With their reasons, as far as these are known.
+      if (conflicts_ && (down.infeasible || up.infeasible)) conflicts_->store().enter(domain);
       if (down.infeasible && up.infeasible) {
         best.result = Branching::Pruned;
         return best;

@@ -5,6 +5,7 @@
 // Literature: Achterberg, Koch and Martin (2005); Linderoth and Savelsbergh (1999).
 #pragma once
 
+#include "mip/conflict/conflict_analysis.h"
 #include "mip/heuristics/heuristic.h"
 #include "mip/node_queue.h"
 #include "mip/pseudo_costs.h"
@@ -45,6 +46,8 @@ class Brancher {
   void fractionalColumns(const Domain &domain, const Vec<double> &x, Vec<int> &cols) const;
   // The point at which the root relaxation was solved, for the choice of the first child.
   void setRootPoint(const Vec<double> &x) { rootX_ = x; }
+  // Learns from infeasible branches, and prefers columns that conflicts are about a little.
+  void setConflicts(ConflictAnalysis *conflicts) { conflicts_ = conflicts; }
   const Vec<double> &rootPoint() const { return rootX_; }
   // Iterations of ordinary node solves so far, which strong branching has to stay in proportion to.
   void noteNodeIterations(double iterations) {
@@ -77,6 +80,7 @@ class Brancher {
   const Problem &problem_;
   const MipOptions &options_;
   PseudoCosts &pseudoCosts_;
+  ConflictAnalysis *conflicts_ = nullptr;
   Vec<double> rootX_;
   Vec<int> candidates_;
   double nodeIterations_ = 0, nodeSolves_ = 0, strongIterations_ = 0;

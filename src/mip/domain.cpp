@@ -39,7 +39,7 @@ Domain::Domain(const Problem &problem)
       objectiveCols_.push_back(j);
       objectiveCoefs_.push_back(problem.lp().cost[j]);
     }
-    if (problem.isIntegral(j) && lower_[j] > upper_[j]) fail();
+    if (problem.isIntegral(j) && lower_[j] > upper_[j]) fail({});
   }
   initialiseActivities();
   for (int i = 0; i < problem.numRows(); ++i) {
@@ -154,8 +154,9 @@ double Domain::semiAdjusted(int col, BoundSide side, double value) const {
   return value < high - tolerance && value > low ? low : value;
 }
 
-bool Domain::fail() {
+bool Domain::fail(const Failure &failure) {
   empty_ = true;
+  failure_ = failure;
   return false;
 }
 
@@ -170,7 +171,7 @@ bool Domain::tighten(int col, BoundSide side, double value, Reason reason) {
     const double excess = std::fabs(value - other);
     if (problem_->isIntegral(col) ||
         excess > relativeTolerance(problem_->tolerances().primal, other))
-      return fail();
+      return fail({reason, col, side, value});
     value = other;
     if (value == old) return true;
   }
@@ -232,7 +233,7 @@ bool Domain::atMost(const int *index, const double *value, int count, double sig
   if (least.infinite > 1) return true;
   const double room = limit - sign * least.sum.value();
   const double tolerance = relativeTolerance(problem_->tolerances().primal, limit);
-  if (least.infinite == 0 && room < -tolerance) return fail();
+  if (least.infinite == 0 && room < -tolerance) return fail({reason});
   for (int k = 0; k < count; ++k) {
     const int j = index[k];
     const double a = sign * value[k];

@@ -32,6 +32,7 @@ struct Reason {
     Objective,  // the objective cutoff
     Symmetry,   // the image of a bound of another column: valid by the node's place in the tree,
                 // not by other bounds; whoever explains it must keep it, like a decision
+    Conflict,   // learned conflict `index`
     Other,      // reduced costs, sets, global facts
   } kind = Other;
   int index = -1;
@@ -43,6 +44,15 @@ struct TrailEntry {
   double value, old;
   Reason reason;
   int previous;  // trail position of the change before it of the same bound, -1: the root's bound
+};
+
+// Why the domain became empty: an inequality that no point within the bounds satisfies, or
+// (col >= 0) a bound for which there is no room.
+struct Failure {
+  Reason reason;
+  int col = -1;
+  BoundSide side = BoundSide::Lower;
+  double value = 0;
 };
 
 // Something that derives bound changes from bound changes besides the rows: ordered sets, say.
@@ -77,6 +87,7 @@ class Domain {
   // Everything that follows from the changes so far. False: empty. Work is charged.
   bool propagate(WorkMeter &work);
   bool empty() const { return empty_; }
+  const Failure &failure() const { return failure_; }  // of an empty domain
 
   int level() const { return static_cast<int>(levelStart_.size()); }
   void backtrackTo(int level);
@@ -86,10 +97,28 @@ class Domain {
   int position(int col, BoundSide side) const {
     return side == BoundSide::Lower ? lowerPos_[col] : upperPos_[col];
   }
+  // The same as it was when the trail was `time` long.
+  int positionAt(int col, BoundSide side, int time) const {
+    int result = position(col, side);
+    while (result >= time) result = trail_[result].previous;
+    return result;
+  }
+  // The bound since that trail position.
+  double boundSince(int col, BoundSide side, int position) const {
+    if (position >= 0) return trail_[position].value;
+    return side == BoundSide::Lower ? problem_->lp().colLower[col] : problem_->lp().colUpper[col];
+  }
+  // What was changed before this trail position holds everywhere.
+  int globalEnd() const {
+    return levelStart_.empty() ? static_cast<int>(trail_.size()) : levelStart_[0];
+  }
 
   // Solutions with an objective above `cutoff` are of no interest: the objective becomes a row.
   void setCutoff(double cutoff);
   double cutoff() const { return cutoff_; }
+  // The columns with costs, and these.
+  const Vec<int> &objectiveCols() const { return objectiveCols_; }
+  const Vec<double> &objectiveCoefs() const { return objectiveCoefs_; }
 
   void addPropagator(Propagator *propagator) { propagators_.push_back(propagator); }
 
@@ -116,7 +145,7 @@ class Domain {
   bool propagateObjective(WorkMeter &work);
   bool atMost(const int *index, const double *value, int count, double sign, double limit,
               const Activity &least, Reason reason);
-  bool fail();
+  bool fail(const Failure &failure);
   bool worthwhile(int col, BoundSide side, double value) const;
   double rounded(int col, BoundSide side, double value) const;
   double semiAdjusted(int col, BoundSide side, double value) const;
@@ -141,6 +170,7 @@ class Domain {
   bool objectiveQueued_ = false;
   int told_ = 0;  // trail entries that the propagators have seen
   bool empty_ = false;
+  Failure failure_;
 };
 
 }  // namespace tarvik

@@ -111,6 +111,7 @@ class MipSearch {
   bool giveNodes();
   std::shared_ptr<Node> nextNode();
   void exploreSide(const Explorer::Share &share);
+  void shareConflicts();
   void collect(Explorer &explorer, Explorer::Report &report);
 
   const Problem &problem_;

@@ -54,6 +54,9 @@ void MipSearch::employAll() {
     explorer->learnPool(pool_);
     explorers_.push_back(std::move(explorer));
   }
+  for (const auto &explorer : explorers_)
+    if (ConflictStore *conflicts = explorer->worker().conflicts())
+      conflicts->shareLearned(explorers_.size() > 1);
   reports_.resize(explorers_.size());
 }
 
@@ -93,6 +96,17 @@ void MipSearch::exploreSide(const Explorer::Share &share) {
   for (std::size_t k = 1; k < explorers_.size(); ++k) {
     control_.work.charge(sideControls_[k - 1]->work.counted() - work);
     worker().pseudoCosts().addObserved(before, explorers_[k]->worker().pseudoCosts());
+  }
+  shareConflicts();
+}
+
+void MipSearch::shareConflicts() {
+  for (const auto &from : explorers_) {
+    ConflictStore *source = from->worker().conflicts();
+    if (!source) return;
+    for (const Disjunction &conflict : source->takeShared())
+      for (const auto &to : explorers_)
+        if (to != from) to->worker().conflicts()->receive(conflict);
   }
 }
 

@@ -22,6 +22,12 @@ Worker::Worker(const Problem &problem, const MipOptions &options, SolutionSink &
       lp_(problem, options.simplex),
       pseudoCosts_(problem.numCols()),
       brancher_(problem, options, pseudoCosts_) {
+  // The cutoff of a search for several solutions is not what conflicts should rest on.
+  if (options.infProof != 0 && options.poolSearchMode == 0) {
+    conflicts_ = std::make_unique<ConflictAnalysis>(problem, domain_);
+    domain_.addPropagator(&conflicts_->store());
+    brancher_.setConflicts(conflicts_.get());
+  }
   if (problem.model().sos.empty()) return;
   sosPropagator_ = std::make_unique<SosPropagator>(problem);
   domain_.addPropagator(sosPropagator_.get());
@@ -66,16 +72,31 @@ bool Worker::moveTo(const Node &node) {
     ++common;
   // The engine still has the parent's basis.
   const bool continues = path_ && node.path && node.path->parent == path_;
+  if (conflicts_ && conflicts_->store().waitsForRoot()) common = 0;
   domain_.backtrackTo(static_cast<int>(common));
   chain_.resize(common);
   path_ = node.path;
-  bool possible = domain_.propagate(control_.work);
+  bool possible = enterConflicts() && domain_.propagate(control_.work);
   for (std::size_t k = common; k < target.size() && possible; ++k) {
     possible = domain_.decide(target[k]->decision) && domain_.propagate(control_.work);
     chain_.push_back(target[k]);
   }
   if (possible && !continues && node.basis) lp_.setBasis(*node.basis);
   return possible;
+}
+
+bool Worker::enterConflicts() {
+  if (!conflicts_) return true;
+  control_.work.charge(conflicts_->store().takeWork());
+  return conflicts_->store().enter(domain_);
+}
+
+void Worker::learnFromDomain() {
+  if (conflicts_) conflicts_->learnFromDomain(control_.work);
+}
+
+void Worker::learnFromRelaxation(bool cutOff) {
+  if (conflicts_) conflicts_->learnFromRelaxation(lp_, cutOff, sink_.cutoff(), control_.work);
 }
 
 LpStatus Worker::solveRelaxation() {
@@ -144,6 +165,7 @@ NodeResult Worker::process(Node &node) {
   NodeResult result;
   if (!moveTo(node)) {
     learnFrom(node, LpStatus::Infeasible);
+    learnFromDomain();
     result.outcome = NodeOutcome::Infeasible;
     return result;
   }
@@ -154,6 +176,7 @@ NodeResult Worker::process(Node &node) {
                        status == LpStatus::Cutoff))
       learnFrom(node, status);
     if (status == LpStatus::Infeasible || status == LpStatus::Cutoff) {
+      learnFromRelaxation(status == LpStatus::Cutoff);
       result.outcome = outcomeOf(status);
       return result;
     }
@@ -174,11 +197,13 @@ NodeResult Worker::process(Node &node) {
     result.objective = lp_.objective();
     node.bound = std::max(node.bound, result.objective);
     if (result.objective >= sink_.cutoff()) {
+      learnFromRelaxation(true);
       result.outcome = NodeOutcome::Cutoff;
       return result;
     }
     if (!tightenByReducedCosts(lp_.x(), lp_.reducedCost(), result.objective) ||
         !domain_.propagate(control_.work)) {
+      learnFromDomain();
       result.outcome = NodeOutcome::Cutoff;
       return result;
     }
@@ -193,11 +218,13 @@ NodeResult Worker::process(Node &node) {
     switch (result.branching.result) {
       case Branching::Tightened:
         if (!domain_.propagate(control_.work)) {
+          learnFromDomain();
           result.outcome = NodeOutcome::Infeasible;
           return result;
         }
         continue;
       case Branching::Pruned:
+        learnFromDomain();
         result.outcome = NodeOutcome::Cutoff;
         return result;
       case Branching::Stopped:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "mip/branching.h"
+#include "mip/conflict/conflict_analysis.h"
 #include "mip/cuts/tree_separation.h"
 #include "mip/node_log.h"
 
@@ -31,6 +32,8 @@ class Worker {
   double lpIterations() const { return lp_.iterations(); }
   double lpObjective() const { return lp_.objective(); }
   Brancher &brancher() { return brancher_; }
+  // What it has learned from conflicts; null: it does not.
+  ConflictStore *conflicts() { return conflicts_ ? &conflicts_->store() : nullptr; }
 
   // From now on nodes get cuts. The domain is at level 0; the tables and `nextCutId` outlive the
   // worker.
@@ -52,6 +55,9 @@ class Worker {
 
  private:
   bool moveTo(const Node &node);
+  bool enterConflicts();
+  void learnFromDomain();
+  void learnFromRelaxation(bool cutOff);
   LpStatus solveRelaxation();
   void learnFrom(const Node &node, LpStatus status);
   bool pointIsCutOff() const;
@@ -66,6 +72,7 @@ class Worker {
   PseudoCosts pseudoCosts_;
   Brancher brancher_;
   std::unique_ptr<Propagator> sosPropagator_;
+  std::unique_ptr<ConflictAnalysis> conflicts_;
   std::unique_ptr<TreeSeparation> treeSeparation_;
   int *nextCutId_ = nullptr;
   std::shared_ptr<const NodePath> path_;

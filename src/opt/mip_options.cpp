@@ -91,6 +91,7 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.varBranch = env.get(Int::VarBranch);
   options.branchDir = env.get(Int::BranchDir);
   options.symmetry = env.get(Int::DualReductions) == 1 ? env.get(Int::Symmetry) : 0;
+  options.infProof = env.get(Int::TARV_PAR_INFPROOF);
   options.degenMoves = env.get(Int::DegenMoves);
   options.nodeMethod = env.get(Int::NodeMethod);
   options.poolSearchMode = env.get(Int::PoolSearchMode);
