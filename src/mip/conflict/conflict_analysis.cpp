@@ -9,6 +9,11 @@ namespace {
 // Longer conflicts hardly ever propagate: so many disjuncts, or this share of the columns.
 constexpr double kLongest = 20;
 constexpr double kLongestShare = 0.1;
+constexpr double kMostLongest = 200;
+// Share of the search's work; what is granted from the start; what one conflict may take.
+constexpr double kWorkShare = 0.1;
+constexpr double kFirstWork = 1e6;
+constexpr double kMostWork = 1e6;
 }  // namespace
 
 ConflictAnalysis::ConflictAnalysis(const Problem &problem, const Domain &domain)
@@ -18,15 +23,34 @@ ConflictAnalysis::ConflictAnalysis(const Problem &problem, const Domain &domain)
       explainer_(domain, store_),
       prover_(problem, domain) {}
 
+bool ConflictAnalysis::isAffordable(const WorkMeter &work) {
+  if (domain_.level() == 0) return false;
+  if (start_ < 0) start_ = work.counted();
+  return spent_ <= kFirstWork + kWorkShare * (work.counted() - start_);
+}
+
 void ConflictAnalysis::learnFromDomain(WorkMeter &work) {
-  if (domain_.level() == 0 || !domain_.empty()) return;
-  why_.clear();
-  if (explainer_.explainFailure(why_, work)) analyze(work);
+  if (!domain_.empty() || !isAffordable(work)) return;
+  const double before = work.counted();
+  explainDomain(work);
+  spent_ += work.counted() - before;
 }
 
 void ConflictAnalysis::learnFromRelaxation(Relaxation &lp, bool cutOff, double cutoff,
                                            WorkMeter &work) {
-  if (domain_.level() == 0) return;
+  if (!isAffordable(work)) return;
+  const double before = work.counted();
+  explainRelaxation(lp, cutOff, cutoff, work);
+  spent_ += work.counted() - before;
+}
+
+void ConflictAnalysis::explainDomain(WorkMeter &work) {
+  why_.clear();
+  if (explainer_.explainFailure(why_, work)) analyze(work);
+}
+
+void ConflictAnalysis::explainRelaxation(Relaxation &lp, bool cutOff, double cutoff,
+                                         WorkMeter &work) {
   if (!(cutOff ? prover_.cutOff(lp, cutoff, proof_, work) : prover_.infeasible(lp, proof_, work)))
     return;
   why_.clear();
@@ -47,15 +71,17 @@ bool ConflictAnalysis::canStay(int position) const {
 }
 
 // Takes bounds from the latest on, until those that are kept are one of the last level and earlier
-// ones. False: a bound that cannot be kept has no explanation.
+// ones. False: a bound that cannot be kept has no explanation, or it takes too long.
 bool ConflictAnalysis::resolve(WorkMeter &work) {
   kept_.clear();
   const int top = heap_.front();
   int level = domain_.level();
   while (level > 1 && domain_.levelStart(level) > top) --level;
   const int levelStart = domain_.levelStart(level);
+  const double workEnd = work.counted() + kMostWork;
   bool reached = false;
   while (!heap_.empty()) {
+    if (work.counted() > workEnd) return false;
     std::pop_heap(heap_.begin(), heap_.end());
     const int position = heap_.back();
     heap_.pop_back();
@@ -116,7 +142,8 @@ void ConflictAnalysis::analyze(WorkMeter &work) {
   for (const int position : Vec<int>(why_)) mark(position);
   if (!resolve(work)) return;
   shorten(work);
-  const double longest = std::max(kLongest, kLongestShare * problem_.numCols());
+  const double longest =
+      std::min(std::max(kLongest, kLongestShare * problem_.numCols()), kMostLongest);
   if (kept_.empty() || static_cast<double>(kept_.size()) > longest) return;
   store_.learn(disjunction());
 }

@@ -4,6 +4,8 @@
 // explanation, until one is left of the level at which it came to the end: the first unique
 // implication point. The bounds that are left make a disjunction that holds everywhere.
 //
+// Learning gets a share of the search's work, and a single conflict not too much of it.
+//
 // Bounds without an explanation (decisions, reduced costs, sets, symmetry) simply stay; bounds of
 // continuous columns have to be explained, or nothing is learned.
 //
@@ -28,6 +30,9 @@ class ConflictAnalysis {
   void learnFromRelaxation(Relaxation &lp, bool cutOff, double cutoff, WorkMeter &work);
 
  private:
+  bool isAffordable(const WorkMeter &work);
+  void explainDomain(WorkMeter &work);
+  void explainRelaxation(Relaxation &lp, bool cutOff, double cutoff, WorkMeter &work);
   void analyze(WorkMeter &work);
   bool resolve(WorkMeter &work);
   void shorten(WorkMeter &work);
@@ -44,7 +49,8 @@ class ConflictAnalysis {
   Vec<int> why_;
   Vec<int> heap_;       // marked positions still to be looked at, the latest first
   Vec<char> isMarked_;  // by trail position
-  Vec<int> kept_;       // what the conflict consists of
+  double start_ = -1, spent_ = 0;
+  Vec<int> kept_;  // what the conflict consists of
 };
 
 }  // namespace tarvik
