@@ -177,7 +177,7 @@ void searchAndJudge(std::uint64_t seed, Tally &tally) {
 TEST(Conflict, HoldsForAllBetterPoints) {
   const char *wanted = std::getenv("TARVIK_RANDOM_CONFLICTS");
   const char *first = std::getenv("TARVIK_RANDOM_FIRST");
-  const int count = wanted ? std::atoi(wanted) : 150;
+  const int count = wanted ? std::atoi(wanted) : 60;
   const std::uint64_t begin = first ? std::strtoull(first, nullptr, 10) : 1;
   Tally tally;
   for (std::uint64_t seed = begin; seed < begin + count && !HasFailure(); ++seed)
