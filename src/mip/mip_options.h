@@ -52,7 +52,7 @@ struct MipOptions {
   int relaxAndFix = 0;      // 0 to 3
   int varBranch = -1, branchDir = 0;
   int symmetry = -1;
-  int infProof = -1;  // 0: nothing is learned from infeasible nodes
+  int infProof = -1;  // above 0: learn from infeasible nodes
   int degenMoves = -1;
   int nodeMethod = -1;
   int poolSearchMode = 0, poolSolutions = 10;

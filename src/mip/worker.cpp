@@ -23,7 +23,7 @@ Worker::Worker(const Problem &problem, const MipOptions &options, SolutionSink &
       pseudoCosts_(problem.numCols()),
       brancher_(problem, options, pseudoCosts_) {
   // The cutoff of a search for several solutions is not what conflicts should rest on.
-  if (options.infProof != 0 && options.poolSearchMode == 0) {
+  if (options.infProof > 0 && options.poolSearchMode == 0) {
     conflicts_ = std::make_unique<ConflictAnalysis>(problem, domain_);
     domain_.addPropagator(&conflicts_->store());
     brancher_.setConflicts(conflicts_.get());

@@ -148,6 +148,7 @@ void searchAndJudge(std::uint64_t seed, Tally &tally) {
   MipOptions options;
   options.simplex.logging = false;
   options.varBranch = random.below(3) - 1;
+  options.infProof = 1;
   FixedCutoff sink(cutoff);
   Worker worker(problem, options, sink, control);
   worker.conflicts()->shareLearned(true);

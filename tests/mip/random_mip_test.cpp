@@ -84,6 +84,7 @@ MipOptions randomOptions(std::uint64_t seed) {
   if (random.uniform() < 0.3) options.cuts.passes = 0;
   options.subMip = random.uniform() < 0.5;  // without searches inside
   options.threads = random.uniform() < 0.1 ? 2 : 1;
+  options.infProof = random.uniform() < 0.7;
   return options;
 }
 

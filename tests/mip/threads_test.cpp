@@ -19,6 +19,7 @@ MipOutcome solveWith(const MipModel &model, int threads, double nodeLimit) {
   options.mipGap = 0;
   options.threads = threads;
   options.nodeLimit = nodeLimit;
+  options.infProof = 1;
   return MipSolve(model, options, control).run();
 }
 
