@@ -10,7 +10,8 @@ namespace tarvik {
 namespace {
 
 // --- how long ---
-// Passes over the columns in all: as many as rows, within these. A basis for more rows costs more.
+// Passes over the variables in all: as many as rows, within these. A basis for more rows costs
+// more.
 constexpr int kLeastPasses = 200, kMostPasses = 6000;
 // Entries to be looked at in all; caps the passes of very large models.
 constexpr double kEntryBudget = 2e9;
@@ -116,8 +117,8 @@ class PenaltyMethod {
     for (int done = 0; done < kRoundPasses; done += kBlock) {
       keptX_ = x_;
       keptActivity_ = activity_;
-      double change = 0;
-      for (int k = 0; k < kBlock; ++k) change = pass(k % 2 != 0);
+      double change = fullPass();
+      for (int k = 1; k < kBlock; ++k) change = activePass(k % 2 != 0);
       passes_ += kBlock;
       if (control_.limits.poll(control_.work, 0) != StopReason::None) {
         stopped_ = true;
@@ -131,31 +132,48 @@ class PenaltyMethod {
     return false;
   }
 
-  // Each variable to its own minimum, the others fixed. A row without violation counts as if it
-  // had one, which can only shorten the step. Returns the squared changes of the activities.
-  double pass(bool backward) {
-    double change = 0, entries = 0;
-    const int n = lp_.n;
-    for (int k = 0; k < n; ++k) {
-      const int j = backward ? n - 1 - k : k;
+  // Over all variables; lists those that moved or are inside their bounds, for the other passes of
+  // the block: most of a wide model stays at its bounds.
+  double fullPass() {
+    active_.clear();
+    double change = 0;
+    for (int j = 0; j < lp_.n; ++j) {
       if (norm_[j] == 0) continue;
-      const NzIndex begin = lp_.cols.start[j], end = lp_.cols.start[j + 1];
-      double gradient = lp_.cost[j];
-      for (NzIndex p = begin; p < end; ++p) gradient += slope_[lp_.cols.index[p]] * lp_.value[p];
-      const double to = std::clamp(x_[j] - gradient * mu_ / norm_[j], lp_.lower[j], lp_.upper[j]);
-      const double step = to - x_[j];
-      if (step == 0) continue;
-      x_[j] = to;
-      change += step * step * norm_[j];
-      entries += static_cast<double>(end - begin);
-      for (NzIndex p = begin; p < end; ++p) {
-        const int i = lp_.cols.index[p];
-        activity_[i] += step * lp_.value[p];
-        slope_[i] = slope(i);
-      }
+      const double moved = moveToMinimum(j);
+      change += moved;
+      if (moved > 0 || (x_[j] > lp_.lower[j] && x_[j] < lp_.upper[j])) active_.push_back(j);
     }
-    control_.work.charge(1.5 * (n + static_cast<double>(lp_.cols.numNz()) + 2 * entries));
+    control_.work.charge(1.5 * static_cast<double>(lp_.n + lp_.cols.numNz()));
     return change;
+  }
+  double activePass(bool backward) {
+    double change = 0, entries = 0;
+    const int count = static_cast<int>(active_.size());
+    for (int k = 0; k < count; ++k) {
+      const int j = active_[backward ? count - 1 - k : k];
+      change += moveToMinimum(j);
+      entries += lp_.cols.length(j);
+    }
+    control_.work.charge(1.5 * (count + 2 * entries));
+    return change;
+  }
+
+  // A variable to its own minimum, the others fixed. A row without violation counts as if it had
+  // one, which can only shorten the step. Returns the squared change of the activities.
+  double moveToMinimum(ColIndex j) {
+    const NzIndex begin = lp_.cols.start[j], end = lp_.cols.start[j + 1];
+    double gradient = lp_.cost[j];
+    for (NzIndex p = begin; p < end; ++p) gradient += slope_[lp_.cols.index[p]] * lp_.value[p];
+    const double to = std::clamp(x_[j] - gradient * mu_ / norm_[j], lp_.lower[j], lp_.upper[j]);
+    const double step = to - x_[j];
+    if (step == 0) return 0;
+    x_[j] = to;
+    for (NzIndex p = begin; p < end; ++p) {
+      const int i = lp_.cols.index[p];
+      activity_[i] += step * lp_.value[p];
+      slope_[i] = slope(i);
+    }
+    return step * step * norm_[j];
   }
 
   // Goes on in the direction of the last passes as far as the function falls; bounds cut it short
@@ -229,6 +247,7 @@ class PenaltyMethod {
   Vec<double> multiplier_, slope_;
   Vec<double> keptX_, keptActivity_;    // before the last block of passes
   Vec<double> triedX_, triedActivity_;  // before an extrapolation
+  Vec<ColIndex> active_;
   double mu_ = 1, size_ = 1;
   int passes_ = 0;
   bool stopped_ = false;
