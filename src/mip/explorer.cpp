@@ -104,7 +104,6 @@ bool Explorer::submit(const Vec<double> &x, SolutionSource source) {
 
 // --- the tree ---
 
-// Brings the bounds of the root up to the cutoff. False: nothing better than the incumbent is left.
 bool Explorer::applyCutoff() {
   if (cutoff_ >= appliedCutoff_ && rootApplied_) return true;
   appliedCutoff_ = cutoff_;

@@ -101,6 +101,9 @@ class Explorer : public SolutionSink {
   bool plungeGoesOn(double openBound, int maxDepth) const;
 
   void explore(const Share &share, Report &report);
+  // Brings the bounds of the root up to the cutoff. False: nothing better than the incumbent is
+  // left.
+  bool applyCutoff();
 
   // SolutionSink
   bool submit(const Vec<double> &x, SolutionSource source) override;
@@ -114,7 +117,6 @@ class Explorer : public SolutionSink {
  private:
   void lowerCutoff();
   bool accept(const Vec<double> &point, SolutionSource source);
-  bool applyCutoff();
   void step(const Share &share, Report &report);
   void handle(const Node &node, const NodeResult &result, Report &report);
   void branch(const Node &node, const NodeResult &result, Report &report);

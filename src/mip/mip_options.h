@@ -34,6 +34,7 @@ struct MipOptions {
   int solutionLimit = kMaxInt;
   double improveStartTime = kUserInf, improveStartGap = 0, improveStartNodes = kUserInf;
   bool noSolutionCutoff = false;
+  int restarts = 1;  // of the root, where it has fixed a good part of the columns
   double softTimeLimit = kUserInf, softWorkLimit = kUserInf;  // seconds, counted units; in the tree
 
   int focus = 0;             // MIPFocus, 4 in the improve-start phase

@@ -228,7 +228,7 @@ Explorer::Share MipSearch::share() {
 MipStatus MipSearch::run() {
   status_ = MipStatus::Running;
   if (!rootDone_) {
-    startWork_ = control_.work.counted();
+    if (!inherited_) startWork_ = control_.work.counted();
     mipCheckTermination();
     if (status_ != MipStatus::Running) return status_;
     solveRoot();
@@ -239,6 +239,27 @@ MipStatus MipSearch::run() {
     main().heuristics().atEnd(context);
   }
   return status_;
+}
+
+// --- restarts ---
+
+void MipSearch::inherit(const MipSearch &other) {
+  rootBound_ = std::max(rootBound_, other.rootBound_);
+  solutionCount_ = std::max(solutionCount_, other.solutionCount_);
+  dismissedIterations_ = other.iterations();
+  startWork_ = other.startWork_;
+  inherited_ = true;
+}
+
+const Domain &MipSearch::rootDomain() {
+  worker().returnToRoot();
+  return worker().domain();
+}
+
+MipStatus MipSearch::close() {
+  provenInfeasible();
+  rootDone_ = true;
+  return status_ = hasIncumbent() ? MipStatus::Optimal : MipStatus::Infeasible;
 }
 
 // --- going on ---

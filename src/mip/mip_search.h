@@ -36,6 +36,7 @@ enum class MipStatus {
   WorkLimit,
   MemoryLimit,
   ImproveStart,  // never leaves the search
+  Restart,       // the root has fixed so much that it should be presolved again
   SoftLimit
 };
 
@@ -51,6 +52,12 @@ class MipSearch {
   void knowSolution(double objective, const Vec<double> &image);
   // To an end or a limit.
   MipStatus run();
+  // To be called on a new search of the same problem with the bounds that another's root has found.
+  void inherit(const MipSearch &other);
+  // The bounds of the root.
+  const Domain &rootDomain();
+  // Nothing better than the incumbent is left.
+  MipStatus close();
   // Whether a search that was stopped in the tree can go on with other options: nothing that they
   // ask for was cut off so far.
   bool canGoOn(const MipOptions &options) const;
@@ -82,6 +89,7 @@ class MipSearch {
   void rememberRoot();
   void runRootHeuristics();
   int reportLurkingBounds() const;
+  bool isWorthRestart();
   int levelOf(CutFamily family) const;
   void createSeparators();
 
@@ -146,6 +154,7 @@ class MipSearch {
   double dismissedIterations_ = 0;        // of explorers that are gone
   std::int64_t firstNodeId_ = 0;          // of the explorers
   std::int64_t picks_ = 0;
+  bool inherited_ = false;  // from the search before the restart
   int maxDepth_ = 0, lastInfeasibilities_ = 0;
   double startWork_ = 0;
 };

@@ -17,7 +17,7 @@ class MipSolve::Space : public UserSpace {
 
   bool map(const Vec<double> &x, Vec<double> &userPoint, double &objective,
            SolveControl &control) override {
-    return check(owner_.presolve_->postsolve(x), userPoint, objective, control);
+    return check(owner_.postsolve(x), userPoint, objective, control);
   }
 
   bool acceptFull(const Vec<double> &x, double &objective) {
@@ -90,14 +90,14 @@ MipOptions MipSolve::adapted(MipOptions options) const {
 }
 
 // What presolve achieved, and what is left.
-void MipSolve::logPresolved(double seconds) const {
-  const MipModel &reduced = presolve_->reduced();
-  const int rows = model_.lp.numRows - reduced.lp.numRows;
-  const int cols = model_.lp.numCols - reduced.lp.numCols;
+void MipSolve::logPresolved(const MipModel &model, double seconds) const {
+  const MipModel &reduced = lastPresolve().reduced();
+  const int rows = model.lp.numRows - reduced.lp.numRows;
+  const int cols = model.lp.numCols - reduced.lp.numCols;
   Log &log = *control_.log;
   if (rows > 0 || cols > 0) log.print("Presolve removed %d rows and %d columns\n", rows, cols);
   log.print("Presolve time: %.2fs\n", seconds);
-  if (presolve_->solved()) log.print("Presolve: All rows and columns removed\n");
+  if (lastPresolve().solved()) log.print("Presolve: All rows and columns removed\n");
   if (reduced.lp.numCols == 0) return;
   log.print("Presolved: %d rows, %d columns, %lu nonzeros\n", reduced.lp.numRows,
             reduced.lp.numCols, static_cast<unsigned long>(reduced.lp.a.numNz()));
@@ -106,33 +106,88 @@ void MipSolve::logPresolved(double seconds) const {
   log.print("\n");
 }
 
-// False when the outcome is known already.
-bool MipSolve::presolve(MipOutcome &outcome) {
-  presolve_ = std::make_unique<MipPresolve>(model_, options_, control_);
+// Running: there is something to be searched.
+MipStatus MipSolve::presolve(const MipModel &model) {
+  presolves_.push_back(std::make_unique<MipPresolve>(model, options_, control_));
   const double start = control_.limits.seconds();
-  const PresolveStatus status = presolve_->run();
-  switch (status) {
+  MipStatus status = MipStatus::Running;
+  switch (presolves_.back()->run()) {
     case PresolveStatus::Infeasible:
-      outcome.status = MipStatus::Infeasible;
+      status = MipStatus::Infeasible;
       break;
     case PresolveStatus::Unbounded:
     case PresolveStatus::InfeasibleOrUnbounded:
-      outcome.status = MipStatus::InfeasibleOrUnbounded;
+      status = MipStatus::InfeasibleOrUnbounded;
       break;
     case PresolveStatus::Stopped:
-      outcome.status = MipStatus::Interrupted;
-      if (control_.limits.seconds() >= control_.limits.timeLimit)
-        outcome.status = MipStatus::TimeLimit;
+      status = control_.limits.seconds() >= control_.limits.timeLimit ? MipStatus::TimeLimit
+                                                                      : MipStatus::Interrupted;
       break;
     case PresolveStatus::Unchanged:
     case PresolveStatus::Reduced:
     case PresolveStatus::Solved:
-      if (!options_.subMip) logPresolved(control_.limits.seconds() - start);
-      return true;
+      break;
   }
-  if (!options_.subMip)
-    control_.log->print("Presolve time: %.2fs\n", control_.limits.seconds() - start);
-  return false;
+  const double seconds = control_.limits.seconds() - start;
+  if (options_.subMip) return status;
+  if (status == MipStatus::Running)
+    logPresolved(model, seconds);
+  else
+    control_.log->print("Presolve time: %.2fs\n", seconds);
+  return status;
+}
+
+Vec<double> MipSolve::postsolve(const Vec<double> &x) const {
+  Vec<double> point(x);
+  for (auto stage = presolves_.rbegin(); stage != presolves_.rend(); ++stage)
+    point = (*stage)->postsolve(point);
+  return point;
+}
+
+Vec<double> MipSolve::imageOf(const Vec<double> &x) const {
+  Vec<double> point(x);
+  for (const auto &stage : presolves_) point = stage->imageOf(point);
+  return point;
+}
+
+void MipSolve::openSearch() {
+  MipModel reduced(lastPresolve().reduced());
+  findNetwork(reduced);
+  auto problem = std::make_unique<Problem>(std::move(reduced), options_.tolerances);
+  if (!options_.subMip && problem->numCols() > 0) {
+    int binary = 0;
+    for (int j = 0; j < problem->numCols(); ++j) binary += problem->isBinary(j);
+    control_.log->print("Variable types: %d continuous, %d integer (%d binary)\n",
+                        problem->numContinuous(), problem->numIntegral(), binary);
+  }
+  auto search = std::make_unique<MipSearch>(*problem, options_, control_, *space_);
+  search->onNode = onNode;
+  for (const MipSolution &known : space_->solutions())
+    search->knowSolution(known.objective, imageOf(known.x));
+  if (search_) search->inherit(*search_);
+  search_ = std::move(search);
+  problem_ = std::move(problem);
+}
+
+// Presolves once more with the bounds that the root has found.
+MipStatus MipSolve::restart() {
+  --options_.restarts;
+  options_.noRelTime = options_.noRelWork = 0;
+  MipModel tightened(problem_->model());
+  const Domain &root = search_->rootDomain();
+  for (int j = 0; j < problem_->numCols(); ++j) {
+    if (isSemi(tightened.kind[j])) continue;  // their bounds are those beyond the hole
+    tightened.lp.colLower[j] = root.lower(j);
+    tightened.lp.colUpper[j] = root.upper(j);
+  }
+  if (!options_.subMip) control_.log->print("\nRoot is presolved again with its tighter bounds\n");
+  const MipStatus status = presolve(tightened);
+  if (status == MipStatus::Running) {
+    openSearch();
+    return search_->run();
+  }
+  presolves_.pop_back();
+  return status == MipStatus::Infeasible ? search_->close() : status;
 }
 
 MipOutcome MipSolve::finish(MipStatus status) {
@@ -206,21 +261,15 @@ MipOutcome MipSolve::run() {
   MipOutcome outcome;
   space_ = std::make_unique<Space>(*this);
   processStarts();
-  if (!presolve(outcome)) return outcome;
-  MipModel reduced(presolve_->reduced());
-  findNetwork(reduced);
-  problem_ = std::make_unique<Problem>(std::move(reduced), options_.tolerances);
-  if (!options_.subMip && problem_->numCols() > 0) {
-    int binary = 0;
-    for (int j = 0; j < problem_->numCols(); ++j) binary += problem_->isBinary(j);
-    control_.log->print("Variable types: %d continuous, %d integer (%d binary)\n",
-                        problem_->numContinuous(), problem_->numIntegral(), binary);
+  outcome.status = presolve(model_);
+  if (outcome.status != MipStatus::Running) {
+    outcome.solutions = space_->solutions();
+    return outcome;
   }
-  search_ = std::make_unique<MipSearch>(*problem_, options_, control_, *space_);
-  search_->onNode = onNode;
-  for (const MipSolution &known : space_->solutions())
-    search_->knowSolution(known.objective, presolve_->imageOf(known.x));
-  return finish(search_->run());
+  openSearch();
+  MipStatus status = search_->run();
+  while (status == MipStatus::Restart) status = restart();
+  return finish(status);
 }
 
 }  // namespace tarvik

@@ -52,15 +52,20 @@ class MipSolve {
   void findNetwork(MipModel &reduced) const;
   MipOptions adapted(MipOptions options) const;
   MipOutcome finish(MipStatus status);
-  bool presolve(MipOutcome &outcome);
-  void logPresolved(double seconds) const;
+  MipStatus presolve(const MipModel &model);
+  void openSearch();
+  MipStatus restart();
+  const MipPresolve &lastPresolve() const { return *presolves_.back(); }
+  Vec<double> postsolve(const Vec<double> &x) const;
+  Vec<double> imageOf(const Vec<double> &x) const;
+  void logPresolved(const MipModel &model, double seconds) const;
   MipStatus resolveUnbounded();
   void processStarts();
 
   const MipModel &model_;
   MipOptions options_;
   SolveControl &control_;
-  std::unique_ptr<MipPresolve> presolve_;
+  Vec<std::unique_ptr<MipPresolve>> presolves_;  // the first of the model, others of restarts
   std::unique_ptr<Space> space_;
   std::unique_ptr<Problem> problem_;
   std::unique_ptr<MipSearch> search_;

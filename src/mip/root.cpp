@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "mip/cuts/cut_filter.h"
+#include "mip/gap_rules.h"
 #include "mip/mip_search.h"
 #include "mip/probing.h"
 
@@ -17,6 +18,11 @@ constexpr int kStallRounds = 4;
 constexpr double kLeastImprovement = 1e-4;
 // Cuts whose logical was basic in so many solves leave the relaxation.
 constexpr int kSlackAge = 3;
+
+// This share of the integral columns must have been fixed, and this gap be left, for another
+// presolve to pay: small trees are done sooner than another root.
+constexpr double kRestartShare = 0.2;
+constexpr double kRestartGap = 0.01;
 
 // Work of probing: so much, and so much for each entry of the matrix.
 constexpr double kProbingWork = 1e7;
@@ -141,6 +147,24 @@ void MipSearch::solveRoot() {
   root->basis = lp.basis();
   queue_.push(std::move(root));
   mipCheckTermination();
+  if (status_ == MipStatus::Running && isWorthRestart()) status_ = MipStatus::Restart;
+}
+
+// Reductions, cuts and heuristics start over where the root has fixed much.
+bool MipSearch::isWorthRestart() {
+  if (options_.restarts == 0 || !options_.presolveMip || options_.presolve.level == 0 ||
+      pool_.inUse() || rootStatus_ != LpStatus::Optimal)
+    return false;
+  if (hasIncumbent() && mipRelativeGap(1, bestBound(), incumbentObjective_) < kRestartGap)
+    return false;
+  if (!main().applyCutoff()) return false;
+  int open = 0, fixed = 0;
+  for (const int j : problem_.integers()) {
+    if (problem_.lp().colLower[j] == problem_.lp().colUpper[j]) continue;
+    ++open;
+    fixed += worker().domain().isFixed(j);
+  }
+  return fixed > 0 && fixed >= kRestartShare * open;
 }
 
 // True when the point ends the search at the root.
@@ -236,7 +260,8 @@ void MipSearch::rootCutLoop() {
 }
 
 void MipSearch::runRootHeuristics() {
-  if (worker().lp().status() != LpStatus::Optimal) return;
+  // Before a restart they had their turn.
+  if (inherited_ || worker().lp().status() != LpStatus::Optimal) return;
   HeuristicContext context = heuristicContext();
   const Vec<double> x(worker().lp().x());
   context.x = &x;

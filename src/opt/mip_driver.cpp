@@ -47,6 +47,7 @@ int statusCode(MipStatus status) {
     case MipStatus::Numeric:
     case MipStatus::Running:
     case MipStatus::ImproveStart:
+    case MipStatus::Restart:
       break;
   }
   return TVK_NUMERIC;

@@ -69,6 +69,7 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.improveStartTime = env.get(Dbl::ImproveStartTime);
   options.improveStartGap = env.get(Dbl::ImproveStartGap);
   options.improveStartNodes = env.get(Dbl::ImproveStartNodes);
+  if (env.get(Int::TARV_PAR_PRERESTART) == 0) options.restarts = 0;
   options.softTimeLimit = env.get(Dbl::TARV_PAR_TIMESOFTLIMIT);
   options.softWorkLimit = env.get(Dbl::TARV_PAR_VTIMESOFTLIMIT);
   options.noSolutionCutoff = env.get(Int::TARV_PAR_NOSOLCUTOFF) == 1;
