@@ -31,7 +31,7 @@ PresolveStatus MipPresolve::reduceLinear(bool &changed) {
     if (!reduced_.branchPriority.empty()) priority.push_back(reduced_.branchPriority[j]);
     if (!reduced_.partition.empty()) partition.push_back(reduced_.partition[j]);
   }
-  reduced_.lp = stage->presolve.takeReduced();
+  reduced_.lp = stage->presolve.reduced();
   reduced_.kind.swap(kind);
   reduced_.branchPriority.swap(priority);
   reduced_.partition.swap(partition);

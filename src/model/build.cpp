@@ -122,6 +122,9 @@ ModelData buildData(Env &env, ModelInput &input, bool warn) {
   data.objCon = input.objCon;
   data.name = std::move(input.name);
   data.a = std::move(input.a);
+  // Readers do not know the size beforehand.
+  data.a.index.shrink_to_fit();
+  data.a.value.shrink_to_fit();
   data.obj = std::move(input.obj);
   data.lb = std::move(input.lb);
   data.ub = std::move(input.ub);

@@ -48,6 +48,19 @@ void scatter(const Vec<T> &reduced, const Vec<int> &map, Vec<T> &full) {
   for (std::size_t k = 0; k < map.size(); ++k) full[map[k]] = reduced[k];
 }
 
+Vec<double> activities(const LpModel &lp, const Vec<double> &x) {
+  Vec<CompensatedSum> sums(static_cast<std::size_t>(lp.numRows));
+  for (int j = 0; j < lp.numCols; ++j) {
+    if (x[j] == 0) continue;
+    for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
+      sums[lp.a.index[k]].addProduct(lp.a.value[k], x[j]);
+  }
+  Vec<double> activity;
+  activity.reserve(sums.size());
+  for (const CompensatedSum &sum : sums) activity.push_back(sum.value());
+  return activity;
+}
+
 }  // namespace
 
 void PresolveRun::undoAll(PostsolveState &state) const {
@@ -70,12 +83,7 @@ void PresolveRun::postsolve(const LpSolution &reducedSolution, LpSolution &full)
     state.x.assign(numCols, 0.0);
     state.activity.assign(numRows, 0.0);
     scatter(reducedSolution.colValue, cols, state.x);
-    for (const int i : rows) {
-      CompensatedSum sum;
-      for (const Entry &entry : ws.model.rowEntries(i))
-        sum.addProduct(entry.value, state.x[entry.col]);
-      state.activity[i] = sum.value();
-    }
+    scatter(activities(reduced, reducedSolution.colValue), rows, state.activity);
   }
   if (state.hasDual) {
     state.y.assign(numRows, 0.0);
@@ -101,17 +109,10 @@ void PresolveRun::completeSolution(const PostsolveState &state, LpSolution &full
   const LpModel &lp = *lp_;
   if (state.hasPrimal) {
     full.colValue = state.x;
-    Vec<CompensatedSum> activity(static_cast<std::size_t>(lp.numRows));
+    full.rowActivity = activities(lp, state.x);
     CompensatedSum objective(lp.offset);
-    for (int j = 0; j < lp.numCols; ++j) {
-      objective.addProduct(lp.cost[j], state.x[j]);
-      if (state.x[j] == 0) continue;
-      for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
-        activity[lp.a.index[k]].addProduct(lp.a.value[k], state.x[j]);
-    }
+    for (int j = 0; j < lp.numCols; ++j) objective.addProduct(lp.cost[j], state.x[j]);
     full.objective = objective.value();
-    full.rowActivity.reserve(activity.size());
-    for (const CompensatedSum &sum : activity) full.rowActivity.push_back(sum.value());
   }
   if (state.hasDual) {
     full.rowDual = state.y;
@@ -135,11 +136,9 @@ void PresolveRun::postsolveFarkas(const Vec<double> &reducedFarkas, Vec<double> 
   state.y.assign(static_cast<std::size_t>(lp_->numRows), 0.0);
   state.d.assign(static_cast<std::size_t>(lp_->numCols), 0.0);
   scatter(reducedFarkas, rows, state.y);
-  for (std::size_t k = 0; k < rows.size(); ++k) {
-    const double y = reducedFarkas[k];
-    if (y == 0) continue;
-    for (const Entry &entry : ws.model.rowEntries(rows[k])) state.d[entry.col] -= entry.value * y;
-  }
+  for (int j = 0; j < reduced.numCols; ++j)
+    for (NzIndex k = reduced.a.start[j]; k < reduced.a.start[j + 1]; ++k)
+      state.d[cols[j]] -= reduced.a.value[k] * reducedFarkas[reduced.a.index[k]];
   undoAll(state);
   full = state.y;
 }
@@ -159,31 +158,25 @@ bool PresolveRun::crushBasis(const Basis &full, Basis &reducedBasis) const {
     if (!isInf(lower)) return VarStatus::AtLower;
     return isInf(upper) ? VarStatus::Free : VarStatus::AtUpper;
   };
-  for (const int j : cols) {
-    const Col &col = ws.model.col(j);
-    reducedBasis.col.push_back(keep(full.col[j], col.lower, col.upper));
-  }
-  for (const int i : rows) {
-    const Row &row = ws.model.row(i);
-    reducedBasis.row.push_back(keep(full.row[i], row.lower, row.upper));
-  }
+  for (int j = 0; j < reduced.numCols; ++j)
+    reducedBasis.col.push_back(keep(full.col[cols[j]], reduced.colLower[j], reduced.colUpper[j]));
+  for (int i = 0; i < reduced.numRows; ++i)
+    reducedBasis.row.push_back(keep(full.row[rows[i]], reduced.rowLower[i], reduced.rowUpper[i]));
   // Exactly one basic variable a row: logicals fill in, or leave first.
-  const int wanted = static_cast<int>(rows.size());
-  for (std::size_t k = 0; k < rows.size() && basic != wanted; ++k) {
-    VarStatus &status = reducedBasis.row[k];
-    const Row &row = ws.model.row(rows[k]);
+  const int wanted = reduced.numRows;
+  for (int i = 0; i < wanted && basic != wanted; ++i) {
+    VarStatus &status = reducedBasis.row[i];
     if (basic < wanted && status != VarStatus::Basic) {
       status = VarStatus::Basic;
       ++basic;
     } else if (basic > wanted && status == VarStatus::Basic) {
       --basic;
-      status = keep(VarStatus::AtLower, row.lower, row.upper);
+      status = keep(VarStatus::AtLower, reduced.rowLower[i], reduced.rowUpper[i]);
     }
   }
-  for (std::size_t k = 0; k < cols.size() && basic > wanted; ++k) {
-    if (reducedBasis.col[k] != VarStatus::Basic) continue;
-    const Col &col = ws.model.col(cols[k]);
-    reducedBasis.col[k] = keep(VarStatus::AtLower, col.lower, col.upper);
+  for (int j = 0; j < reduced.numCols && basic > wanted; ++j) {
+    if (reducedBasis.col[j] != VarStatus::Basic) continue;
+    reducedBasis.col[j] = keep(VarStatus::AtLower, reduced.colLower[j], reduced.colUpper[j]);
     --basic;
   }
   return true;

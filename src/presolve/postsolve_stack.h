@@ -75,6 +75,10 @@ class PostsolveStack {
     records_.clear();
     bytes_.clear();
   }
+  void shrink() {
+    records_.shrink_to_fit();
+    bytes_.shrink_to_fit();
+  }
   int size() const { return static_cast<int>(records_.size()); }
 
   void begin(RecordKind kind) { records_.push_back({kind, bytes_.size()}); }

@@ -15,7 +15,6 @@ PresolveStatus Presolve::run(const LpModel &lp, const PresolveOptions &options,
 }
 
 const LpModel &Presolve::reduced() const { return run_->reduced; }
-LpModel Presolve::takeReduced() { return std::move(run_->reduced); }
 
 void Presolve::postsolve(const LpSolution &reducedSolution, LpSolution &full) const {
   run_->postsolve(reducedSolution, full);

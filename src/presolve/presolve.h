@@ -77,8 +77,6 @@ class Presolve {
   PresolveStatus run(const LpModel &lp, const PresolveOptions &options, SolveControl &control);
 
   const LpModel &reduced() const;
-  // The reduced model, moved out; the rest of this object stays usable.
-  LpModel takeReduced();
 
   // Maps a solution of the reduced model back. Absent vectors (duals, basis) stay absent; after
   // Solved the reduced solution may be empty. Status, iteration count, ray and certificate are

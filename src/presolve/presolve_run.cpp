@@ -167,6 +167,7 @@ PresolveStatus PresolveRun::finish() {
     case Verdict::None:
       break;
   }
+  ws.releaseModel();
   if (reduced.numRows == 0 && reduced.numCols == 0) return PresolveStatus::Solved;
   return ws.stats.reductions == 0 ? PresolveStatus::Unchanged : PresolveStatus::Reduced;
 }

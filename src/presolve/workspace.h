@@ -43,6 +43,13 @@ struct Workspace {
     positionOf.resize(static_cast<std::size_t>(model.numCols()), -1);
     positionOfRow.resize(static_cast<std::size_t>(model.numRows()), -1);
   }
+  // Keeps what postsolve reads beside the reduced model.
+  void releaseModel() {
+    model = WorkingModel{};
+    positionOf = {};
+    positionOfRow = {};
+    stack.shrink();
+  }
   void charge(double units) { control->work.charge(units); }
 
   // A row that cannot reach its lower (sign 1) or upper bound (sign -1) proves infeasibility.
