@@ -149,6 +149,7 @@ std::shared_ptr<Node> Explorer::makeChild(const Node &node, const NodeResult &re
   auto path = std::allocate_shared<NodePath>(AccountAllocator<NodePath>());
   path->parent = node.path;
   path->decision = up ? branching.up : branching.down;
+  path->preferred = up || branching.col < 0;
   made->path = std::move(path);
   made->basis = basis;
   made->depth = node.depth + 1;

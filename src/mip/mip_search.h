@@ -88,6 +88,7 @@ class MipSearch {
   bool rootPointIsFeasible();
   void rememberRoot();
   void runRootHeuristics();
+  void findSymmetries();
   int reportLurkingBounds() const;
   bool isWorthRestart();
   int levelOf(CutFamily family) const;
@@ -137,6 +138,7 @@ class MipSearch {
   SolutionPool pool_;
   bool completing_ = false;  // the optimum is proven, the pool is being filled
   Vec<std::unique_ptr<Separator>> separators_;
+  std::unique_ptr<SymmetryGroup> symmetries_;
 
   MipStatus status_ = MipStatus::Running;
   LpStatus rootStatus_ = LpStatus::NotSolved;

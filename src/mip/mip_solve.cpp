@@ -85,6 +85,7 @@ MipOptions MipSolve::adapted(MipOptions options) const {
   if (options.poolSearchMode > 0) {
     options.presolve.level = 0;
     options.presolveMip = false;
+    options.symmetry = 0;
   }
   return options;
 }

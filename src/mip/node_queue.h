@@ -15,6 +15,9 @@ namespace tarvik {
 struct NodePath {
   std::shared_ptr<const NodePath> parent;
   Vec<BoundChange> decision;
+  // Solutions that symmetry maps from one child into the other are looked for in this one; the
+  // decisions of all other children leave symmetry as it is (OrbitalFixing).
+  bool preferred = true;
 };
 
 // What the relaxation at the parent promised for the branching, to learn pseudo-costs from.

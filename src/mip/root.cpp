@@ -7,6 +7,7 @@
 #include "mip/gap_rules.h"
 #include "mip/mip_search.h"
 #include "mip/probing.h"
+#include "mip/symmetry/automorphism_search.h"
 
 namespace tarvik {
 
@@ -27,6 +28,12 @@ constexpr double kRestartGap = 0.01;
 // Work of probing: so much, and so much for each entry of the matrix.
 constexpr double kProbingWork = 1e7;
 constexpr double kProbingShare = 200;
+
+// The search for symmetries may take so much, and this share of the root's work; the second one is
+// that of the aggressive level.
+constexpr double kSymmetryWork = 1e6;
+constexpr double kSymmetryShare = 0.01;
+constexpr double kThoroughSymmetryShare = 1;
 
 const char *textOf(LpStatus status) {
   switch (status) {
@@ -148,6 +155,7 @@ void MipSearch::solveRoot() {
   queue_.push(std::move(root));
   mipCheckTermination();
   if (status_ == MipStatus::Running && isWorthRestart()) status_ = MipStatus::Restart;
+  if (status_ == MipStatus::Running) findSymmetries();
 }
 
 // Reductions, cuts and heuristics start over where the root has fixed much.
@@ -165,6 +173,18 @@ bool MipSearch::isWorthRestart() {
     fixed += worker().domain().isFixed(j);
   }
   return fixed > 0 && fixed >= kRestartShare * open;
+}
+
+// For the tree: what ends at the root needs none.
+void MipSearch::findSymmetries() {
+  if (options_.symmetry == 0 || options_.subMip) return;
+  const double share = options_.symmetry > 1 ? kThoroughSymmetryShare : kSymmetryShare;
+  const double now = control_.work.counted();
+  SymmetrySearchResult found =
+      findGenerators(problem_, control_.work, now + kSymmetryWork + share * (now - startWork_));
+  if (found.generators.empty()) return;
+  symmetries_ = std::make_unique<SymmetryGroup>(std::move(found.generators), problem_.numCols());
+  worker().useSymmetry(*symmetries_);
 }
 
 // True when the point ends the search at the root.

@@ -43,6 +43,7 @@ void MipSearch::employAll() {
         [&own] { return own.limits.pollNow(own.work, 0) == StopReason::None; });
     explorer->numberNodes(firstNodeId_ + static_cast<std::int64_t>(explorers_.size()), count);
     explorer->worker().followRootOf(worker());
+    if (symmetries_) explorer->worker().useSymmetry(*symmetries_);
     if (worker().treeSeparation()) {
       // Ids of their own, far enough apart.
       int &nextId = *sideCutIds_.emplace_back(std::make_unique<int>(nextCutId_));

@@ -35,6 +35,7 @@ Worker::Worker(const Problem &problem, const MipOptions &options, SolutionSink &
 
 void Worker::returnToRoot() {
   domain_.backtrackTo(0);
+  if (orbitalFixing_) orbitalFixing_->retreat(0);
   chain_.clear();
   path_.reset();
 }
@@ -59,6 +60,16 @@ void Worker::followRootOf(Worker &other) {
   brancher_.setRootPoint(other.brancher_.rootPoint());
 }
 
+// Rows and symmetry, until neither implies more. False: the domain is empty.
+bool Worker::propagate() {
+  while (domain_.propagate(control_.work)) {
+    const std::size_t changes = domain_.trail().size();
+    if (orbitalFixing_ && !orbitalFixing_->tighten(domain_, control_.work)) return false;
+    if (domain_.trail().size() == changes) return true;
+  }
+  return false;
+}
+
 // Undoes what the node does not share with the last one and makes its other decisions.
 bool Worker::moveTo(const Node &node) {
   Vec<std::shared_ptr<const NodePath>> target(node.depth);
@@ -74,11 +85,13 @@ bool Worker::moveTo(const Node &node) {
   const bool continues = path_ && node.path && node.path->parent == path_;
   if (conflicts_ && conflicts_->store().waitsForRoot()) common = 0;
   domain_.backtrackTo(static_cast<int>(common));
+  if (orbitalFixing_) orbitalFixing_->retreat(static_cast<int>(common));
   chain_.resize(common);
   path_ = node.path;
-  bool possible = enterConflicts() && domain_.propagate(control_.work);
+  bool possible = enterConflicts() && propagate();
   for (std::size_t k = common; k < target.size() && possible; ++k) {
-    possible = domain_.decide(target[k]->decision) && domain_.propagate(control_.work);
+    if (orbitalFixing_) orbitalFixing_->advance(target[k]->decision, target[k]->preferred);
+    possible = domain_.decide(target[k]->decision) && propagate();
     chain_.push_back(target[k]);
   }
   if (possible && !continues && node.basis) lp_.setBasis(*node.basis);
@@ -201,8 +214,7 @@ NodeResult Worker::process(Node &node) {
       result.outcome = NodeOutcome::Cutoff;
       return result;
     }
-    if (!tightenByReducedCosts(lp_.x(), lp_.reducedCost(), result.objective) ||
-        !domain_.propagate(control_.work)) {
+    if (!tightenByReducedCosts(lp_.x(), lp_.reducedCost(), result.objective) || !propagate()) {
       learnFromDomain();
       result.outcome = NodeOutcome::Cutoff;
       return result;
@@ -217,7 +229,7 @@ NodeResult Worker::process(Node &node) {
     result.branching = brancher_.choose(domain_, lp_, sink_, control_);
     switch (result.branching.result) {
       case Branching::Tightened:
-        if (!domain_.propagate(control_.work)) {
+        if (!propagate()) {
           learnFromDomain();
           result.outcome = NodeOutcome::Infeasible;
           return result;

@@ -2,10 +2,13 @@
 // learns on the way. It shares nothing that changes with others while it runs.
 #pragma once
 
+#include <optional>
+
 #include "mip/branching.h"
 #include "mip/conflict/conflict_analysis.h"
 #include "mip/cuts/tree_separation.h"
 #include "mip/node_log.h"
+#include "mip/symmetry/orbital_fixing.h"
 
 namespace tarvik {
 
@@ -41,6 +44,10 @@ class Worker {
                       const std::function<int(CutFamily)> &levelOf, int &nextCutId);
   const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
 
+  // From now on bounds are tightened by symmetry; the group outlives the worker. The domain is at
+  // level 0.
+  void useSymmetry(const SymmetryGroup &group) { orbitalFixing_.emplace(problem_, group); }
+
   // Moves to the node, solves its relaxation, tightens and chooses a branching.
   NodeResult process(Node &node);
   // Takes over bounds, cuts and experience of another worker at level 0.
@@ -58,6 +65,7 @@ class Worker {
   bool enterConflicts();
   void learnFromDomain();
   void learnFromRelaxation(bool cutOff);
+  bool propagate();
   LpStatus solveRelaxation();
   void learnFrom(const Node &node, LpStatus status);
   bool pointIsCutOff() const;
@@ -73,6 +81,7 @@ class Worker {
   Brancher brancher_;
   std::unique_ptr<Propagator> sosPropagator_;
   std::unique_ptr<ConflictAnalysis> conflicts_;
+  std::optional<OrbitalFixing> orbitalFixing_;
   std::unique_ptr<TreeSeparation> treeSeparation_;
   int *nextCutId_ = nullptr;
   std::shared_ptr<const NodePath> path_;

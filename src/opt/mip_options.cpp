@@ -91,7 +91,9 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.relaxAndFix = env.get(Int::TARV_PAR_PARTRELAXANDFIXHEUR);
   options.varBranch = env.get(Int::VarBranch);
   options.branchDir = env.get(Int::BranchDir);
-  options.symmetry = env.get(Int::DualReductions) == 1 ? env.get(Int::Symmetry) : 0;
+  // Lazy constraints may treat columns differently that the model treats alike.
+  const bool symmetric = env.get(Int::DualReductions) == 1 && env.get(Int::LazyConstraints) == 0;
+  options.symmetry = symmetric ? env.get(Int::Symmetry) : 0;
   options.infProof = env.get(Int::TARV_PAR_INFPROOF);
   options.degenMoves = env.get(Int::DegenMoves);
   options.nodeMethod = env.get(Int::NodeMethod);
