@@ -233,7 +233,10 @@ MipStatus MipSearch::run() {
     if (status_ != MipStatus::Running) return status_;
     solveRoot();
   }
-  if (status_ == MipStatus::Running) treeSearch();
+  if (status_ == MipStatus::Running) {
+    findSymmetries();
+    treeSearch();
+  }
   if (status_ == MipStatus::NodeLimit && worker().lp().status() == LpStatus::Optimal) {
     HeuristicContext context = heuristicContext();
     main().heuristics().atEnd(context);
@@ -272,6 +275,8 @@ bool MipSearch::canGoOn(const MipOptions &options) const {
   if (!rootDone_ || infeasible_ || structure(options) != structure(options_)) return false;
   // Ids of cuts tell the explorers apart.
   if (options.threads != options_.threads && worker().treeSeparation()) return false;
+  // Images of what the tree looks for may be gone.
+  if (options.symmetry == 0 && symmetries_) return false;
   const double wanted = searchCutoff(options, problem_, incumbentObjective_, pool_);
   return std::min(wanted, incumbentObjective_) <= cutoff_;
 }

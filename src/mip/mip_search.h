@@ -139,6 +139,7 @@ class MipSearch {
   bool completing_ = false;  // the optimum is proven, the pool is being filled
   Vec<std::unique_ptr<Separator>> separators_;
   std::unique_ptr<SymmetryGroup> symmetries_;
+  bool symmetriesSought_ = false;
 
   MipStatus status_ = MipStatus::Running;
   LpStatus rootStatus_ = LpStatus::NotSolved;

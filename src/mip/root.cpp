@@ -155,7 +155,6 @@ void MipSearch::solveRoot() {
   queue_.push(std::move(root));
   mipCheckTermination();
   if (status_ == MipStatus::Running && isWorthRestart()) status_ = MipStatus::Restart;
-  if (status_ == MipStatus::Running) findSymmetries();
 }
 
 // Reductions, cuts and heuristics start over where the root has fixed much.
@@ -175,9 +174,10 @@ bool MipSearch::isWorthRestart() {
   return fixed > 0 && fixed >= kRestartShare * open;
 }
 
-// For the tree: what ends at the root needs none.
+// For the tree, before its first node: what ends at the root needs none.
 void MipSearch::findSymmetries() {
-  if (options_.symmetry == 0 || options_.subMip) return;
+  if (symmetriesSought_ || options_.symmetry == 0 || options_.subMip) return;
+  symmetriesSought_ = true;
   const double share = options_.symmetry > 1 ? kThoroughSymmetryShare : kSymmetryShare;
   const double now = control_.work.counted();
   SymmetrySearchResult found =

@@ -46,6 +46,11 @@ void Worker::separateInTree(const ImplicationTable &implications,
   nextCutId_ = &nextCutId;
 }
 
+void Worker::useSymmetry(const SymmetryGroup &group) {
+  returnToRoot();
+  orbitalFixing_.emplace(problem_, group);
+}
+
 void Worker::followRootOf(Worker &other) {
   other.returnToRoot();
   for (int j = 0; j < problem_.numCols(); ++j) {

@@ -44,9 +44,8 @@ class Worker {
                       const std::function<int(CutFamily)> &levelOf, int &nextCutId);
   const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
 
-  // From now on bounds are tightened by symmetry; the group outlives the worker. The domain is at
-  // level 0.
-  void useSymmetry(const SymmetryGroup &group) { orbitalFixing_.emplace(problem_, group); }
+  // From now on bounds are tightened by symmetry; the group outlives the worker.
+  void useSymmetry(const SymmetryGroup &group);
 
   // Moves to the node, solves its relaxation, tightens and chooses a branching.
   NodeResult process(Node &node);
