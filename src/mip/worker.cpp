@@ -95,7 +95,8 @@ bool Worker::moveTo(const Node &node) {
   path_ = node.path;
   bool possible = enterConflicts() && propagate();
   for (std::size_t k = common; k < target.size() && possible; ++k) {
-    if (orbitalFixing_) orbitalFixing_->advance(target[k]->decision, target[k]->preferred);
+    if (orbitalFixing_)
+      orbitalFixing_->advance(target[k]->decision, target[k]->preferred, control_.work);
     possible = domain_.decide(target[k]->decision) && propagate();
     chain_.push_back(target[k]);
   }

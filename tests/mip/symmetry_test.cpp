@@ -178,19 +178,45 @@ TEST(Symmetry, TellsExchangeablePlaces) {
   EXPECT_EQ(group.matrices()[0].places.size(), static_cast<std::size_t>(bins));
   EXPECT_TRUE(group.generators().empty());
   ColumnMarks marks(problem.numCols());
-  EXPECT_EQ(group.orbitsUnder(marks, work).count(), items);
+  EXPECT_EQ(group.orbitsUnder(marks, {}, work).count(), items);
   // Item 0 into bin 1 and item 1 into bin 4: the other four bins are alike.
   marks.add({1, BoundSide::Lower, 1});
   marks.add({bins + 4, BoundSide::Lower, 1});
-  const Orbits orbits = group.orbitsUnder(marks, work);
+  const Orbits orbits = group.orbitsUnder(marks, {}, work);
   ASSERT_EQ(orbits.count(), items);
   EXPECT_EQ(Vec<int>(orbits.members.begin(), orbits.members.begin() + orbits.starts[1]),
             (Vec<int>{0, 2, 3, 5}));
   // Item 0 into another bin, too: bins 1 and 2 are alike now.
   marks.add({2, BoundSide::Lower, 1});
-  EXPECT_EQ(group.orbitsUnder(marks, work).count(), 2 * items);
+  EXPECT_EQ(group.orbitsUnder(marks, {}, work).count(), 2 * items);
   marks.undoTo(0);
-  EXPECT_EQ(group.orbitsUnder(marks, work).starts.back(), items * bins);
+  EXPECT_EQ(group.orbitsUnder(marks, {}, work).starts.back(), items * bins);
+}
+
+// Stabilizers of points, one after the other, against those in the whole group.
+TEST(Symmetry, StabilizesPoints) {
+  for (int seed = 1; seed <= 100 && !HasFailure(); ++seed) {
+    SCOPED_TRACE(seed);
+    Random random(static_cast<std::uint64_t>(seed));
+    const Problem problem = asProblem(tinyModel(random));
+    const int n = problem.numCols();
+    WorkMeter work;
+    const Vec<Permutation> found = findGenerators(problem, work, 1e12).generators;
+    std::set<Vec<int>> expected = closure(found, n);
+    Vec<DensePermutation> generators;
+    for (const Permutation &g : found) {
+      generators.push_back(identity(n));
+      for (int k = 0; k < g.size(); ++k) generators.back()[g.from[k]] = g.to[k];
+    }
+    while (!generators.empty()) {
+      const int point = random.below(n);
+      generators = stabilizerOf(point, generators, work);
+      std::erase_if(expected, [&](const Vec<int> &order) { return order[point] != point; });
+      Vec<Permutation> sparse;
+      for (const DensePermutation &g : generators) sparse.push_back(asPermutation(g));
+      EXPECT_EQ(closure(sparse, n), expected);
+    }
+  }
 }
 
 // The best objective over all integral points; kUserInf: none is feasible.

@@ -12,27 +12,35 @@ OrbitalFixing::OrbitalFixing(const Problem &problem, const SymmetryGroup &group)
     : problem_(problem),
       group_(group),
       marks_(problem.numCols()),
+      stabilizer_(std::make_shared<const Vec<DensePermutation>>(group.small())),
       orbitOf_(problem.numCols(), -1) {}
 
-void OrbitalFixing::advance(const Vec<BoundChange> &decision, bool preferred) {
-  marksBefore_.push_back(marks_.size());
+void OrbitalFixing::advance(const Vec<BoundChange> &decision, bool preferred, WorkMeter &work) {
+  before_.push_back({marks_.size(), stabilizer_});
   if (!preferred) return;
-  for (const BoundChange &change : decision) marks_.add(change);
   stale_ = true;
+  for (const BoundChange &change : decision) {
+    marks_.add(change);
+    const int point = group_.pointOf(change.col);
+    if (point >= 0 && !stabilizer_->empty())
+      stabilizer_ =
+          std::make_shared<const Vec<DensePermutation>>(stabilizerOf(point, *stabilizer_, work));
+  }
 }
 
 void OrbitalFixing::retreat(int decisions) {
-  if (decisions >= static_cast<int>(marksBefore_.size())) return;
-  const std::size_t marks = marksBefore_[decisions];
-  stale_ = stale_ || marks < marks_.size();
-  marks_.undoTo(marks);
-  marksBefore_.resize(decisions);
+  if (decisions >= static_cast<int>(before_.size())) return;
+  const Step &step = before_[decisions];
+  stale_ = stale_ || step.marks < marks_.size();
+  marks_.undoTo(step.marks);
+  stabilizer_ = step.stabilizer;
+  before_.resize(decisions);
   seen_ = 0;
 }
 
 void OrbitalFixing::computeOrbits(WorkMeter &work) {
   for (const int j : orbits_.members) orbitOf_[j] = -1;
-  orbits_ = group_.orbitsUnder(marks_, work);
+  orbits_ = group_.orbitsUnder(marks_, *stabilizer_, work);
   for (int k = 0; k < orbits_.count(); ++k)
     for (int p = orbits_.starts[k]; p < orbits_.starts[k + 1]; ++p)
       orbitOf_[orbits_.members[p]] = k;

@@ -27,6 +27,8 @@
 // (2019); van Doornmalen and Hojny (2022).
 #pragma once
 
+#include <memory>
+
 #include "mip/symmetry/symmetry_group.h"
 
 namespace tarvik {
@@ -36,7 +38,7 @@ class OrbitalFixing {
   OrbitalFixing(const Problem &problem, const SymmetryGroup &group);
 
   // One more decision on the path; it is marked when it is preferred.
-  void advance(const Vec<BoundChange> &decision, bool preferred);
+  void advance(const Vec<BoundChange> &decision, bool preferred, WorkMeter &work);
   // Back to the first `decisions` of the path.
   void retreat(int decisions);
 
@@ -51,8 +53,14 @@ class OrbitalFixing {
   const Problem &problem_;
   const SymmetryGroup &group_;
   ColumnMarks marks_;
-  Vec<std::size_t> marksBefore_;  // each decision
-  bool stale_ = true;             // the orbits
+  struct Step {
+    std::size_t marks;
+    std::shared_ptr<const Vec<DensePermutation>> stabilizer;
+  };
+  Vec<Step> before_;  // each decision
+  // Of all marked columns, in the small part of the group.
+  std::shared_ptr<const Vec<DensePermutation>> stabilizer_;
+  bool stale_ = true;  // the orbits
   Orbits orbits_;
   Vec<int> orbitOf_;      // of a column, -1: none of several
   std::size_t seen_ = 0;  // trail entries that were looked at with these orbits

@@ -8,6 +8,8 @@ namespace tarvik {
 namespace {
 // Counted units of a column in a permutation or a matrix.
 constexpr double kColumnWork = 8;
+// The size of what is followed by stabilizers.
+constexpr std::size_t kMostPoints = 1000, kMostGenerators = 40;
 }  // namespace
 
 SymmetryGroup::SymmetryGroup(Vec<Permutation> generators, int numCols)
@@ -20,8 +22,37 @@ SymmetryGroup::SymmetryGroup(Vec<Permutation> generators, int numCols)
       }
   std::sort(moved_.begin(), moved_.end());
   for (std::size_t k = 0; k < moved_.size(); ++k) place_[moved_[k]] = static_cast<int>(k);
+  const Vec<Permutation> all(generators_);
   matrices_ = extractMatrices(generators_, numCols);
   index();
+  findSmallPart(all);
+}
+
+// The generators that move columns together with others, where these are more than matrices.
+void SymmetryGroup::findSmallPart(const Vec<Permutation> &all) {
+  UnionFind sets(static_cast<int>(moved_.size()));
+  for (const Permutation &g : all)
+    for (const int j : g.from) sets.unite(place_[g.from[0]], place_[j]);
+  const auto setOf = [&](const Permutation &g) { return sets.find(place_[g.from[0]]); };
+  Vec<int> count(moved_.size(), 0);
+  Vec<char> mixed(moved_.size(), 0);
+  for (const Permutation &g : all) ++count[setOf(g)];
+  for (const Permutation &g : generators_) mixed[setOf(g)] = count[setOf(g)] > 1;
+  points_.assign(moved_.size(), -1);
+  for (std::size_t k = 0; k < moved_.size(); ++k)
+    if (mixed[sets.find(static_cast<int>(k))]) {
+      points_[k] = static_cast<int>(smallCols_.size());
+      smallCols_.push_back(moved_[k]);
+    }
+  if (smallCols_.size() <= kMostPoints)
+    for (const Permutation &g : all) {
+      if (!mixed[setOf(g)]) continue;
+      DensePermutation dense(smallCols_.size());
+      std::iota(dense.begin(), dense.end(), 0);
+      for (int k = 0; k < g.size(); ++k) dense[pointOf(g.from[k])] = pointOf(g.to[k]);
+      small_.push_back(std::move(dense));
+    }
+  if (small_.size() > kMostGenerators) small_.clear();
 }
 
 void SymmetryGroup::index() {
@@ -105,7 +136,8 @@ Orbits SymmetryGroup::collect(UnionFind &sets) const {
   return orbits;
 }
 
-Orbits SymmetryGroup::orbitsUnder(const ColumnMarks &marks, WorkMeter &work) const {
+Orbits SymmetryGroup::orbitsUnder(const ColumnMarks &marks, const Vec<DensePermutation> &stabilizer,
+                                  WorkMeter &work) const {
   UnionFind sets(static_cast<int>(moved_.size()));
   const Vec<char> broken = brokenGenerators(marks);
   double columns = static_cast<double>(moved_.size());
@@ -114,6 +146,11 @@ Orbits SymmetryGroup::orbitsUnder(const ColumnMarks &marks, WorkMeter &work) con
     columns += generators_[g].size();
     for (int k = 0; k < generators_[g].size(); ++k)
       sets.unite(place_[generators_[g].from[k]], place_[generators_[g].to[k]]);
+  }
+  for (const DensePermutation &element : stabilizer) {
+    columns += static_cast<double>(element.size());
+    for (std::size_t p = 0; p < element.size(); ++p)
+      sets.unite(place_[smallCols_[p]], place_[smallCols_[element[p]]]);
   }
   Vec<Cell> marked;
   for (const int j : marks.marked())
