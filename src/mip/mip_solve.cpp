@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "mip/gap_rules.h"
-#include "mip/network_structure.h"
+#include "mip/presolve/network_structure.h"
 
 namespace tarvik {
 
@@ -213,7 +213,7 @@ MipOutcome MipSolve::goOn(const MipOptions &options) {
 }
 
 // An unbounded relaxation: of rational data, any integral point makes the problem unbounded too.
-// With holes and sets the ray may not be one of the problem.
+// With holes and sets, those that presolve left, the ray may not be one of the problem.
 MipStatus MipSolve::resolveUnbounded() {
   MipModel feasibility = model_;
   std::fill(feasibility.lp.cost.begin(), feasibility.lp.cost.end(), 0.0);
@@ -225,8 +225,7 @@ MipStatus MipSolve::resolveUnbounded() {
   const MipOutcome outcome = MipSolve(feasibility, options, control_).run();
   if (outcome.status == MipStatus::Infeasible) return MipStatus::Infeasible;
   const bool decided =
-      (model_.sos.empty() && std::none_of(model_.kind.begin(), model_.kind.end(), isSemi)) ||
-      std::none_of(model_.kind.begin(), model_.kind.end(), isIntegral);
+      (problem_->model().sos.empty() && problem_->semis().empty()) || problem_->numIntegral() == 0;
   return decided && !outcome.solutions.empty() ? MipStatus::Unbounded
                                                : MipStatus::InfeasibleOrUnbounded;
 }

@@ -6,9 +6,9 @@
 #include <functional>
 #include <memory>
 
-#include "mip/mip_presolve.h"
 #include "mip/mip_search.h"
 #include "mip/mip_starts.h"
+#include "mip/presolve/mip_presolve.h"
 
 namespace tarvik {
 

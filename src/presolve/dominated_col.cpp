@@ -58,7 +58,8 @@ bool fixDominatedCols(Workspace &ws) {
   bool found = false;
   for (int j = 0; j < ws.model.numCols() && !ws.finished(); ++j) {
     const Col &col = ws.model.col(j);
-    if (col.alive && col.length > 0 && !col.integer) found |= fixBySign(ws, j, duals);
+    if (col.alive && col.length > 0 && !col.integer && !col.restricted)
+      found |= fixBySign(ws, j, duals);
   }
   for (int i = 0; i < ws.model.numRows() && !ws.finished(); ++i)
     if (ws.model.row(i).alive) found |= makeEquation(ws, i, duals);

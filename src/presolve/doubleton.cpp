@@ -23,6 +23,7 @@ bool integral(double value) {
 bool mayGo(const WorkingModel &model, const Row &row, const Entry &gone, const Entry &kept) {
   const double ratio = std::fabs(kept.value / gone.value);
   if (ratio > kDoubletonRatio || ratio < 1 / kDoubletonRatio) return false;
+  if (model.col(gone.col).restricted) return false;
   if (!model.col(gone.col).integer) return true;
   return model.col(kept.col).integer && integral(kept.value / gone.value) &&
          integral(row.lower / gone.value);

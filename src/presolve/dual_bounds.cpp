@@ -31,7 +31,7 @@ DualBounds::DualBounds(Workspace &ws) : ws_(ws) {
   openAbove_.assign(static_cast<std::size_t>(model.numCols()), 0);
   openBelow_.assign(static_cast<std::size_t>(model.numCols()), 0);
   for (int j = 0; j < model.numCols(); ++j) {
-    if (!model.col(j).alive || model.col(j).integer) continue;
+    if (!model.col(j).alive || model.col(j).integer || model.col(j).restricted) continue;
     openAbove_[j] = canOpenAbove(ws, j);
     openBelow_[j] = canOpenBelow(ws, j);
   }

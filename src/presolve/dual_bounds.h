@@ -2,8 +2,8 @@
 // was found. They start from the rows' sides (a row without an upper bound has a dual >= 0) and
 // are tightened by columns that are open above or below: such a column is an inequality on the
 // duals, y'a <= cost or y'a >= cost. A column bound that the rows imply counts as open, since it
-// could be removed. Integral columns say nothing: the duals are those of the LP that remains when
-// they are fixed.
+// could be removed. Integral and restricted columns say nothing: the duals are those of the LP that
+// remains when they are fixed.
 //
 // A conclusion from these bounds changes the model; the conditions that it rests on must still
 // hold in the changed model, or its duals could break them and restored duals would have wrong

@@ -37,6 +37,7 @@ void removeUnconstrained(Workspace &ws, int j, int direction) {
 
 bool tryDualFixing(Workspace &ws, int j) {
   const Col &col = ws.model.col(j);
+  if (col.restricted) return false;
   const bool falls = col.downLocks == 0 && col.cost >= 0;
   const bool rises = col.upLocks == 0 && col.cost <= 0;
   if (!falls && !rises) return false;

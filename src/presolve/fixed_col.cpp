@@ -49,6 +49,7 @@ bool tryFixedOrEmptyCol(Workspace &ws, int j) {
       return true;
     }
   }
+  if (col.restricted) return false;
   if (ws.coincide(col.lower, col.upper)) {
     if (!ws.take()) return false;
     fixCol(ws, j, col.lower, FixedAt::Both);

@@ -29,6 +29,10 @@ bool tryForcingRow(Workspace &ws, int i) {
   for (const Entry &entry : entries) {
     const bool upper = (entry.value > 0) == atLower;
     const Col &col = model.col(entry.col);
+    if (col.restricted) {
+      upper ? model.setColLower(entry.col, col.upper) : model.setColUpper(entry.col, col.lower);
+      continue;
+    }
     fixCol(ws, entry.col, upper ? col.upper : col.lower, upper ? FixedAt::Upper : FixedAt::Lower);
   }
   return true;

@@ -119,7 +119,7 @@ bool mergeParallelCols(Workspace &ws) {
   Vec<ParallelKey> keys;
   for (int j = 0; j < model.numCols(); ++j) {
     const Col &col = model.col(j);
-    if (!col.alive || col.length == 0) continue;
+    if (!col.alive || col.length == 0 || col.restricted) continue;
     double scale = 0;
     keys.push_back(parallelKey(model.colEntries(j), &Entry::row, j, scale));
     keys.back().order = col.cost / std::fabs(scale);

@@ -38,6 +38,9 @@ struct PresolveOptions {
   // Nonzero for columns that must stay integral; null for a pure LP. Reductions then keep the
   // set of integral solutions, and postsolve restores primal values only.
   const Vec<char> *integer = nullptr;
+  // Nonzero for columns whose values obey rules that the rows do not tell (holes, ordered sets);
+  // null for none. They stay, and nothing but their bounds moves.
+  const Vec<char> *restricted = nullptr;
   const char *name = "Presolve";  // how progress lines call this run
   bool logging = true;
 };

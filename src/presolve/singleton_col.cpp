@@ -42,7 +42,7 @@ void chargeDual(WorkingModel &model, int row, int withoutCol, double dual, doubl
 bool tryFreeSingletonCol(Workspace &ws, int j) {
   WorkingModel &model = ws.model;
   const Col &col = model.col(j);
-  if (col.length != 1 || col.integer) return false;
+  if (col.length != 1 || col.integer || col.restricted) return false;
   const Entry entry = model.entry(col.first);
   const Row &row = model.row(entry.row);
   const bool free = !col.hasLower() && !col.hasUpper();
@@ -115,7 +115,7 @@ struct Slack {
 bool trySlackCol(Workspace &ws, int j) {
   WorkingModel &model = ws.model;
   const Col &col = model.col(j);
-  if (col.length != 1 || col.integer) return false;
+  if (col.length != 1 || col.integer || col.restricted) return false;
   const Entry entry = model.entry(col.first);
   const int i = entry.row;
   const Row &row = model.row(i);

@@ -139,7 +139,8 @@ bool substituteImpliedFree(Workspace &ws) {
   Vec<int> candidates[kMaxLength + 1];
   for (int j = 0; j < model.numCols(); ++j) {
     const Col &col = model.col(j);
-    if (!col.alive || col.length < 2 || col.length > kMaxLength || col.integer) continue;
+    if (!col.alive || col.length < 2 || col.length > kMaxLength) continue;
+    if (col.integer || col.restricted) continue;
     bool changed = col.changedAt > lastVisit;
     for (auto it = model.colEntries(j).begin(); !changed && it.position() >= 0; ++it)
       changed = model.row((*it).row).changedAt > lastVisit;

@@ -31,6 +31,7 @@ void WorkingModel::load(const LpModel &lp, const PresolveOptions &options) {
     col.upper = finiteOrInf(lp.colUpper[j]);
     col.cost = lp.cost[j];
     col.integer = options.integer && (*options.integer)[j];
+    col.restricted = options.restricted && (*options.restricted)[j];
     if (!col.integer) continue;
     col.lower = integerLower(col.lower);
     col.upper = integerUpper(col.upper);

@@ -57,6 +57,7 @@ struct Col {
   int changedAt = 0;
   bool alive = true;
   bool integer = false;
+  bool restricted = false;  // see PresolveOptions::restricted
   bool hasLower() const { return lower > -kInfBound; }
   bool hasUpper() const { return upper < kInfBound; }
 };

@@ -1,5 +1,5 @@
 // Continuous columns that a network makes integral.
-#include "mip/network_structure.h"
+#include "mip/presolve/network_structure.h"
 
 #include <gtest/gtest.h>
 

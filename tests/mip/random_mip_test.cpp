@@ -5,6 +5,7 @@
 
 #include "mip/mip_solve.h"
 #include "reference_mip.h"
+#include "structured_mip.h"
 #include "support/random_lp.h"
 
 namespace tarvik {
@@ -98,14 +99,13 @@ std::string describeDiscrete(const MipModel &model) {
   return text;
 }
 
-void check(std::uint64_t seed) {
-  const MipModel model = randomMip(seed);
+void check(const MipModel &model, const MipOptions &options, std::uint64_t seed) {
   const LpSolution expected = ReferenceMip(model).solve();
   SilentLog log;
   SolveControl control;
   control.log = &log;
   control.limits.start();
-  MipSolve solve(model, randomOptions(seed), control);
+  MipSolve solve(model, options, control);
   const MipOutcome outcome = solve.run();
   SCOPED_TRACE(std::string("seed ").append(std::to_string(seed)).append("\n") +
                test::describe(model.lp) + describeDiscrete(model));
@@ -141,12 +141,26 @@ TEST(RandomMip, AgreesWithEnumeration) {
   const char *first = std::getenv("TARVIK_RANDOM_FIRST");
   const std::uint64_t begin = first ? std::strtoull(first, nullptr, 10) : 1;
   const std::uint64_t count = wanted ? std::strtoull(wanted, nullptr, 10) : 1500;
-  for (std::uint64_t seed = begin; seed < begin + count && !HasFailure(); ++seed) check(seed);
+  for (std::uint64_t seed = begin; seed < begin + count && !HasFailure(); ++seed)
+    check(randomMip(seed), randomOptions(seed), seed);
+}
+
+// Models full of what presolve looks for, presolved, mostly without help from cuts.
+TEST(RandomMip, StructuredModelsAgreeWithEnumeration) {
+  const char *wanted = std::getenv("TARVIK_RANDOM_MIPS");
+  const char *first = std::getenv("TARVIK_RANDOM_FIRST");
+  const std::uint64_t begin = first ? std::strtoull(first, nullptr, 10) : 1;
+  const std::uint64_t count = wanted ? std::strtoull(wanted, nullptr, 10) : 2500;
+  for (std::uint64_t seed = begin; seed < begin + count && !HasFailure(); ++seed) {
+    MipOptions options = randomOptions(seed);
+    options.presolve.level = -1 + static_cast<int>(seed % 4 == 0) * 3;
+    check(test::StructuredMip(seed).generate(), options, seed);
+  }
 }
 
 // An objective cutoff that ends just short of a hole's end left the hole undecided.
 TEST(RandomMip, SeedsOfOldFaults) {
-  for (const std::uint64_t seed : {704415}) check(seed);
+  for (const std::uint64_t seed : {704415}) check(randomMip(seed), randomOptions(seed), seed);
 }
 
 }  // namespace

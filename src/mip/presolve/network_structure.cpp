@@ -1,4 +1,4 @@
-#include "mip/network_structure.h"
+#include "mip/presolve/network_structure.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,8 +1,9 @@
-#include "mip/mip_presolve.h"
+#include "mip/presolve/mip_presolve.h"
 
 #include <algorithm>
 
-#include "mip/coefficient_tightening.h"
+#include "mip/presolve/coefficient_tightening.h"
+#include "mip/presolve/restrictions.h"
 
 namespace tarvik {
 
@@ -10,12 +11,33 @@ namespace {
 constexpr int kMaxRounds = 4;
 }
 
+// What is told of columns besides the linear program, for those that are left.
+void MipPresolve::keepColumns(const Vec<int> &cols) {
+  const auto keep = [&](auto &values) {
+    if (values.empty()) return;
+    std::remove_reference_t<decltype(values)> kept;
+    for (const int j : cols) kept.push_back(values[j]);
+    values.swap(kept);
+  };
+  Vec<int> place(reduced_.kind.size(), -1);
+  for (std::size_t k = 0; k < cols.size(); ++k) place[cols[k]] = static_cast<int>(k);
+  keep(reduced_.kind);
+  keep(reduced_.holeLower);
+  keep(reduced_.holeUpper);
+  keep(reduced_.branchPriority);
+  keep(reduced_.partition);
+  for (SosSet &set : reduced_.sos)
+    for (int &j : set.cols) j = place[j];
+}
+
 PresolveStatus MipPresolve::reduceLinear(bool &changed) {
   auto stage = std::make_unique<Stage>();
   stage->input = std::move(reduced_.lp);
   for (const VarKind kind : reduced_.kind) stage->integer.push_back(isIntegral(kind));
+  stage->restricted = restrictedColumns(reduced_);
   PresolveOptions options = options_.presolve;
   options.integer = &stage->integer;
+  options.restricted = &stage->restricted;
   options.logging = false;
   const PresolveStatus status = stage->presolve.run(stage->input, options, control_);
   changed = status == PresolveStatus::Reduced || status == PresolveStatus::Solved;
@@ -24,31 +46,22 @@ PresolveStatus MipPresolve::reduceLinear(bool &changed) {
     reduced_.lp = std::move(stage->input);
     return status;
   }
-  Vec<VarKind> kind;
-  Vec<int> priority, partition;
-  for (const int j : stage->presolve.originalCol()) {
-    kind.push_back(reduced_.kind[j]);
-    if (!reduced_.branchPriority.empty()) priority.push_back(reduced_.branchPriority[j]);
-    if (!reduced_.partition.empty()) partition.push_back(reduced_.partition[j]);
-  }
+  keepColumns(stage->presolve.originalCol());
   reduced_.lp = stage->presolve.reduced();
-  reduced_.kind.swap(kind);
-  reduced_.branchPriority.swap(priority);
-  reduced_.partition.swap(partition);
   stages_.push_back(std::move(stage));
   return status;
 }
 
 PresolveStatus MipPresolve::run() {
-  const bool plain =
-      reduced_.sos.empty() && std::none_of(reduced_.kind.begin(), reduced_.kind.end(), isSemi);
-  // The linear reductions know nothing of ranges with a hole and of sets.
-  if (!plain || options_.presolve.level == 0) return PresolveStatus::Unchanged;
+  if (options_.presolve.level == 0) return PresolveStatus::Unchanged;
   for (int round = 0; round < kMaxRounds; ++round) {
+    RestrictionResult restrictions = simplifyRestrictions(reduced_, options_.tolerances);
+    if (restrictions.infeasible) return PresolveStatus::Infeasible;
     bool changed = false;
     const PresolveStatus status = reduceLinear(changed);
     if (status != PresolveStatus::Unchanged && !changed) return status;
-    if (status == PresolveStatus::Solved || (round > 0 && !changed)) break;
+    if (status == PresolveStatus::Solved || (round > 0 && !changed && restrictions.changes == 0))
+      break;
     const TighteningResult tightened = tightenMip(reduced_, options_.tolerances, control_.work);
     if (tightened.infeasible) return PresolveStatus::Infeasible;
     if (tightened.bounds + tightened.coefficients == 0) break;

@@ -1,9 +1,9 @@
-#include "mip/coefficient_tightening.h"
+#include "mip/presolve/coefficient_tightening.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "mip/domain.h"
+#include "mip/sos_propagator.h"
 
 namespace tarvik {
 
@@ -68,12 +68,19 @@ int tightenCoefficients(const Domain &domain, MipModel &model) {
   return changed;
 }
 
+bool decidesHole(const Domain &domain, int col) {
+  const MipModel &model = domain.problem().model();
+  return isSemi(model.kind[col]) &&
+         (domain.lower(col) >= model.holeUpper[col] || domain.upper(col) <= model.holeLower[col]);
+}
+
 int takeBounds(const Domain &domain, MipModel &model) {
   int changed = 0;
   for (int j = 0; j < model.lp.numCols; ++j) {
     double &lower = model.lp.colLower[j], &upper = model.lp.colUpper[j];
-    // Implied bounds of continuous columns stay implied, unless they fix the column.
-    if (!isIntegral(model.kind[j]) && !domain.isFixed(j)) continue;
+    // Implied bounds of continuous columns stay implied, unless they fix the column or decide on a
+    // hole.
+    if (!isIntegral(model.kind[j]) && !domain.isFixed(j) && !decidesHole(domain, j)) continue;
     changed += domain.lower(j) > lower;
     changed += domain.upper(j) < upper;
     lower = domain.lower(j);
@@ -88,6 +95,8 @@ TighteningResult tightenMip(MipModel &model, const MipTolerances &tolerances, Wo
   TighteningResult result;
   const Problem problem(MipModel(model), tolerances);
   Domain domain(problem);
+  SosPropagator sets(problem);
+  if (!model.sos.empty()) domain.addPropagator(&sets);
   if (!domain.propagate(work)) {
     result.infeasible = true;
     return result;

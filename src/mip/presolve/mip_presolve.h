@@ -27,11 +27,12 @@ class MipPresolve {
  private:
   struct Stage {
     LpModel input;  // postsolve reads it again
-    Vec<char> integer;
+    Vec<char> integer, restricted;
     Presolve presolve;
   };
 
   PresolveStatus reduceLinear(bool &changed);
+  void keepColumns(const Vec<int> &cols);
 
   MipModel reduced_;
   const MipOptions &options_;
