@@ -20,11 +20,17 @@ struct CutSettings {
 
 // A value of MipOptions::focus from within: the search works on improving its incumbent.
 inline constexpr int kImproveFocus = 4;
+// Rewriting of ordered sets of type 1 and 2 with binaries.
+struct SosBigMOptions {
+  double limit[2] = {-1, -1};  // the largest big M; 0: off, -1: automatic
+  int encoding[2] = {-1, -1};  // 0 to 3, see sos_big_m.h; -1: automatic
+};
 
 struct MipOptions {
   MipTolerances tolerances;
   SimplexOptions simplex;
   PresolveOptions presolve;
+  SosBigMOptions sosBigM;
   CutSettings cuts;
 
   double mipGap = 1e-4, mipGapAbs = 1e-10;

@@ -96,7 +96,10 @@ void MipSolve::logPresolved(const MipModel &model, double seconds) const {
   const int rows = model.lp.numRows - reduced.lp.numRows;
   const int cols = model.lp.numCols - reduced.lp.numCols;
   Log &log = *control_.log;
-  if (rows > 0 || cols > 0) log.print("Presolve removed %d rows and %d columns\n", rows, cols);
+  if (rows < 0 || cols < 0)
+    log.print("Presolve added %d rows and %d columns\n", std::max(-rows, 0), std::max(-cols, 0));
+  if (rows > 0 || cols > 0)
+    log.print("Presolve removed %d rows and %d columns\n", std::max(rows, 0), std::max(cols, 0));
   log.print("Presolve time: %.2fs\n", seconds);
   if (lastPresolve().solved()) log.print("Presolve: All rows and columns removed\n");
   if (reduced.lp.numCols == 0) return;

@@ -1,8 +1,30 @@
 #include "mip/point_repair.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace tarvik {
+
+namespace {
+
+// Of the members that a set lets be nonzero together, those stay that are largest in sum.
+template <class Fix>
+void zeroOutside(const SosSet &set, const Vec<double> &point, double tolerance, const Fix &fix) {
+  const int count = static_cast<int>(set.cols.size());
+  int best = 0;
+  double largest = -1;
+  for (int first = 0; first < count; ++first) {
+    double sum = 0;
+    for (int k = first; k < std::min(first + set.type, count); ++k)
+      sum += std::fabs(point[set.cols[k]]);
+    if (sum > largest) largest = sum, best = first;
+  }
+  for (int k = 0; k < count; ++k)
+    if (k < best || k >= best + set.type || std::fabs(point[set.cols[k]]) <= tolerance)
+      fix(set.cols[k], 0);
+}
+
+}  // namespace
 
 Vec<BoundChange> PointRepair::discretePart(const Vec<double> &point) const {
   Vec<BoundChange> changes;
@@ -20,9 +42,7 @@ Vec<BoundChange> PointRepair::discretePart(const Vec<double> &point) const {
     else if (problem_.isSemi(j))
       changes.push_back({j, BoundSide::Upper, problem_.model().holeLower[j]});
   }
-  for (const SosSet &set : problem_.model().sos)
-    for (const int j : set.cols)
-      if (std::fabs(point[j]) <= tolerance) fix(j, 0);
+  for (const SosSet &set : problem_.model().sos) zeroOutside(set, point, tolerance, fix);
   return changes;
 }
 

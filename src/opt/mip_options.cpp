@@ -57,6 +57,10 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.simplex.logSign = objSense;
   options.simplex.wantCertificates = false;
   options.presolve = presolveOptions(env);
+  options.sosBigM.limit[0] = env.get(Dbl::PreSOS1BigM);
+  options.sosBigM.limit[1] = env.get(Dbl::PreSOS2BigM);
+  options.sosBigM.encoding[0] = env.get(Int::PreSOS1Encoding);
+  options.sosBigM.encoding[1] = env.get(Int::PreSOS2Encoding);
   options.cuts = resolveCutSettings(env);
   options.mipGap = env.get(Dbl::MIPGap);
   options.mipGapAbs = env.get(Dbl::MIPGapAbs);

@@ -86,6 +86,10 @@ MipOptions randomOptions(std::uint64_t seed) {
   options.subMip = random.uniform() < 0.5;  // without searches inside
   options.threads = random.uniform() < 0.1 ? 2 : 1;
   options.infProof = random.uniform() < 0.7;
+  for (int type = 0; type < 2; ++type) {
+    options.sosBigM.limit[type] = 10.0 * (random.below(3) - 1);
+    options.sosBigM.encoding[type] = random.below(5) - 1;
+  }
   return options;
 }
 

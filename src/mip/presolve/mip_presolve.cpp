@@ -2,14 +2,45 @@
 
 #include <algorithm>
 
+#include "mip/domain.h"
 #include "mip/presolve/coefficient_tightening.h"
 #include "mip/presolve/restrictions.h"
+#include "mip/presolve/sos_big_m.h"
 
 namespace tarvik {
 
 namespace {
 constexpr int kMaxRounds = 4;
 }
+
+// A run of the linear reductions.
+class MipPresolve::LinearStage : public Stage {
+ public:
+  void postsolve(Vec<double> &point) const override {
+    LpSolution reduced, full;
+    reduced.status = LpStatus::Optimal;
+    reduced.colValue.swap(point);
+    presolve.postsolve(reduced, full);
+    point.swap(full.colValue);
+  }
+  void image(Vec<double> &point) const override {
+    Vec<double> kept;
+    for (const int j : presolve.originalCol()) kept.push_back(point[j]);
+    point.swap(kept);
+  }
+
+  LpModel input;  // postsolve reads it again
+  Vec<char> integer, restricted;
+  Presolve presolve;
+};
+
+class MipPresolve::SosStage : public Stage {
+ public:
+  void postsolve(Vec<double> &point) const override { point.resize(bigM.numOldCols()); }
+  void image(Vec<double> &point) const override { bigM.extend(point); }
+
+  SosBigM bigM;
+};
 
 // What is told of columns besides the linear program, for those that are left.
 void MipPresolve::keepColumns(const Vec<int> &cols) {
@@ -31,7 +62,7 @@ void MipPresolve::keepColumns(const Vec<int> &cols) {
 }
 
 PresolveStatus MipPresolve::reduceLinear(bool &changed) {
-  auto stage = std::make_unique<Stage>();
+  auto stage = std::make_unique<LinearStage>();
   stage->input = std::move(reduced_.lp);
   for (const VarKind kind : reduced_.kind) stage->integer.push_back(isIntegral(kind));
   stage->restricted = restrictedColumns(reduced_);
@@ -52,11 +83,33 @@ PresolveStatus MipPresolve::reduceLinear(bool &changed) {
   return status;
 }
 
+bool MipPresolve::rewriteSets() {
+  if (reduced_.sos.empty()) return false;
+  auto stage = std::make_unique<SosStage>();
+  const Problem problem(MipModel(reduced_), options_.tolerances);
+  Domain domain(problem);
+  if (!domain.propagate(control_.work)) return false;
+  const int sets = stage->bigM.run(reduced_, options_.sosBigM, domain.lower(), domain.upper());
+  if (sets == 0) return false;
+  stats_.sets += sets;
+  stages_.push_back(std::move(stage));
+  return true;
+}
+
 PresolveStatus MipPresolve::run() {
   if (options_.presolve.level == 0) return PresolveStatus::Unchanged;
+  PresolveStatus status = reduceInRounds();
+  const bool goesOn = status == PresolveStatus::Unchanged || status == PresolveStatus::Reduced;
+  // With the bounds that presolve has found.
+  if (goesOn && rewriteSets()) status = reduceInRounds();
+  return status;
+}
+
+PresolveStatus MipPresolve::reduceInRounds() {
   for (int round = 0; round < kMaxRounds; ++round) {
     RestrictionResult restrictions = simplifyRestrictions(reduced_, options_.tolerances);
     if (restrictions.infeasible) return PresolveStatus::Infeasible;
+    stats_.restrictions += restrictions.changes;
     bool changed = false;
     const PresolveStatus status = reduceLinear(changed);
     if (status != PresolveStatus::Unchanged && !changed) return status;
@@ -64,6 +117,8 @@ PresolveStatus MipPresolve::run() {
       break;
     const TighteningResult tightened = tightenMip(reduced_, options_.tolerances, control_.work);
     if (tightened.infeasible) return PresolveStatus::Infeasible;
+    stats_.bounds += tightened.bounds;
+    stats_.coefficients += tightened.coefficients;
     if (tightened.bounds + tightened.coefficients == 0) break;
   }
   return stages_.empty() ? PresolveStatus::Unchanged : PresolveStatus::Reduced;
@@ -71,23 +126,13 @@ PresolveStatus MipPresolve::run() {
 
 Vec<double> MipPresolve::postsolve(const Vec<double> &x) const {
   Vec<double> point(x);
-  for (auto stage = stages_.rbegin(); stage != stages_.rend(); ++stage) {
-    LpSolution reduced, full;
-    reduced.status = LpStatus::Optimal;
-    reduced.colValue.swap(point);
-    (*stage)->presolve.postsolve(reduced, full);
-    point.swap(full.colValue);
-  }
+  for (auto stage = stages_.rbegin(); stage != stages_.rend(); ++stage) (*stage)->postsolve(point);
   return point;
 }
 
 Vec<double> MipPresolve::imageOf(const Vec<double> &x) const {
   Vec<double> point(x);
-  for (const auto &stage : stages_) {
-    Vec<double> kept;
-    for (const int j : stage->presolve.originalCol()) kept.push_back(point[j]);
-    point.swap(kept);
-  }
+  for (const auto &stage : stages_) stage->image(point);
   return point;
 }
 

@@ -9,6 +9,11 @@
 
 namespace tarvik {
 
+// How often each reduction succeeded.
+struct MipPresolveStats {
+  int restrictions = 0, bounds = 0, coefficients = 0, sets = 0;
+};
+
 class MipPresolve {
  public:
   MipPresolve(const MipModel &model, const MipOptions &options, SolveControl &control)
@@ -17,6 +22,7 @@ class MipPresolve {
   // Unchanged, Reduced and Solved leave a reduced model to be searched.
   PresolveStatus run();
   const MipModel &reduced() const { return reduced_; }
+  const MipPresolveStats &stats() const { return stats_; }
   bool solved() const { return reduced_.lp.numCols == 0; }
   // A point of the reduced model in the space of the model that was given.
   Vec<double> postsolve(const Vec<double> &x) const;
@@ -25,19 +31,26 @@ class MipPresolve {
   Vec<double> imageOf(const Vec<double> &x) const;
 
  private:
-  struct Stage {
-    LpModel input;  // postsolve reads it again
-    Vec<char> integer, restricted;
-    Presolve presolve;
+  // What changed the columns, in order: a point goes back through the stages to the last column.
+  class Stage {
+   public:
+    virtual ~Stage() = default;
+    virtual void postsolve(Vec<double> &point) const = 0;
+    virtual void image(Vec<double> &point) const = 0;
   };
+  class LinearStage;
+  class SosStage;
 
+  PresolveStatus reduceInRounds();
   PresolveStatus reduceLinear(bool &changed);
   void keepColumns(const Vec<int> &cols);
+  bool rewriteSets();
 
   MipModel reduced_;
   const MipOptions &options_;
   SolveControl &control_;
   Vec<std::unique_ptr<Stage>> stages_;
+  MipPresolveStats stats_;
 };
 
 }  // namespace tarvik
