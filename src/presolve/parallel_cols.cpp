@@ -1,7 +1,7 @@
 // Two columns that are multiples of each other. With costs in the same proportion they act as
 // one: the kept column stands for kept + factor x gone, over the sum of their ranges. With
 // another cost one of them is the cheaper way to the same effect: when it can go on for ever,
-// the dearer one stays at its bound.
+// the dearer one stays at its bound. Integral columns take part where no value gets lost.
 //
 // Undoing a merge: a sum at its bound has both columns at bounds; a basic sum leaves one of
 // them basic and puts the other at a bound.
@@ -15,10 +15,14 @@ namespace tarvik::presolve {
 
 namespace {
 
+// Larger multiples of an integral column are no exact integers any more.
+constexpr double kLargestFactor = 1e6;
+
 struct ParallelCols {
   int kept, gone;
   double factor;  // gone = factor x kept
   double keptLower, keptUpper, goneLower, goneUpper;
+  bool goneInteger;
 };
 
 double factorBetween(Workspace &ws, int kept, int gone) {
@@ -53,10 +57,24 @@ bool restsAtZero(const ParallelCols &p) {
   return false;
 }
 
-bool merge(Workspace &ws, const ParallelCols &p) {
+bool isIntegralFactor(double factor) {
+  return std::fabs(factor) >= 1 && std::fabs(factor) <= kLargestFactor &&
+         factor == std::round(factor);
+}
+
+// Every value of the sum that its bounds and kind allow must come from values of both columns.
+bool sumIsComplete(const Col &kept, const Col &gone, double factor) {
+  if (!gone.integer) return !kept.integer;
+  const double range = kept.upper - kept.lower;
+  if (!kept.integer) return range >= std::fabs(factor);
+  return isIntegralFactor(factor) && range >= std::fabs(factor) - 1;
+}
+
+bool merge(Workspace &ws, ParallelCols p) {
   WorkingModel &model = ws.model;
   const Col &kept = model.col(p.kept), &gone = model.col(p.gone);
-  if (kept.integer || gone.integer) return false;
+  if (!sumIsComplete(kept, gone, p.factor)) return false;
+  p.goneInteger = gone.integer;
   const bool rising = p.factor > 0;
   const double low = rising ? p.goneLower : p.goneUpper, up = rising ? p.goneUpper : p.goneLower;
   const double lower = isInf(low) || isInf(p.keptLower) ? -kInf : p.keptLower + p.factor * low;
@@ -69,6 +87,11 @@ bool merge(Workspace &ws, const ParallelCols &p) {
   if (lower != kept.lower) model.setColLower(p.kept, lower);
   if (upper != kept.upper) model.setColUpper(p.kept, upper);
   return true;
+}
+
+// The pair with the roles of its columns exchanged.
+ParallelCols exchanged(const ParallelCols &p) {
+  return {p.gone, p.kept, 1 / p.factor, p.goneLower, p.goneUpper, p.keptLower, p.keptUpper, false};
 }
 
 // Fixes `dear` at the bound that its reduced cost, of the given sign, sends it to.
@@ -85,15 +108,28 @@ bool fixDearer(Workspace &ws, int dear, bool positive) {
   return true;
 }
 
+// Steps of an integral column, each times the factor, are steps that the other can make up for.
+bool makesUpFor(const Col &col, const Col &other, double factor) {
+  return !col.integer || (other.integer && isIntegralFactor(factor));
+}
+
+// A bound that is implied is only removed where duals must be restored; an integral column keeps
+// the bounds that make it binary.
+bool goesOn(Workspace &ws, int j, bool above) {
+  if (ws.options.integer) return above ? canOpenAbove(ws, j) : canOpenBelow(ws, j);
+  return above ? openAbove(ws, j) : openBelow(ws, j);
+}
+
 // With d(gone) = factor x d(kept) + excess: a column that is open in one direction has a reduced
-// cost of known sign, which may give the other's a strict one.
+// cost of known sign, which may give the other's a strict one: it takes over from the other as
+// much as that has.
 bool dominate(Workspace &ws, const ParallelCols &p, double excess) {
-  if (ws.model.col(p.kept).integer || ws.model.col(p.gone).integer) return false;
+  const Col &kept = ws.model.col(p.kept), &gone = ws.model.col(p.gone);
   const bool positive = excess > 0;
   const bool rising = p.factor > 0;
-  if (positive == rising ? openAbove(ws, p.kept) : openBelow(ws, p.kept))
+  if (makesUpFor(kept, gone, p.factor) && goesOn(ws, p.kept, positive == rising))
     return fixDearer(ws, p.gone, positive);
-  if (positive ? openBelow(ws, p.gone) : openAbove(ws, p.gone))
+  if (makesUpFor(gone, kept, 1 / p.factor) && goesOn(ws, p.gone, !positive))
     return fixDearer(ws, p.kept, positive != rising);
   return false;
 }
@@ -102,11 +138,11 @@ bool treatPair(Workspace &ws, int keptIndex, int goneIndex) {
   const double factor = factorBetween(ws, keptIndex, goneIndex);
   if (factor == 0) return false;
   const Col &kept = ws.model.col(keptIndex), &gone = ws.model.col(goneIndex);
-  const ParallelCols p{keptIndex,  goneIndex,  factor,    kept.lower,
-                       kept.upper, gone.lower, gone.upper};
+  const ParallelCols p{keptIndex,  goneIndex,  factor,     kept.lower,
+                       kept.upper, gone.lower, gone.upper, false};
   const double excess = gone.cost - factor * kept.cost;
   const double size = std::max(std::fabs(gone.cost), std::fabs(factor * kept.cost));
-  if (std::fabs(excess) <= kParallel * size) return merge(ws, p);
+  if (std::fabs(excess) <= kParallel * size) return merge(ws, p) || merge(ws, exchanged(p));
   if (std::fabs(excess) <= kStrictDual * std::max(1.0, size)) return false;
   return dominate(ws, p, excess);
 }
@@ -161,6 +197,19 @@ void place(const ParallelCols &p, double kept, double gone, bool keptBasic, bool
   state.setCol(p.gone, goneBasic ? VarStatus::Basic : statusAt(gone, p.goneLower, p.goneUpper));
 }
 
+// The gone column takes as little from the kept one as an integer can.
+void splitIntegral(const ParallelCols &p, PostsolveState &state) {
+  const double sum = state.x[p.kept];
+  // Where the kept column is at its lower and its upper bound.
+  double low = (sum - (p.factor > 0 ? p.keptUpper : p.keptLower)) / p.factor;
+  double up = (sum - (p.factor > 0 ? p.keptLower : p.keptUpper)) / p.factor;
+  low = std::max(isInf(low) || std::fabs(low) > kHugeValue ? -kInf : low, p.goneLower);
+  up = std::min(isInf(up) || std::fabs(up) > kHugeValue ? kInf : up, p.goneUpper);
+  const double slack = Workspace::roundingTol(sum);
+  const double nearest = std::min(std::max(0.0, std::ceil(low - slack)), std::floor(up + slack));
+  place(p, sum - p.factor * nearest, nearest, true, false, state);
+}
+
 // One column at a bound, the other basic.
 void split(const ParallelCols &p, PostsolveState &state) {
   const double sum = state.x[p.kept];
@@ -197,6 +246,7 @@ void undoParallelCols(RecordReader record, PostsolveState &state) {
   const auto p = record.get<ParallelCols>();
   if (state.hasDual) state.d[p.gone] = p.factor * state.d[p.kept];
   if (!state.hasPrimal) return;
+  if (p.goneInteger) return splitIntegral(p, state);
   const VarStatus status = state.hasBasis ? state.colStatus[p.kept] : VarStatus::Basic;
   if (status == VarStatus::AtLower || status == VarStatus::AtUpper)
     splitAtBound(p, status == VarStatus::AtLower, state);
