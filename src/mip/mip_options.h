@@ -26,11 +26,18 @@ struct SosBigMOptions {
   int encoding[2] = {-1, -1};  // 0 to 3, see sos_big_m.h; -1: automatic
 };
 
+// The reductions of mixed-integer presolve that can be switched off.
+struct MipReductions {
+  bool coefficients = true, cliques = true, dominated = true, impliedIntegers = true,
+       components = true;
+};
+
 struct MipOptions {
   MipTolerances tolerances;
   SimplexOptions simplex;
   PresolveOptions presolve;
   SosBigMOptions sosBigM;
+  MipReductions reductions;
   CutSettings cuts;
 
   double mipGap = 1e-4, mipGapAbs = 1e-10;

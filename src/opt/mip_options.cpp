@@ -61,6 +61,11 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.sosBigM.limit[1] = env.get(Dbl::PreSOS2BigM);
   options.sosBigM.encoding[0] = env.get(Int::PreSOS1Encoding);
   options.sosBigM.encoding[1] = env.get(Int::PreSOS2Encoding);
+  options.reductions.coefficients = env.get(Int::TARV_PAR_PRECOEFFICIENT) != 0;
+  options.reductions.cliques = env.get(Int::TARV_PAR_PRECLIQUE) != 0;
+  options.reductions.dominated = env.get(Int::TARV_PAR_PREDOMINATE) != 0;
+  options.reductions.impliedIntegers = env.get(Int::TARV_PAR_IMPLIEDINT) != 0;
+  options.reductions.components = env.get(Int::TARV_PAR_PRECONNECTED) != 0;
   options.cuts = resolveCutSettings(env);
   options.mipGap = env.get(Dbl::MIPGap);
   options.mipGapAbs = env.get(Dbl::MIPGapAbs);

@@ -3,7 +3,11 @@
 #include <algorithm>
 
 #include "mip/domain.h"
+#include "mip/presolve/clique_merging.h"
 #include "mip/presolve/coefficient_tightening.h"
+#include "mip/presolve/components.h"
+#include "mip/presolve/dominated_binaries.h"
+#include "mip/presolve/implied_integers.h"
 #include "mip/presolve/restrictions.h"
 #include "mip/presolve/sos_big_m.h"
 
@@ -83,6 +87,44 @@ PresolveStatus MipPresolve::reduceLinear(bool &changed) {
   return status;
 }
 
+class MipPresolve::ComponentStage : public Stage {
+ public:
+  void postsolve(Vec<double> &point) const override { components.restore(point); }
+  void image(Vec<double> &point) const override {
+    Vec<double> kept;
+    for (const int j : components.left()) kept.push_back(point[j]);
+    point.swap(kept);
+  }
+
+  Components components;
+};
+
+// Reductions that look at pairs of rows or columns.
+bool MipPresolve::reduceIntegers() {
+  int found = 0;
+  if (options_.reductions.cliques) {
+    const CliqueMergingResult merged = mergeCliques(reduced_, options_.tolerances, control_.work);
+    stats_.cliques += merged.rowsRemoved + merged.fixed;
+    found += merged.rowsRemoved + merged.fixed;
+  }
+  if (options_.reductions.dominated) {
+    const int fixed = fixDominatedBinaries(reduced_, control_.work);
+    stats_.dominated += fixed;
+    found += fixed;
+  }
+  return found > 0;
+}
+
+PresolveStatus MipPresolve::solveComponents() {
+  auto stage = std::make_unique<ComponentStage>();
+  const Components::Result result = stage->components.run(reduced_, options_, control_);
+  if (result == Components::Result::Infeasible) return PresolveStatus::Infeasible;
+  if (result == Components::Result::Unchanged) return PresolveStatus::Unchanged;
+  stats_.components += stage->components.solved();
+  stages_.push_back(std::move(stage));
+  return PresolveStatus::Reduced;
+}
+
 bool MipPresolve::rewriteSets() {
   if (reduced_.sos.empty()) return false;
   auto stage = std::make_unique<SosStage>();
@@ -98,16 +140,24 @@ bool MipPresolve::rewriteSets() {
 
 PresolveStatus MipPresolve::run() {
   if (options_.presolve.level == 0) return PresolveStatus::Unchanged;
+  const auto goesOn = [](PresolveStatus status) {
+    return status == PresolveStatus::Unchanged || status == PresolveStatus::Reduced;
+  };
   PresolveStatus status = reduceInRounds();
-  const bool goesOn = status == PresolveStatus::Unchanged || status == PresolveStatus::Reduced;
   // With the bounds that presolve has found.
-  if (goesOn && rewriteSets()) status = reduceInRounds();
-  return status;
+  if (goesOn(status) && rewriteSets()) status = reduceInRounds();
+  if (!goesOn(status) || !options_.presolveMip) return status;
+  if (options_.reductions.components && !options_.subMip &&
+      solveComponents() == PresolveStatus::Infeasible)
+    return PresolveStatus::Infeasible;
+  if (options_.reductions.impliedIntegers)
+    stats_.impliedIntegers += declareImpliedIntegers(reduced_);
+  return stages_.empty() ? PresolveStatus::Unchanged : PresolveStatus::Reduced;
 }
 
 PresolveStatus MipPresolve::reduceInRounds() {
   for (int round = 0; round < kMaxRounds; ++round) {
-    RestrictionResult restrictions = simplifyRestrictions(reduced_, options_.tolerances);
+    const RestrictionResult restrictions = simplifyRestrictions(reduced_, options_.tolerances);
     if (restrictions.infeasible) return PresolveStatus::Infeasible;
     stats_.restrictions += restrictions.changes;
     bool changed = false;
@@ -119,7 +169,8 @@ PresolveStatus MipPresolve::reduceInRounds() {
     if (tightened.infeasible) return PresolveStatus::Infeasible;
     stats_.bounds += tightened.bounds;
     stats_.coefficients += tightened.coefficients;
-    if (tightened.bounds + tightened.coefficients == 0) break;
+    const bool paired = options_.presolveMip && reduceIntegers();
+    if (tightened.bounds + tightened.coefficients == 0 && !paired) break;
   }
   return stages_.empty() ? PresolveStatus::Unchanged : PresolveStatus::Reduced;
 }

@@ -12,6 +12,7 @@ namespace tarvik {
 // How often each reduction succeeded.
 struct MipPresolveStats {
   int restrictions = 0, bounds = 0, coefficients = 0, sets = 0;
+  int cliques = 0, dominated = 0, impliedIntegers = 0, components = 0;
 };
 
 class MipPresolve {
@@ -40,11 +41,14 @@ class MipPresolve {
   };
   class LinearStage;
   class SosStage;
+  class ComponentStage;
 
   PresolveStatus reduceInRounds();
   PresolveStatus reduceLinear(bool &changed);
   void keepColumns(const Vec<int> &cols);
+  bool reduceIntegers();
   bool rewriteSets();
+  PresolveStatus solveComponents();
 
   MipModel reduced_;
   const MipOptions &options_;
