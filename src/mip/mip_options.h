@@ -20,6 +20,7 @@ struct CutSettings {
 
 // A value of MipOptions::focus from within: the search works on improving its incumbent.
 inline constexpr int kImproveFocus = 4;
+
 // Rewriting of ordered sets of type 1 and 2 with binaries.
 struct SosBigMOptions {
   double limit[2] = {-1, -1};  // the largest big M; 0: off, -1: automatic

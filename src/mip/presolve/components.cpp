@@ -86,6 +86,7 @@ MipOptions optionsOfPart(const MipOptions &options) {
   own.iterationLimit = kUserInf;
   own.nodeLimit = kNodeLimit;
   own.solutionLimit = kMaxInt;
+  own.softTimeLimit = own.softWorkLimit = kUserInf;
   own.improveStartGap = 0;
   own.improveStartTime = own.improveStartNodes = kUserInf;
   own.poolSolutions = 1;
