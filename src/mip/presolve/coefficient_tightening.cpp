@@ -91,7 +91,8 @@ int takeBounds(const Domain &domain, MipModel &model) {
 
 }  // namespace
 
-TighteningResult tightenMip(MipModel &model, const MipTolerances &tolerances, WorkMeter &work) {
+TighteningResult tightenMip(MipModel &model, const MipTolerances &tolerances, bool coefficients,
+                            WorkMeter &work) {
   TighteningResult result;
   const Problem problem(MipModel(model), tolerances);
   Domain domain(problem);
@@ -102,7 +103,7 @@ TighteningResult tightenMip(MipModel &model, const MipTolerances &tolerances, Wo
     return result;
   }
   result.bounds = takeBounds(domain, model);
-  result.coefficients = tightenCoefficients(domain, model);
+  if (coefficients) result.coefficients = tightenCoefficients(domain, model);
   work.charge(3.0 * static_cast<double>(model.lp.a.numNz()));
   return result;
 }

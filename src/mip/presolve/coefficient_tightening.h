@@ -14,6 +14,8 @@ struct TighteningResult {
   int coefficients = 0;  // changed
 };
 
-TighteningResult tightenMip(MipModel &model, const MipTolerances &tolerances, WorkMeter &work);
+// Without `coefficients` only bounds are tightened.
+TighteningResult tightenMip(MipModel &model, const MipTolerances &tolerances, bool coefficients,
+                            WorkMeter &work);
 
 }  // namespace tarvik

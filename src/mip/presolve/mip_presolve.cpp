@@ -165,7 +165,8 @@ PresolveStatus MipPresolve::reduceInRounds() {
     if (status != PresolveStatus::Unchanged && !changed) return status;
     if (status == PresolveStatus::Solved || (round > 0 && !changed && restrictions.changes == 0))
       break;
-    const TighteningResult tightened = tightenMip(reduced_, options_.tolerances, control_.work);
+    const TighteningResult tightened =
+        tightenMip(reduced_, options_.tolerances, options_.reductions.coefficients, control_.work);
     if (tightened.infeasible) return PresolveStatus::Infeasible;
     stats_.bounds += tightened.bounds;
     stats_.coefficients += tightened.coefficients;
