@@ -1,7 +1,7 @@
 #include "mip/presolve/components.h"
+#include "base/union_find.h"
 
 #include <algorithm>
-#include <numeric>
 
 #include "mip/mip_solve.h"
 
@@ -17,20 +17,6 @@ constexpr double kNodeLimit = 1000;
 // Work units: of one part, and of all.
 constexpr double kWorkOfPart = 0.1;
 constexpr double kWork = 0.5;
-
-// Disjoint sets of columns.
-class UnionFind {
- public:
-  explicit UnionFind(int count) : parent_(count) { std::iota(parent_.begin(), parent_.end(), 0); }
-  int find(int item) {
-    while (parent_[item] != item) item = parent_[item] = parent_[parent_[item]];
-    return item;
-  }
-  void join(int a, int b) { parent_[find(a)] = find(b); }
-
- private:
-  Vec<int> parent_;
-};
 
 // The part of a model that some of its columns make up, with the rows that they are in. `place`
 // holds the new number of every column, -1 for those that are not taken.
@@ -111,10 +97,10 @@ Vec<Components::Part> Components::split(const MipModel &model) const {
   for (int j = 0; j < lp.numCols; ++j)
     for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k) {
       int &first = firstInRow[lp.a.index[k]];
-      first < 0 ? static_cast<void>(first = j) : sets.join(j, first);
+      first < 0 ? static_cast<void>(first = j) : sets.unite(j, first);
     }
   for (const SosSet &set : model.sos)
-    for (const int j : set.cols) sets.join(j, set.cols.front());
+    for (const int j : set.cols) sets.unite(j, set.cols.front());
   Vec<Part> parts;
   Vec<int> partOf(lp.numCols, -1);
   for (int j = 0; j < lp.numCols; ++j) {

@@ -12,10 +12,10 @@
 // Literature: McKay (1981); Darga, Liffiton, Sakallah and Markov (2004); Junttila and Kaski (2007).
 #pragma once
 
+#include "base/union_find.h"
 #include "mip/symmetry/ordered_partition.h"
 #include "mip/symmetry/permutation.h"
 #include "mip/symmetry/symmetry_check.h"
-#include "mip/symmetry/union_find.h"
 
 namespace tarvik {
 

@@ -10,10 +10,10 @@
 #pragma once
 
 #include "base/solve_control.h"
+#include "base/union_find.h"
 #include "mip/symmetry/column_marks.h"
 #include "mip/symmetry/column_matrices.h"
 #include "mip/symmetry/point_stabilizer.h"
-#include "mip/symmetry/union_find.h"
 
 namespace tarvik {
 
