@@ -82,14 +82,16 @@ CutCounters MipSearch::cutCounters() const {
 
 double MipSearch::bestBound() {
   if (infeasible_) return std::min(incumbentObjective_, kUserInf);
-  if (!rootDone_) return rootBound_;
-  double bound = std::min(queue_.bestBound(), unsolvedBound_);
-  for (const auto &explorer : explorers_)
-    if (explorer->hasNode()) bound = std::min(bound, explorer->nodeBound());
   // An exhausted tree proves the incumbent, up to the gap that pruned it.
   const double goal = reference();
   const double proven = std::min(goal, mipPruningBound(options_, goal));
-  bound = std::max(std::min(bound, proven), std::min(rootBound_, goal));
+  double bound = rootBound_;
+  if (rootDone_) {
+    bound = std::min(queue_.bestBound(), unsolvedBound_);
+    for (const auto &explorer : explorers_)
+      if (explorer->hasNode()) bound = std::min(bound, explorer->nodeBound());
+    bound = std::max(std::min(bound, proven), std::min(rootBound_, goal));
+  }
   // At or above the cutoff there is nothing to be found.
   return hasIncumbent() && bound >= cutoff_ ? std::max(bound, proven) : bound;
 }

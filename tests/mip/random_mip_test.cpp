@@ -164,7 +164,8 @@ TEST(RandomMip, StructuredModelsAgreeWithEnumeration) {
 
 // An objective cutoff that ends just short of a hole's end left the hole undecided.
 TEST(RandomMip, SeedsOfOldFaults) {
-  for (const std::uint64_t seed : {704415}) check(randomMip(seed), randomOptions(seed), seed);
+  for (const std::uint64_t seed : {704415, 21008236})
+    check(randomMip(seed), randomOptions(seed), seed);
 }
 
 }  // namespace
