@@ -159,8 +159,8 @@ void MipSearch::solveRoot() {
 
 // Reductions, cuts and heuristics start over where the root has fixed much.
 bool MipSearch::isWorthRestart() {
-  if (options_.restarts == 0 || !options_.presolveMip || options_.presolve.level == 0 ||
-      pool_.inUse() || rootStatus_ != LpStatus::Optimal)
+  if (options_.restarts == 0 || options_.subMip || !options_.presolveMip ||
+      options_.presolve.level == 0 || pool_.inUse() || rootStatus_ != LpStatus::Optimal)
     return false;
   if (hasIncumbent() && mipRelativeGap(1, bestBound(), incumbentObjective_) < kRestartGap)
     return false;

@@ -15,6 +15,8 @@ constexpr double kLargestWeight = 1e4;
 constexpr int kMostSums = 50;
 constexpr int kLongestSum = 2000;
 constexpr double kSmallestCoef = 1e-7;
+// Rows of two entries come last: most are variable bounds, which kernels substitute anyway.
+constexpr double kPairPenalty = 10;
 }  // namespace
 
 AggregationLimits aggregationLimits(const SeparationPoint &point, int level) {
@@ -54,7 +56,8 @@ Vec<int> Aggregation::startRows() const {
     point_->lp->row(i, index, value, count);
     const double price = i < static_cast<int>(dual.size()) ? std::fabs(dual[i]) : 0;
     const double weight = rows_->slack(i).value / rows_->norm(i) +
-                          1e-3 * count / std::max(1, rows_->numCols()) - (price > 1e-9 ? 0.1 : 0);
+                          1e-3 * count / std::max(1, rows_->numCols()) - (price > 1e-9 ? 0.1 : 0) +
+                          (count <= 2 ? kPairPenalty : 0);
     order.push_back({weight, i});
   }
   std::sort(order.begin(), order.end());
