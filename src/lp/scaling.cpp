@@ -38,6 +38,7 @@ struct Range {
     max = std::max(max, value);
   }
   double geometricMean() const { return max > 0 ? std::sqrt(min) * std::sqrt(max) : 1; }
+  double spread() const { return max > 0 ? std::sqrt(max / min) : 1; }
 };
 
 class Scaler {
@@ -47,13 +48,21 @@ class Scaler {
     scaling_.col.assign(static_cast<std::size_t>(lp.numCols), 1.0);
   }
 
+  // A pass divides the rows by their means, then each column by its own; the ranges of the rows
+  // for the next pass are gathered on the way.
   void geometric() {
     double spread = worstSpread();
+    Vec<Range> rows = rowRanges();
     for (int pass = 0; pass < kMaxPasses; ++pass) {
-      const Vec<Range> rows = rowRanges();
       for (std::size_t i = 0; i < rows.size(); ++i) scaling_.row[i] /= rows[i].geometricMean();
-      for (int j = 0; j < a_.numMajor; ++j) scaling_.col[j] /= colRange(j).geometricMean();
-      const double now = worstSpread();
+      rows.assign(rows.size(), Range{});
+      double now = 1;
+      for (int j = 0; j < a_.numMajor; ++j) {
+        const Range range = colRange(j);
+        scaling_.col[j] /= range.geometricMean();
+        now = std::max(now, range.spread());
+        addToRows(j, rows);
+      }
       if (now > kMinGain * spread) break;
       spread = now;
     }
@@ -84,21 +93,21 @@ class Scaler {
     return range;
   }
 
+  void addToRows(int j, Vec<Range> &rows) const {
+    for (NzIndex k = a_.start[j]; k < a_.start[j + 1]; ++k)
+      if (a_.value[k] != 0) rows[a_.index[k]].add(magnitude(k, j));
+  }
+
   Vec<Range> rowRanges() const {
     Vec<Range> ranges(scaling_.row.size());
-    for (int j = 0; j < a_.numMajor; ++j)
-      for (NzIndex k = a_.start[j]; k < a_.start[j + 1]; ++k)
-        if (a_.value[k] != 0) ranges[a_.index[k]].add(magnitude(k, j));
+    for (int j = 0; j < a_.numMajor; ++j) addToRows(j, ranges);
     return ranges;
   }
 
   // The largest ratio between two entries of one column, the measure that passes reduce.
   double worstSpread() const {
     double worst = 1;
-    for (int j = 0; j < a_.numMajor; ++j) {
-      const Range range = colRange(j);
-      if (range.max > 0) worst = std::max(worst, std::sqrt(range.max / range.min));
-    }
+    for (int j = 0; j < a_.numMajor; ++j) worst = std::max(worst, colRange(j).spread());
     return worst;
   }
 

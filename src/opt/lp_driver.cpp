@@ -67,6 +67,8 @@ LpOutcome LpDriver::run(const Basis *warmStart, const Vec<double> *superbasicVal
   if (lp_.numRows == 0) return settle(solveWithoutRows());
   if (options_.presolve.level != 0 && (!warmStart || options_.presolveWarmStart))
     return settle(solvePresolved(warmStart));
+  // The check of the result is the proof: values updated through a few steps need no second look.
+  options_.simplex.quickVerdicts = warmStart != nullptr;
   return settle(solveFull(options_.method, warmStart, superbasicValues, edgeWeights));
 }
 
@@ -151,10 +153,9 @@ bool LpDriver::solveDualForm(const LpModel &lp, LpSolution &solution) {
 LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,
                                const Vec<double> *superbasicValues,
                                const Vec<double> *edgeWeights) {
-  Simplex &simplex =
-      start ? engine_.open(lp_, options_.simplex) : engine_.openFresh(lp_, options_.simplex);
+  Simplex &simplex = start ? engine_.open(lp_, options_.simplex, *start, superbasicValues)
+                           : engine_.openFresh(lp_, options_.simplex);
   if (start) {
-    simplex.setBasis(*start, superbasicValues);
     if (edgeWeights) simplex.setEdgeWeights(*edgeWeights);
     if (options_.mayChangeMethod && simplex.prefersPrimal(control_)) method = SimplexMethod::Primal;
   }
@@ -274,6 +275,7 @@ LpOutcome LpDriver::settle(LpSolution &&solution) {
 
 LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
   const double iterationsBefore = iterations_;
+  options_.simplex.quickVerdicts = false;
   LpOutcome best;
   best.solution = std::move(doubtful);
   Verdict bestVerdict = verdict, lastVerdict = verdict;

@@ -104,6 +104,7 @@ void RetainedSolve::followVectors(const ModelData &data) {
     lp_.rowUpper[i] = bounds.upper;
     if (simplex) simplex->setRowBounds(i, bounds.lower, bounds.upper);
   }
+  if (lp_.offset == data.objCon) return;
   lp_.offset = data.objCon;
   if (simplex) simplex->setOffset(data.objCon);
 }
@@ -124,8 +125,8 @@ Simplex &RetainedSolve::factoredBasis(Model &model, SolveControl &control, bool 
   SimplexOptions options = simplexOptions(model.env());
   options.logging = false;
   options.quad = 0;
-  Simplex &simplex = engine_.open(lp_, options);
-  simplex.setBasis(basisFromCodes(model.data(), store.vbasis, store.cbasis),
+  Simplex &simplex =
+      engine_.open(lp_, options, basisFromCodes(model.data(), store.vbasis, store.cbasis),
                    store.x.empty() ? nullptr : &store.x);
   changed = !simplex.refresh(control);
   return simplex;

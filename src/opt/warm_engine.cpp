@@ -1,13 +1,22 @@
 #include "opt/warm_engine.h"
 
+#include <utility>
+
 namespace tarvik {
 
-Simplex &WarmEngine::open(const LpModel &lp, const SimplexOptions &options) {
+Simplex &WarmEngine::open(const LpModel &lp, const SimplexOptions &options, const Basis &basis,
+                          const Vec<double> *superbasicValues) {
   if (!engine_ || engine_->options().scaleFlag != options.scaleFlag ||
-      engine_->options().seed != options.seed || (engine_->extended() && options.quad == 0))
-    return openFresh(lp, options);
+      engine_->options().seed != options.seed || (engine_->extended() && options.quad == 0)) {
+    engine_.reset();
+    Simplex loaded(options);
+    loaded.load(lp, basis, superbasicValues);
+    engine_.emplace(std::move(loaded));
+    return *engine_;
+  }
   engine_->options() = options;
   engine_->restartCounting();
+  engine_->setBasis(basis, superbasicValues);
   return *engine_;
 }
 

@@ -11,9 +11,10 @@ namespace tarvik {
 
 class WarmEngine {
  public:
-  // The engine holding lp, with its present basis; loads it when that has not been done, or when
-  // an option that shapes the loaded data differs. Counters begin at zero.
-  Simplex &open(const LpModel &lp, const SimplexOptions &options);
+  // The engine holding lp, with this basis (see Simplex::setBasis); loads it when that has not been
+  // done, or when an option that shapes the loaded data differs. Counters begin at zero.
+  Simplex &open(const LpModel &lp, const SimplexOptions &options, const Basis &basis,
+                const Vec<double> *superbasicValues);
   // The same, but from scratch with the slack basis.
   Simplex &openFresh(const LpModel &lp, const SimplexOptions &options);
   // The loaded engine, or null.

@@ -6,6 +6,12 @@
 namespace tarvik {
 
 template <class Real>
+void SimplexCore<Real>::load(const LpModel &lp, const Basis &basis, const Vec<double> *values) {
+  engine.loadForBasis(lp);
+  setBasis(basis, values);
+}
+
+template <class Real>
 void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) {
   Engine<Real> &e = engine;
   const int n = e.lp.n, m = e.lp.m;
@@ -38,7 +44,9 @@ void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) 
     e.move[j] = status == VarStatus::AtUpper ? -1 : status == VarStatus::AtLower ? 1 : 0;
     e.value[j] = values && j < n ? Real((*values)[j]) / e.lp.varScale(j) : Real(0);
     e.placeNonbasic(j);
+    e.syncActive(j);
   }
+  e.placed = true;
   if (sameBasics) {
     e.valuesFollowed = false;
     return;
@@ -46,7 +54,6 @@ void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) 
   e.rowWeight.assign(m, 1.0);
   e.rowWeightsValid = false;
   e.factored = false;
-  for (int j = 0; j < n; ++j) e.syncActive(j);
 }
 
 // Whether the basis has exactly the basic variables of the current one.
@@ -82,11 +89,14 @@ void SimplexCore<Real>::setEdgeWeights(const Vec<double> &weights) {
 // True bounds and costs on a factored basis; false when that took repairs or failed.
 template <class Real>
 bool SimplexCore<Real>::prepareBasis(SolveControl &control) {
+  const bool placed = engine.placed && !engine.boundsPerturbed;
   engine.control = &control;
   engine.forgetValues();
   engine.stability.startSolve(engine.options, engine.lp.m);
   engine.repaired = false;
-  engine.resetWorkingBounds();
+  engine.boundShift = ShiftState::None;
+  engine.valuesFollowed = false;
+  if (!placed) engine.resetWorkingBounds();
   engine.resetWorkingCosts();
   return (engine.factored || engine.refactor()) && !engine.repaired;
 }
@@ -108,10 +118,11 @@ bool SimplexCore<Real>::prefersPrimal(SolveControl &control) {
   engine.dualTol = engine.options.dualTol;
   int primal = 0, dual = 0;
   engine.computeDual();
-  engine.dualInfeasibilitySum(&dual);
-  if (dual == 0) return false;
   engine.loadBasicBounds();
   engine.computePrimal();
+  engine.prepared = true;
+  engine.dualInfeasibilitySum(&dual);
+  if (dual == 0) return false;
   engine.primalInfeasibilitySum(&primal);
   return primal == 0;
 }

@@ -32,13 +32,14 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   allowSmallPivots_ = false;
   nextCutoffTest_ = 0;
   resumed_ = resume();
+  const bool prepared = e_.prepared;
   e_.forgetValues();
   PhaseResult result;
   if (resumed_) {
     result = phase(false);
     if (result == PhaseResult::Optimal) result = finishPhaseTwo();
   } else {
-    result = runFromBasis(perturb);
+    result = runFromBasis(perturb, prepared);
   }
   const bool complete = result == PhaseResult::Optimal || result == PhaseResult::Infeasible ||
                         result == PhaseResult::Cutoff || result == PhaseResult::Stopped;
@@ -103,15 +104,18 @@ bool DualSimplex<Real>::followBounds(VarIndex j, SparseVec<Real> &change) {
 }
 
 template <class Real>
-PhaseResult DualSimplex<Real>::runFromBasis(bool perturb) {
-  e_.resetWorkingBounds();
-  e_.resetWorkingCosts();
+PhaseResult DualSimplex<Real>::runFromBasis(bool perturb, bool prepared) {
+  if (!prepared) {
+    e_.resetWorkingBounds();
+    e_.resetWorkingCosts();
+  }
   queue_.resize(e_.lp.m);
   width_.resize(e_.lp.total());
   choosePricing();
   if (!e_.factored && !e_.refactor()) return e_.troubleResult();
-  e_.computeDual();
-  primalFresh_ = false;
+  if (!prepared) e_.computeDual();
+  primalFresh_ = prepared;
+  freshFlips_ = flips_;
   if (perturb && wantsPerturbation()) {
     perturbCosts();
     e_.computeDual();
@@ -154,10 +158,11 @@ bool DualSimplex<Real>::wantsPerturbation() {
   int structurals = 0, primal = 0, dual = 0;
   for (const VarIndex j : e_.head) structurals += j < e_.lp.n;
   if (structurals == 0) return true;
-  e_.loadBasicBounds();
-  e_.computePrimal();
-  primalFresh_ = true;
-  freshFlips_ = flips_;
+  if (!primalFresh_) {
+    e_.loadBasicBounds();
+    e_.computePrimal();
+    primalFresh_ = true;
+  }
   e_.primalInfeasibilitySum(&primal);
   e_.dualInfeasibilitySum(&dual);
   return primal + dual > std::max(tuning::kWarmInfeasibilities, e_.lp.m / 20);

@@ -29,7 +29,7 @@ class DualSimplex {
     Real range;  // width of the box, infinite when it has none
   };
 
-  PhaseResult runFromBasis(bool perturb);
+  PhaseResult runFromBasis(bool perturb, bool prepared);
   bool resume();
   bool followBounds(VarIndex j, SparseVec<Real> &change);
   PhaseResult phase(bool phaseOne);

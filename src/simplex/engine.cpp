@@ -10,15 +10,36 @@ namespace tarvik {
 using std::fabs;
 
 template <class Real>
-void Engine<Real>::load(const LpModel &model) {
+void Engine<Real>::loadProblem(const LpModel &model) {
   lp.load(model, options.scaleFlag);
   const int total = lp.total();
   randomValue.resize(total);
   Random random(static_cast<std::uint64_t>(options.seed) + 1);
   for (double &r : randomValue) r = random.uniform();
-  slackBasis();
   iterations = 0;
   setWorkRate();
+}
+
+template <class Real>
+void Engine<Real>::load(const LpModel &model) {
+  loadProblem(model);
+  slackBasis();
+}
+
+template <class Real>
+void Engine<Real>::loadForBasis(const LpModel &model) {
+  loadProblem(model);
+  const int total = lp.total(), m = lp.m;
+  cost = lp.cost;
+  position.clear();
+  move.assign(total, 0);
+  for (Vec<Real> *v : {&value, &dual}) v->assign(total, Real(0));
+  for (Vec<Real> *v : {&xB, &lB, &uB}) v->assign(m, Real(0));
+  resizeScratch();
+  rows.forget();
+  columnPrices_ = tuning::kColumnPrices;
+  factor.setup(&lp.cols, &lp.value, lp.m);
+  factored = false;
 }
 
 template <class Real>
@@ -89,11 +110,16 @@ void Engine<Real>::slackBasis() {
 
 template <class Real>
 void Engine<Real>::rebuildRows() {
+  buildRows();
+  factor.setup(&lp.cols, &lp.value, lp.m);
+  factored = false;
+}
+
+template <class Real>
+void Engine<Real>::buildRows() {
   Vec<char> active(lp.n);
   for (int j = 0; j < lp.n; ++j) active[j] = canEnter(j);
   rows.build(lp, active);
-  factor.setup(&lp.cols, &lp.value, lp.m);
-  factored = false;
 }
 
 template <class Real>
@@ -247,7 +273,7 @@ void Engine<Real>::computeDual() {
   if (y.count > lp.m / 4) y.count = -1;
   factor.btran(y, y.count < 0 ? 1.0 : 0.5, control->work);
   double entries = lp.total();
-  if (!y.valid() || y.density() > 0.1) {
+  if (!y.valid() || y.density() > 0.1 || !rows.built()) {
     for (int j = 0; j < lp.n; ++j) {
       if (position[j] >= 0) {
         dual[j] = 0;
@@ -274,15 +300,6 @@ void Engine<Real>::computeDual() {
   y.count = -1;
   y.clear();
   chargeWork(3 * entries);
-}
-
-template <class Real>
-Real Engine<Real>::dualInfeasibility(VarIndex j) const {
-  if (position[j] >= 0 || lower[j] == upper[j]) return 0;
-  const Real d = dual[j];
-  if (move[j] > 0) return d < 0 ? -d : Real(0);
-  if (move[j] < 0) return d > 0 ? d : Real(0);
-  return fabs(d);
 }
 
 template <class Real>
@@ -396,7 +413,28 @@ void Engine<Real>::unitBtran(BasisPos p) {
 }
 
 template <class Real>
+void Engine<Real>::priceByColumns() {
+  pivotRow.clear();
+  double entries = lp.n;
+  for (int j = 0; j < lp.n; ++j) {
+    if (!canEnter(j)) continue;
+    Real sum = 0;
+    const NzIndex end = lp.cols.start[j + 1];
+    for (NzIndex k = lp.cols.start[j]; k < end; ++k)
+      sum += rho.value[lp.cols.index[k]] * lp.value[k];
+    entries += 2.0 * static_cast<double>(end - lp.cols.start[j]);
+    pivotRow.value[j] = sum;
+  }
+  pivotRow.count = -1;
+  control->work.charge(entries);
+}
+
+template <class Real>
 void Engine<Real>::priceRow() {
+  if (!rows.built()) {
+    if (columnPrices_-- > 0) return priceByColumns();
+    buildRows();
+  }
   const double density = rows.price(rho, pivotRow, rowDensity, control->work);
   rowDensity += tuning::kDensityMemory * (density - rowDensity);
 }
@@ -541,9 +579,9 @@ void Engine<Real>::logHeader() {
 
 template <class Real>
 void Engine<Real>::log(bool force) {
-  const double seconds = options.logging ? control->limits.seconds() : 0;
-  const bool due =
-      options.logging && iterations != lastLogIteration && (force || seconds >= nextLogSeconds);
+  const bool heard = options.logging && control->log->enabled();
+  const double seconds = heard ? control->limits.seconds() : 0;
+  const bool due = heard && iterations != lastLogIteration && (force || seconds >= nextLogSeconds);
   if (!due && !control->progress) return;
   progress.iterations = iterations;
   progress.objective = static_cast<double>(trueObjective());

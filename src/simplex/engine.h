@@ -116,12 +116,20 @@ class Engine : public EngineState {
   bool current = false;
   Vec<VarIndex> touched;
   int updatesSinceCompute = 0;  // basis changes since the values were computed from the factors
+  // Nonbasic variables stand at the true bounds, as setBasis() puts them.
+  bool placed = false;
+  // In addition values and reduced costs of the true problem have been computed from the factors:
+  // a run begins without computing them again.
+  bool prepared = false;
 
   // --- verdicts ---
   Vec<Real> certificateRow;  // dual ray of a proven infeasibility: multipliers by row
   Vec<Real> rayDirection;    // primal ray, n + m
 
   void load(const LpModel &model);
+  // The same without a basis, which is to follow. The row-wise copy of the matrix waits until more
+  // than a few pivot rows are asked for: many a re-solve ends before.
+  void loadForBasis(const LpModel &model);
   // Takes over the state of an engine of the other precision; the basis is factored again.
   template <class Other>
   void convertFrom(const Engine<Other> &other);
@@ -131,17 +139,21 @@ class Engine : public EngineState {
   void resetWorkingBounds();  // true bounds into lower/upper; nonbasics follow
   void resetWorkingCosts();
   void rebuildRows();
+  void needRows() {
+    if (!rows.built()) buildRows();
+  }
   // Says that true bounds have changed.
   void touch(VarIndex j) {
     if (current) touched.push_back(j);
+    placed = prepared = false;
   }
   void forgetValues() {
-    current = false;
+    current = placed = prepared = false;
     touched.clear();
   }
   bool canEnter(VarIndex j) const { return position[j] < 0 && lower[j] < upper[j]; }
   void syncActive(VarIndex j) {
-    if (j < lp.n) rows.setActive(j, canEnter(j));
+    if (j < lp.n && rows.built()) rows.setActive(j, canEnter(j));
   }
 
   // The verdict of an algorithm whose rebuild has failed.
@@ -168,7 +180,13 @@ class Engine : public EngineState {
   void loadBasicBounds();
   Real primalInfeasibilitySum(int *count = nullptr) const;
   Real dualInfeasibilitySum(int *count = nullptr) const;
-  Real dualInfeasibility(VarIndex j) const;
+  Real dualInfeasibility(VarIndex j) const {
+    if (position[j] >= 0 || lower[j] == upper[j]) return 0;
+    const Real d = dual[j];
+    if (move[j] > 0) return d < 0 ? -d : Real(0);
+    if (move[j] < 0) return d > 0 ? d : Real(0);
+    return d < 0 ? -d : d;
+  }
   Real currentObjective() const;  // working costs, scaled space values, offset included
   Real trueObjective() const;
   // What the multipliers of the current basis prove for the true problem: no point within the
@@ -209,7 +227,10 @@ class Engine : public EngineState {
   double workRate = 1.3;
 
  private:
+  void loadProblem(const LpModel &model);
   void resizeScratch();
+  void buildRows();
+  void priceByColumns();
   void setWorkRate();
   void noteChange(Real change, Real largest);
   Real primalResidual();
@@ -217,6 +238,8 @@ class Engine : public EngineState {
   void refineRow(Vec<Real> &y);
   void permuteWeights(const Vec<VarIndex> &oldHead);
   bool applyRepair(const SingularRepair &repair);
+  // How many more pivot rows may be formed column by column before the row-wise copy is made.
+  int columnPrices_ = 0;
   Vec<double> weightOf_;  // scratch by variable
   Vec<Real> keptDual_, keptPrimal_;
   Real keptInfeasibility_ = 0;

@@ -19,6 +19,7 @@ constexpr int kStalledIterations = 300;
 template <class Real>
 PhaseResult PrimalSimplex<Real>::run(bool perturb, bool keepBounds) {
   const int total = e_.lp.total();
+  e_.needRows();
   if (!keepBounds) e_.resetWorkingBounds();
   e_.resetWorkingCosts();
   queue_.resize(total);

@@ -56,8 +56,7 @@ void RowMatrix<Real>::swapEntries(NzIndex a, NzIndex b) {
 }
 
 template <class Real>
-void RowMatrix<Real>::setActive(ColIndex j, bool active) {
-  if ((active_[j] != 0) == active) return;
+void RowMatrix<Real>::moveColumn(ColIndex j, bool active) {
   active_[j] = active;
   for (NzIndex k = lp_->cols.start[j]; k < lp_->cols.start[j + 1]; ++k) {
     const int i = lp_->cols.index[k];

@@ -15,8 +15,12 @@ class RowMatrix {
  public:
   // Copies the matrix; active[j] says whether column j belongs to the front part.
   void build(const ScaledLp<Real> &lp, const Vec<char> &active);
+  bool built() const { return lp_ != nullptr; }
+  void forget() { lp_ = nullptr; }
   // Moves a column's entries to the front (active) or back part of their rows.
-  void setActive(ColIndex j, bool active);
+  void setActive(ColIndex j, bool active) {
+    if ((active_[j] != 0) != active) moveColumn(j, active);
+  }
   bool isActive(ColIndex j) const { return active_[j] != 0; }
 
   // row = rho' A over the active columns. Rows of A when rho is sparse, columns otherwise. A dense
@@ -29,6 +33,7 @@ class RowMatrix {
   double priceByRows(const SparseVec<Real> &rho, SparseVec<Real> &row, bool keepList,
                      WorkMeter &work) const;
   double priceByCols(const SparseVec<Real> &rho, SparseVec<Real> &row, WorkMeter &work) const;
+  void moveColumn(ColIndex j, bool active);
   void swapEntries(NzIndex a, NzIndex b);
 
   const ScaledLp<Real> *lp_ = nullptr;

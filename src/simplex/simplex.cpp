@@ -131,6 +131,9 @@ Simplex &Simplex::operator=(Simplex &&) noexcept = default;
 void Simplex::load(const LpModel &lp) {
   engine_->visit([&](auto &core) { core.engine.load(lp); });
 }
+void Simplex::load(const LpModel &lp, const Basis &basis, const Vec<double> *superbasicValues) {
+  engine_->visit([&](auto &core) { core.load(lp, basis, superbasicValues); });
+}
 SimplexOptions &Simplex::options() { return engine_->state().options; }
 
 void Simplex::setColBounds(ColIndex col, double lower, double upper) {

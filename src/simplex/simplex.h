@@ -29,6 +29,8 @@ class Simplex {
 
   // Loads a model (scaled copy; the argument is not kept) with the slack basis.
   void load(const LpModel &lp);
+  // The same with a basis, as setBasis() takes it; cheaper than one after the other.
+  void load(const LpModel &lp, const Basis &basis, const Vec<double> *superbasicValues);
   SimplexOptions &options();
 
   // Changes in place; the basis and its factorization stay.
@@ -73,7 +75,8 @@ class Simplex {
   // Factors of the current basis with the values and reduced costs of the true problem, as a
   // solve leaves them. False when a singular basis had to be changed for it.
   bool refresh(SolveControl &control);
-  // True when the current basis is primal feasible, but not dual feasible.
+  // True when the current basis is primal feasible, but not dual feasible. A solve that follows
+  // at once uses the values that were computed for the answer.
   bool prefersPrimal(SolveControl &control);
   bool hasBasics(const Basis &basis) const;
 

@@ -46,6 +46,8 @@ template <class Real>
 bool SimplexCore<Real>::boundsCross() {
   ScaledLp<Real> &lp = engine.lp;
   const auto crosses = [&](VarIndex j) {
+    if (lp.lower[j] <= lp.upper[j] && lp.lower[j] < kRealInf<Real> && lp.upper[j] > -kRealInf<Real>)
+      return false;
     const Real tol = engine.options.primalTol / lp.varScale(j);
     if (lp.lower[j] - lp.upper[j] <= tol && lp.lower[j] < kRealInf<Real> &&
         lp.upper[j] > -kRealInf<Real>)
@@ -55,8 +57,9 @@ bool SimplexCore<Real>::boundsCross() {
   };
   // Bounds that cross within the tolerance meet in their middle.
   const auto join = [&](VarIndex j) {
-    if (lp.lower[j] > lp.upper[j])
-      lp.lower[j] = lp.upper[j] = Real(0.5) * (lp.lower[j] + lp.upper[j]);
+    if (!(lp.lower[j] > lp.upper[j])) return;
+    lp.lower[j] = lp.upper[j] = Real(0.5) * (lp.lower[j] + lp.upper[j]);
+    engine.prepared = false;
   };
   if (engine.current) {
     if (std::any_of(engine.touched.begin(), engine.touched.end(), crosses)) return true;
@@ -114,8 +117,9 @@ PhaseResult SimplexCore<Real>::run(SimplexMethod method) {
         method = SimplexMethod::Dual;
         break;
       case PhaseResult::Optimal:
-        if (tightenIfViolated()) break;
-        return polish();
+        if (const Violations violations = unscaledViolations(); !tightenIfViolated(violations))
+          return polish(violations);
+        break;
       case PhaseResult::Trouble:
         switch (recover()) {
           case Recovery::GiveUp:
@@ -135,23 +139,24 @@ PhaseResult SimplexCore<Real>::run(SimplexMethod method) {
 }
 
 template <class Real>
-void SimplexCore<Real>::unscaledViolations(double &primal, double &dual) const {
-  primal = dual = 0;
+typename SimplexCore<Real>::Violations SimplexCore<Real>::unscaledViolations() const {
+  Violations largest;
   for (int i = 0; i < engine.lp.m; ++i) {
     const VarIndex j = engine.head[i];
     const Real x = engine.xB[i];
     const double violation =
         static_cast<double>(std::max(engine.lp.lower[j] - x, x - engine.lp.upper[j]));
-    if (violation > 0) primal = std::max(primal, violation * engine.lp.varScale(j));
+    if (violation > 0) largest.primal = std::max(largest.primal, violation * engine.lp.varScale(j));
   }
-  for (int j = 0; j < engine.lp.total(); ++j)
-    dual = std::max(dual, static_cast<double>(engine.dualInfeasibility(j)) / engine.lp.varScale(j));
+  for (int j = 0; j < engine.lp.total(); ++j) {
+    const double violation = static_cast<double>(engine.dualInfeasibility(j));
+    if (violation > 0) largest.dual = std::max(largest.dual, violation / engine.lp.varScale(j));
+  }
+  return largest;
 }
 
 template <class Real>
-bool SimplexCore<Real>::tightenIfViolated() {
-  double primal, dual;
-  unscaledViolations(primal, dual);
+bool SimplexCore<Real>::tightenIfViolated(const Violations &violations) {
   if (tightenings_ >= kMaxTightenings) return false;
   bool changed = false;
   const auto tighten = [&](Real &scaledTol, double userTol, double violation) {
@@ -159,8 +164,8 @@ bool SimplexCore<Real>::tightenIfViolated() {
     scaledTol = std::max(Real(kTightestTol), scaledTol * Real(0.5 * userTol / violation));
     changed = true;
   };
-  tighten(engine.primalTol, engine.options.primalTol, primal);
-  tighten(engine.dualTol, engine.options.dualTol, dual);
+  tighten(engine.primalTol, engine.options.primalTol, violations.primal);
+  tighten(engine.dualTol, engine.options.dualTol, violations.dual);
   if (changed) ++tightenings_;
   return changed;
 }
@@ -170,11 +175,10 @@ bool SimplexCore<Real>::tightenIfViolated() {
 // small violations make up for a large one: then infeasibility is proven here, and the basic
 // solution that shows it misses the caller's tolerance, as it would have on another path.
 template <class Real>
-PhaseResult SimplexCore<Real>::polish() {
-  if (!engine.options.polish) return PhaseResult::Optimal;
-  double primal, dual;
-  unscaledViolations(primal, dual);
-  if (primal <= tuning::kPolishTol && dual <= tuning::kPolishTol) return PhaseResult::Optimal;
+PhaseResult SimplexCore<Real>::polish(const Violations &violations) {
+  if (!engine.options.polish ||
+      (violations.primal <= tuning::kPolishTol && violations.dual <= tuning::kPolishTol))
+    return PhaseResult::Optimal;
   const Basis kept = basis();
   const Vec<Real> keptValue = engine.value;
   const Real primalTol = engine.primalTol, dualTol = engine.dualTol;
@@ -194,8 +198,7 @@ PhaseResult SimplexCore<Real>::polish() {
   engine.dualTol = dualTol;
   if (result == PhaseResult::Optimal) return result;
   if (result == PhaseResult::Infeasible) {
-    unscaledViolations(primal, dual);
-    if (primal > engine.options.primalTol) return result;
+    if (unscaledViolations().primal > engine.options.primalTol) return result;
     engine.certificateRow.clear();
     engine.provingVar = -1;
   }
@@ -234,11 +237,10 @@ bool SimplexCore<Real>::endsWell() {
     largestDual = std::max(largestDual, std::fabs(static_cast<double>(engine.dual[j])) / scale);
   }
   if (largestPrimal <= kHuge && largestDual <= kHuge) return true;
-  double primal, dual;
-  unscaledViolations(primal, dual);
-  const char *which = largestPrimal > kHuge && primal > kGross ? "primal"
-                      : largestDual > kHuge && dual > kGross   ? "dual"
-                                                               : nullptr;
+  const Violations violations = unscaledViolations();
+  const char *which = largestPrimal > kHuge && violations.primal > kGross ? "primal"
+                      : largestDual > kHuge && violations.dual > kGross   ? "dual"
+                                                                          : nullptr;
   if (which && log)
     log->print("Numeric error: very large %s solution due to numerically bad basis matrix\n",
                which);

@@ -35,6 +35,7 @@ class SimplexCore {
   // Looks at an optimum: false, with a message, when its values blew up.
   bool endsWell();
 
+  void load(const LpModel &lp, const Basis &basis, const Vec<double> *values);
   void setBasis(const Basis &basis, const Vec<double> *values);
   Basis basis() const;
   void getSolution(LpStatus status, LpSolution &solution) const;
@@ -60,10 +61,14 @@ class SimplexCore {
   bool prepareBasis(SolveControl &control);
   PhaseResult runMethod(SimplexMethod method, bool perturb);
   bool boundsCross();
-  bool tightenIfViolated();
+  // Largest violations of the bounds and of the reduced costs' signs in the user's scale.
+  struct Violations {
+    double primal = 0, dual = 0;
+  };
+  Violations unscaledViolations() const;
+  bool tightenIfViolated(const Violations &violations);
   Recovery recover();
-  PhaseResult polish();
-  void unscaledViolations(double &primal, double &dual) const;
+  PhaseResult polish(const Violations &violations);
 
   DualSimplex<Real> dual_;
   PrimalSimplex<Real> primal_;

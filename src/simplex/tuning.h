@@ -37,6 +37,10 @@ inline constexpr double kFreeBox = 1000.0;
 // A warm basis with at most so many infeasibilities is finished without perturbation.
 inline constexpr int kWarmInfeasibilities = 10;
 
+// Pivot rows of a freshly loaded basis that are formed column by column before the row-wise copy of
+// the matrix is made, which costs as much as some ten of them.
+inline constexpr int kColumnPrices = 4;
+
 // Values updated through at most so many basis changes carry a verdict where that is allowed.
 inline constexpr int kTrustedUpdates = 20;
 // Iterations between tests of the dual bound against the cutoff.
