@@ -19,13 +19,14 @@ constexpr double kSumError = 4 * std::numeric_limits<double>::epsilon();
 
 // Not-a-number counts as the worst violation there is.
 void note(double violation, double &worst, double &sum) {
-  if (std::isnan(violation)) violation = std::numeric_limits<double>::infinity();
   if (violation <= 0) return;
+  if (std::isnan(violation)) violation = std::numeric_limits<double>::infinity();
   worst = std::max(worst, violation);
   sum += violation;
 }
 
 double outside(double value, double lower, double upper) {
+  if (value >= lower && value <= upper) return 0;
   if (std::isnan(value)) return value;
   if (lower > -kInfBound && value < lower) return lower - value;
   if (upper < kInfBound && value > upper) return value - upper;
@@ -81,20 +82,27 @@ bool plainSumSuffices(double size, int terms) {
 
 // A x, with compensated sums only where plain ones are not exact enough.
 Vec<double> exactActivities(const LpModel &lp, const Vec<double> &x) {
-  Vec<double> activity(lp.numRows, 0.0), size(lp.numRows, 0.0);
-  Vec<int> terms(lp.numRows, 0);
+  struct Sum {
+    double value = 0, size = 0;
+    int terms = 0;
+  };
+  Vec<Sum> plain(static_cast<std::size_t>(lp.numRows));
   for (int j = 0; j < lp.numCols; ++j) {
     if (x[j] == 0) continue;
     for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k) {
-      const int i = lp.a.index[k];
+      Sum &sum = plain[lp.a.index[k]];
       const double term = lp.a.value[k] * x[j];
-      activity[i] += term;
-      size[i] += std::fabs(term);
-      ++terms[i];
+      sum.value += term;
+      sum.size += std::fabs(term);
+      ++sum.terms;
     }
   }
+  Vec<double> activity(lp.numRows);
   bool exact = true;
-  for (int i = 0; i < lp.numRows && exact; ++i) exact = plainSumSuffices(size[i], terms[i]);
+  for (int i = 0; i < lp.numRows && exact; ++i) {
+    exact = plainSumSuffices(plain[i].size, plain[i].terms);
+    activity[i] = plain[i].value;
+  }
   if (exact) return activity;
   const Vec<CompensatedSum> sums = activities(lp, x);
   for (int i = 0; i < lp.numRows; ++i) activity[i] = sums[i].value();
@@ -124,7 +132,7 @@ void checkPrimal(const LpModel &lp, const LpSolution &solution, const Vec<double
   CompensatedSum objective(lp.offset);
   for (int j = 0; j < lp.numCols; ++j) {
     const double value = solution.colValue[j];
-    objective.addProduct(lp.cost[j], value);
+    if (lp.cost[j] != 0) objective.addProduct(lp.cost[j], value);
     note(outside(value, lp.colLower[j], lp.colUpper[j]), quality.boundViolation,
          quality.boundViolationSum);
   }

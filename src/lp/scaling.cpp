@@ -1,7 +1,10 @@
 #include "lp/scaling.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <numbers>
 
 namespace tarvik {
 
@@ -10,25 +13,32 @@ namespace {
 // A matrix whose entries all lie within this range is left as it is.
 constexpr double kWellScaledMin = 0.2;
 constexpr double kWellScaledMax = 5;
-constexpr int kMaxPasses = 20;
 // Passes end when the spread shrinks by less than this factor.
 constexpr double kMinGain = 0.9;
 // Factors beyond this would make tolerances meaningless in one of the two scales.
 constexpr int kMaxExponent = 40;
 
+// The exponent of a positive finite number as frexp() has it: the mantissa is in [1/2, 1).
+int exponentOf(double x) { return static_cast<int>(std::bit_cast<std::uint64_t>(x) >> 52) - 1022; }
+
+std::uint64_t mantissaBits(double x) { return std::bit_cast<std::uint64_t>(x) << 12; }
+
+double twoToThe(int exponent) {
+  exponent = std::clamp(exponent, -kMaxExponent, kMaxExponent);
+  return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52);
+}
+
 double powerOfTwo(double factor) {
   if (!(factor > 0) || !std::isfinite(factor)) return 1;
-  const int exponent = static_cast<int>(std::lround(std::log2(factor)));
-  return std::ldexp(1.0, std::clamp(exponent, -kMaxExponent, kMaxExponent));
+  // The nearest in the logarithm: mantissas below sqrt(1/2) belong to the next lower power.
+  const bool below = mantissaBits(factor) < mantissaBits(std::numbers::sqrt2);
+  return twoToThe(exponentOf(factor) - (below ? 1 : 0));
 }
 
 // The factor that brings `largest` into (1/2, 1].
 double equilibrating(double largest) {
   if (!(largest > 0) || !std::isfinite(largest)) return 1;
-  int exponent = 0;
-  const double mantissa = std::frexp(largest, &exponent);  // in [1/2, 1)
-  if (mantissa == 0.5) --exponent;
-  return std::ldexp(1.0, std::clamp(-exponent, -kMaxExponent, kMaxExponent));
+  return twoToThe(-exponentOf(largest) + (mantissaBits(largest) == 0 ? 1 : 0));
 }
 
 struct Range {
@@ -50,10 +60,10 @@ class Scaler {
 
   // A pass divides the rows by their means, then each column by its own; the ranges of the rows
   // for the next pass are gathered on the way.
-  void geometric() {
-    double spread = worstSpread();
+  void geometric(int maxPasses) {
+    double spread = maxPasses > 1 ? worstSpread() : 1;
     Vec<Range> rows = rowRanges();
-    for (int pass = 0; pass < kMaxPasses; ++pass) {
+    for (int pass = 1; pass <= maxPasses; ++pass) {
       for (std::size_t i = 0; i < rows.size(); ++i) scaling_.row[i] /= rows[i].geometricMean();
       rows.assign(rows.size(), Range{});
       double now = 1;
@@ -61,7 +71,7 @@ class Scaler {
         const Range range = colRange(j);
         scaling_.col[j] /= range.geometricMean();
         now = std::max(now, range.spread());
-        addToRows(j, rows);
+        if (pass < maxPasses) addToRows(j, rows);
       }
       if (now > kMinGain * spread) break;
       spread = now;
@@ -124,11 +134,11 @@ bool wellScaled(const SparseMatrix &a) {
 
 }  // namespace
 
-Scaling computeScaling(const LpModel &lp, int scaleFlag) {
+Scaling computeScaling(const LpModel &lp, int scaleFlag, int maxPasses) {
   if (scaleFlag == 0 || lp.a.numNz() == 0) return {};
   if (scaleFlag < 0 && wellScaled(lp.a)) return {};
   Scaler scaler(lp);
-  if (scaleFlag != 1) scaler.geometric();
+  if (scaleFlag != 1) scaler.geometric(maxPasses);
   if (scaleFlag == 1 || scaleFlag == 3) scaler.equilibrateRows();
   scaler.equilibrateCols();
   return scaler.take();

@@ -156,7 +156,7 @@ LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,
   Simplex &simplex = start ? engine_.open(lp_, options_.simplex, *start, superbasicValues)
                            : engine_.openFresh(lp_, options_.simplex);
   if (start) {
-    if (edgeWeights) simplex.setEdgeWeights(*edgeWeights);
+    if (edgeWeights && !simplex.standsAt(*start)) simplex.setEdgeWeights(*edgeWeights);
     if (options_.mayChangeMethod && simplex.prefersPrimal(control_)) method = SimplexMethod::Primal;
   }
   return runEngine(simplex, method, !start);

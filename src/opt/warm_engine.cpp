@@ -14,9 +14,11 @@ Simplex &WarmEngine::open(const LpModel &lp, const SimplexOptions &options, cons
     engine_.emplace(std::move(loaded));
     return *engine_;
   }
+  const bool sameTolerances = engine_->options().primalTol == options.primalTol &&
+                              engine_->options().dualTol == options.dualTol;
   engine_->options() = options;
   engine_->restartCounting();
-  engine_->setBasis(basis, superbasicValues);
+  if (!sameTolerances || !engine_->standsAt(basis)) engine_->setBasis(basis, superbasicValues);
   return *engine_;
 }
 

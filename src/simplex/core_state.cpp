@@ -1,4 +1,5 @@
 // The basis and the solution of a core from and to the user's space, and rows that come and go.
+#include <algorithm>
 #include <cmath>
 
 #include "simplex/simplex_core.h"
@@ -69,6 +70,18 @@ bool SimplexCore<Real>::hasBasics(const Basis &basis) const {
 }
 
 template <class Real>
+bool SimplexCore<Real>::standsAt(const Basis &other) const {
+  if (!engine.current) return false;
+  const Basis own = basis();
+  const auto same = [](const Vec<VarStatus> &mine, const Vec<VarStatus> &theirs) {
+    return std::equal(
+        mine.begin(), mine.end(), theirs.begin(), theirs.end(),
+        [](VarStatus a, VarStatus b) { return a == b && a != VarStatus::Superbasic; });
+  };
+  return same(own.col, other.col) && same(own.row, other.row);
+}
+
+template <class Real>
 Vec<double> SimplexCore<Real>::edgeWeights() const {
   Vec<double> weights;
   if (!engine.rowWeightsValid) return weights;
@@ -113,6 +126,9 @@ bool SimplexCore<Real>::refresh(SolveControl &control) {
 
 template <class Real>
 bool SimplexCore<Real>::prefersPrimal(SolveControl &control) {
+  // Only bounds have changed since the last optimum: the reduced costs still have their signs, or
+  // get them by a change of side.
+  if (engine.current) return false;
   if (!prepareBasis(control)) return false;
   engine.primalTol = engine.options.primalTol;
   engine.dualTol = engine.options.dualTol;
@@ -159,21 +175,24 @@ void SimplexCore<Real>::getSolution(LpStatus status, LpSolution &solution) const
   solution.colDual.resize(n);
   solution.rowActivity.resize(m);
   solution.rowDual.resize(m);
+  Vec<Real> multiplier(m);
   for (int i = 0; i < m; ++i) {
+    multiplier[i] = engine.position[n + i] >= 0 ? Real(0) : engine.dual[n + i];
     solution.rowActivity[i] = clean(-x(n + i) / lp.rowScale[i]);
-    solution.rowDual[i] =
-        engine.position[n + i] >= 0 ? 0.0 : clean(-engine.dual[n + i] * lp.rowScale[i]);
+    solution.rowDual[i] = clean(-multiplier[i] * lp.rowScale[i]);
   }
   Real objective = lp.offset;
   for (int j = 0; j < n; ++j) {
     solution.colValue[j] = static_cast<double>(x(j) * lp.colScale[j]);
-    Real d = lp.cost[j];
-    for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k) {
-      const int i = lp.cols.index[k];
-      if (engine.position[n + i] < 0) d += lp.value[k] * engine.dual[n + i];
-    }
-    solution.colDual[j] = engine.position[j] >= 0 ? 0.0 : static_cast<double>(d / lp.colScale[j]);
     objective += lp.cost[j] * x(j);
+    if (engine.position[j] >= 0) {
+      solution.colDual[j] = 0;
+      continue;
+    }
+    Real d = lp.cost[j];
+    for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k)
+      d += lp.value[k] * multiplier[lp.cols.index[k]];
+    solution.colDual[j] = static_cast<double>(d / lp.colScale[j]);
   }
   solution.objective = static_cast<double>(objective);
   solution.basis = basis();

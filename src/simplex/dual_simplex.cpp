@@ -294,11 +294,12 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
 // Values of the working problem from the factors; with compare against the updated ones.
 template <class Real>
 void DualSimplex<Real>::recompute(bool phaseOne, bool compare) {
-  if (!dualsFresh_) e_.computeDual();
+  const bool corrected = dualsFresh_;
   dualsFresh_ = false;
+  if (!corrected) e_.computeDual();
   if (compare) e_.compareDuals();
   const double flips = flips_;
-  correctDuals(!phaseOne);
+  if (!corrected) correctDuals(!phaseOne);
   e_.loadBasicBounds();
   freeNonbasic_.clear();
   for (int j = 0; j < e_.lp.total(); ++j) {

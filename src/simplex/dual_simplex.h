@@ -83,8 +83,8 @@ class DualSimplex {
   double nextCutoffTest_ = 0;  // iterations; a test that failed is not repeated at once
   bool retry_ = false;         // the verdict asks for another try without the row it blocked
   double flips_ = 0;           // of reduced costs mended by a change of side
-  // Values computed at the start of a run that its first rebuild need not compute again; the
-  // primal ones hold as long as no flip was made since.
+  // Values computed at the start of a run that its first rebuild need not compute again: reduced
+  // costs with the right signs, and primal values that hold as long as no flip was made since.
   bool dualsFresh_ = false, primalFresh_ = false;
   double freshFlips_ = 0;
   Real thetaD_ = 0;

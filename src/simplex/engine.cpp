@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/scaling.h"
 #include "simplex/tuning.h"
 
 namespace tarvik {
@@ -10,8 +11,8 @@ namespace tarvik {
 using std::fabs;
 
 template <class Real>
-void Engine<Real>::loadProblem(const LpModel &model) {
-  lp.load(model, options.scaleFlag);
+void Engine<Real>::loadProblem(const LpModel &model, int scalingPasses) {
+  lp.load(model, options.scaleFlag, scalingPasses);
   const int total = lp.total();
   randomValue.resize(total);
   Random random(static_cast<std::uint64_t>(options.seed) + 1);
@@ -22,13 +23,13 @@ void Engine<Real>::loadProblem(const LpModel &model) {
 
 template <class Real>
 void Engine<Real>::load(const LpModel &model) {
-  loadProblem(model);
+  loadProblem(model, kMaxScalingPasses);
   slackBasis();
 }
 
 template <class Real>
 void Engine<Real>::loadForBasis(const LpModel &model) {
-  loadProblem(model);
+  loadProblem(model, tuning::kWarmScalingPasses);
   const int total = lp.total(), m = lp.m;
   cost = lp.cost;
   position.clear();

@@ -30,25 +30,24 @@ double rowFactor(const Entries &entries) {
 }  // namespace
 
 template <class Real>
-void ScaledLp<Real>::load(const LpModel &lp, int scaleFlag) {
+void ScaledLp<Real>::load(const LpModel &lp, int scaleFlag, int scalingPasses) {
   m = lp.numRows;
   n = lp.numCols;
   offset = lp.offset;
-  if (scaleFlag != 0) {
-    Scaling scaling = computeScaling(lp, scaleFlag);
-    colScale = std::move(scaling.col);
-    rowScale = std::move(scaling.row);
-  }
-  if (colScale.empty() || scaleFlag == 0) colScale.assign(n, 1.0);
-  if (rowScale.empty() || scaleFlag == 0) rowScale.assign(m, 1.0);
+  Scaling scaling = computeScaling(lp, scaleFlag, scalingPasses);
+  const bool scaled = scaling.active();
+  colScale = std::move(scaling.col);
+  rowScale = std::move(scaling.row);
+  if (colScale.empty()) colScale.assign(n, 1.0);
+  if (rowScale.empty()) rowScale.assign(m, 1.0);
   cols.numMajor = n;
   cols.numMinor = m;
   cols.start = lp.a.start;
   cols.index = lp.a.index;
-  value.resize(lp.a.value.size());
-  for (int j = 0; j < n; ++j)
+  value.assign(lp.a.value.begin(), lp.a.value.end());
+  for (int j = 0; j < n && scaled; ++j)
     for (NzIndex k = cols.start[j]; k < cols.start[j + 1]; ++k)
-      value[k] = Real(lp.a.value[k]) * Real(colScale[j]) * Real(rowScale[cols.index[k]]);
+      value[k] *= Real(colScale[j]) * Real(rowScale[cols.index[k]]);
   lower.resize(total());
   upper.resize(total());
   cost.assign(total(), Real(0));
@@ -61,8 +60,9 @@ void ScaledLp<Real>::load(const LpModel &lp, int scaleFlag) {
 
 template <class Real>
 void ScaledLp<Real>::setColBounds(ColIndex col, double lo, double up) {
-  lower[col] = scaledBound<Real>(lo, 1.0 / colScale[col]);
-  upper[col] = scaledBound<Real>(up, 1.0 / colScale[col]);
+  const double factor = 1.0 / colScale[col];
+  lower[col] = scaledBound<Real>(lo, factor);
+  upper[col] = scaledBound<Real>(up, factor);
 }
 
 template <class Real>

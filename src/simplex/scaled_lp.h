@@ -26,7 +26,7 @@ class ScaledLp {
 
   int total() const { return n + m; }
 
-  void load(const LpModel &lp, int scaleFlag);
+  void load(const LpModel &lp, int scaleFlag, int scalingPasses);
   template <class Other>
   void convertFrom(const ScaledLp<Other> &other) {
     m = other.m;

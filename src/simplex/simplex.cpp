@@ -217,6 +217,9 @@ bool Simplex::prefersPrimal(SolveControl &control) {
 bool Simplex::hasBasics(const Basis &basis) const {
   return engine_->visit([&](auto &core) { return core.hasBasics(basis); });
 }
+bool Simplex::standsAt(const Basis &basis) const {
+  return engine_->visit([&](auto &core) { return core.standsAt(basis); });
+}
 
 const Vec<VarIndex> &Simplex::basisHead() const { return engine_->state().head; }
 void Simplex::ftran(Vec<double> &x, WorkMeter &work) {

@@ -79,6 +79,9 @@ class Simplex {
   // at once uses the values that were computed for the answer.
   bool prefersPrimal(SolveControl &control);
   bool hasBasics(const Basis &basis) const;
+  // True when the engine has this basis, without superbasic variables, and can go on from the
+  // values of the last solve: setBasis() would only make it compute them again.
+  bool standsAt(const Basis &basis) const;
 
   // The result of the last solve.
   double iterations() const;  // since load() or restartCounting()

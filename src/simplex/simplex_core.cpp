@@ -166,8 +166,11 @@ bool SimplexCore<Real>::tightenIfViolated(const Violations &violations) {
   };
   tighten(engine.primalTol, engine.options.primalTol, violations.primal);
   tighten(engine.dualTol, engine.options.dualTol, violations.dual);
-  if (changed) ++tightenings_;
-  return changed;
+  if (!changed) return false;
+  ++tightenings_;
+  // A run that went on from the values kept would not look at the reduced costs again.
+  engine.forgetValues();
+  return true;
 }
 
 // Goes on with tight tolerances for a few iterations. What does not get better that way is taken

@@ -46,6 +46,7 @@ class SimplexCore {
   void ftran(Vec<double> &x, WorkMeter &work);
   void btran(Vec<double> &y, WorkMeter &work);
   bool hasBasics(const Basis &basis) const;
+  bool standsAt(const Basis &basis) const;
   Vec<double> edgeWeights() const;
   void setEdgeWeights(const Vec<double> &weights);
   bool refresh(SolveControl &control);

@@ -38,8 +38,11 @@ inline constexpr double kFreeBox = 1000.0;
 inline constexpr int kWarmInfeasibilities = 10;
 
 // Pivot rows of a freshly loaded basis that are formed column by column before the row-wise copy of
-// the matrix is made, which costs as much as some ten of them.
-inline constexpr int kColumnPrices = 4;
+// the matrix is made, which costs as much as some four of them.
+inline constexpr int kColumnPrices = 2;
+// Passes of geometric scaling for a model that comes with a basis: few iterations will follow, and
+// each pass costs as much as several of them.
+inline constexpr int kWarmScalingPasses = 1;
 
 // Values updated through at most so many basis changes carry a verdict where that is allowed.
 inline constexpr int kTrustedUpdates = 20;
