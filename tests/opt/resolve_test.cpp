@@ -5,6 +5,7 @@
 #include <random>
 
 #include "opt/tiny_model.h"
+#include "support/random_lp.h"
 
 namespace {
 
@@ -16,9 +17,9 @@ int draw(std::mt19937 &random, int from, int to) {
   return from + static_cast<int>(random() % static_cast<unsigned>(to - from + 1));
 }
 
-Spec randomSpec(std::mt19937 &random) {
+Spec randomSpec(std::mt19937 &random, int maxCols, int maxRows) {
   Spec spec;
-  const int n = draw(random, 2, 7), m = draw(random, 1, 5);
+  const int n = draw(random, 2, maxCols), m = draw(random, 1, maxRows);
   spec.sense = draw(random, 0, 1) ? TVK_MINIMIZE : TVK_MAXIMIZE;
   for (int j = 0; j < n; ++j) {
     spec.obj.push_back(draw(random, -5, 9));
@@ -33,12 +34,13 @@ Spec randomSpec(std::mt19937 &random) {
   return spec;
 }
 
-// One change, the same for both models.
-void change(std::mt19937 &random, TVKmodel *a, TVKmodel *b) {
+// One change, the same for both models. The first kinds leave reduced costs and factors alone.
+constexpr int kBoundKinds = 4, kKinds = 11;
+void change(std::mt19937 &random, int kinds, TVKmodel *a, TVKmodel *b) {
   int n = 0, m = 0;
   ASSERT_EQ(TVKgetintattr(a, "NumVars", &n), 0);
   ASSERT_EQ(TVKgetintattr(a, "NumConstrs", &m), 0);
-  const int kind = draw(random, 0, 8), j = draw(random, 0, n - 1), i = draw(random, 0, m);
+  const int kind = draw(random, 0, kinds - 1), j = draw(random, 0, n - 1), i = draw(random, 0, m);
   const double value = draw(random, -6, 9);
   const double coef = draw(random, 1, 4);
   const int drop = draw(random, 0, 1);
@@ -48,10 +50,10 @@ void change(std::mt19937 &random, TVKmodel *a, TVKmodel *b) {
       code = TVKsetdblattrelement(model, "LB", j, value > 6 ? -TVK_INFINITY : value - 3);
     else if (kind <= 2)
       code = TVKsetdblattrelement(model, "UB", j, value > 7 ? TVK_INFINITY : value + 3);
-    else if (kind == 3)
-      code = TVKsetdblattrelement(model, "Obj", j, value);
-    else if (kind == 4 && i < m)
+    else if (kind == 3 && i < m)
       code = TVKsetdblattrelement(model, "RHS", i, value);
+    else if (kind == 4)
+      code = TVKsetdblattrelement(model, "Obj", j, value);
     else if (kind == 5)
       code = TVKaddconstr(model, 1, &j, &coef, value > 0 ? '<' : '>', value, nullptr);
     else if (kind == 6 && i < m && m > 1 && drop)
@@ -60,6 +62,10 @@ void change(std::mt19937 &random, TVKmodel *a, TVKmodel *b) {
       code = TVKchgcoeffs(model, 1, &i, &j, &value);
     else if (kind == 8)
       code = TVKaddvar(model, m > 0, &drop, &coef, value, 0, 5, TVK_CONTINUOUS, nullptr);
+    else if (kind == 9)
+      code = TVKsetdblattr(model, "ObjCon", value);
+    else if (kind == 10)
+      code = TVKsetdblparam(TVKgetenv(model), "OptimalityTol", value > 2 ? 1e-6 : 1e-8);
     ASSERT_TRUE(code == 0 || (kind == 8 && m <= drop)) << kind;
   }
 }
@@ -78,8 +84,11 @@ TEST_P(Resolve, AgreesWithAFirstSolveAfterAnyChanges) {
   std::mt19937 random(11);
   LoggedEnv env;
   int optima = 0;
-  for (int k = 0; k < 60; ++k) {
-    const Spec spec = randomSpec(random);
+  const int count = tarvik::test::randomLpCount(60);
+  for (int k = 0; k < count; ++k) {
+    const bool larger = k % 5 == 4;
+    const Spec spec = randomSpec(random, larger ? 30 : 7, larger ? 18 : 5);
+    const int kinds = k % 4 == 1 ? kBoundKinds : kKinds;
     TinyModel warm(env, spec), cold(env, spec);
     for (TinyModel *model : {&warm, &cold}) {
       model->set("Method", GetParam());
@@ -98,7 +107,7 @@ TEST_P(Resolve, AgreesWithAFirstSolveAfterAnyChanges) {
         ASSERT_NEAR(warm.dblAttr("ObjVal"), objective, 1e-6 * (1 + std::fabs(objective)));
       }
       for (int changes = draw(random, 1, 3); changes > 0; --changes)
-        change(random, warm.get(), cold.get());
+        change(random, kinds, warm.get(), cold.get());
     }
   }
   EXPECT_GT(optima, 100);
