@@ -38,7 +38,9 @@ void Engine<Real>::loadForBasis(const LpModel &model) {
   for (Vec<Real> *v : {&xB, &lB, &uB}) v->assign(m, Real(0));
   resizeScratch();
   rows.forget();
-  columnPrices_ = tuning::kColumnPrices;
+  const double nonzeros = static_cast<double>(lp.cols.numNz());
+  columnPrices_ =
+      static_cast<int>(tuning::kRowCopyCost * nonzeros / (2 * nonzeros + 6.0 * lp.n + 1));
   factor.setup(&lp.cols, &lp.value, lp.m);
   factored = false;
 }

@@ -37,9 +37,9 @@ inline constexpr double kFreeBox = 1000.0;
 // A warm basis with at most so many infeasibilities is finished without perturbation.
 inline constexpr int kWarmInfeasibilities = 10;
 
-// Pivot rows of a freshly loaded basis that are formed column by column before the row-wise copy of
-// the matrix is made, which costs as much as some four of them.
-inline constexpr int kColumnPrices = 2;
+// What the row-wise copy of the matrix costs to make, in operations an entry. A freshly loaded
+// basis forms its first pivot rows column by column, up to this cost.
+inline constexpr double kRowCopyCost = 20;
 // Passes of geometric scaling for a model that comes with a basis: few iterations will follow, and
 // each pass costs as much as several of them.
 inline constexpr int kWarmScalingPasses = 1;
