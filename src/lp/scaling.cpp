@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <numbers>
 
 namespace tarvik {
@@ -13,6 +14,7 @@ namespace {
 // A matrix whose entries all lie within this range is left as it is.
 constexpr double kWellScaledMin = 0.2;
 constexpr double kWellScaledMax = 5;
+constexpr int kMaxPasses = 20;
 // Passes end when the spread shrinks by less than this factor.
 constexpr double kMinGain = 0.9;
 // Factors beyond this would make tolerances meaningless in one of the two scales.
@@ -58,22 +60,19 @@ class Scaler {
     scaling_.col.assign(static_cast<std::size_t>(lp.numCols), 1.0);
   }
 
-  // A pass divides the rows by their means, then each column by its own; the ranges of the rows
-  // for the next pass are gathered on the way.
-  void geometric(int maxPasses) {
-    double spread = maxPasses > 1 ? worstSpread() : 1;
-    Vec<Range> rows = rowRanges();
-    for (int pass = 1; pass <= maxPasses; ++pass) {
+  // A pass divides the rows by their means, then each column by its own.
+  void geometric(double enough) {
+    double spread = enough > 0 ? std::numeric_limits<double>::infinity() : worstSpread();
+    for (int pass = 0; pass < kMaxPasses; ++pass) {
+      const Vec<Range> rows = rowRanges();
       for (std::size_t i = 0; i < rows.size(); ++i) scaling_.row[i] /= rows[i].geometricMean();
-      rows.assign(rows.size(), Range{});
       double now = 1;
       for (int j = 0; j < a_.numMajor; ++j) {
         const Range range = colRange(j);
         scaling_.col[j] /= range.geometricMean();
         now = std::max(now, range.spread());
-        if (pass < maxPasses) addToRows(j, rows);
       }
-      if (now > kMinGain * spread) break;
+      if (now <= enough || now > kMinGain * spread) break;
       spread = now;
     }
     for (double &factor : scaling_.row) factor = powerOfTwo(factor);
@@ -103,14 +102,11 @@ class Scaler {
     return range;
   }
 
-  void addToRows(int j, Vec<Range> &rows) const {
-    for (NzIndex k = a_.start[j]; k < a_.start[j + 1]; ++k)
-      if (a_.value[k] != 0) rows[a_.index[k]].add(magnitude(k, j));
-  }
-
   Vec<Range> rowRanges() const {
     Vec<Range> ranges(scaling_.row.size());
-    for (int j = 0; j < a_.numMajor; ++j) addToRows(j, ranges);
+    for (int j = 0; j < a_.numMajor; ++j)
+      for (NzIndex k = a_.start[j]; k < a_.start[j + 1]; ++k)
+        if (a_.value[k] != 0) ranges[a_.index[k]].add(magnitude(k, j));
     return ranges;
   }
 
@@ -134,11 +130,11 @@ bool wellScaled(const SparseMatrix &a) {
 
 }  // namespace
 
-Scaling computeScaling(const LpModel &lp, int scaleFlag, int maxPasses) {
+Scaling computeScaling(const LpModel &lp, int scaleFlag, double enough) {
   if (scaleFlag == 0 || lp.a.numNz() == 0) return {};
   if (scaleFlag < 0 && wellScaled(lp.a)) return {};
   Scaler scaler(lp);
-  if (scaleFlag != 1) scaler.geometric(maxPasses);
+  if (scaleFlag != 1) scaler.geometric(enough);
   if (scaleFlag == 1 || scaleFlag == 3) scaler.equilibrateRows();
   scaler.equilibrateCols();
   return scaler.take();

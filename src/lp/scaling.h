@@ -16,11 +16,11 @@ struct Scaling {
   bool active() const { return !row.empty() || !col.empty(); }
 };
 
-inline constexpr int kMaxScalingPasses = 20;
-
 // scaleFlag: 0 none, 1 equilibrate, 2 geometric with columns equilibrated last, 3 geometric with
 // rows and columns equilibrated last, -1 automatic (geometric unless the matrix is already well
-// scaled). An inactive Scaling comes back when there is nothing to scale.
-Scaling computeScaling(const LpModel &lp, int scaleFlag, int maxPasses = kMaxScalingPasses);
+// scaled). Geometric passes end once no column's largest entry exceeds its smallest by more than
+// the square of `enough`; 0 makes them go on while they gain. An inactive Scaling comes back when
+// there is nothing to scale.
+Scaling computeScaling(const LpModel &lp, int scaleFlag, double enough = 0);
 
 }  // namespace tarvik

@@ -65,11 +65,24 @@ LpDriver::LpDriver(const LpModel &lp, const LpDriverOptions &options, SolveContr
 LpOutcome LpDriver::run(const Basis *warmStart, const Vec<double> *superbasicValues,
                         const Vec<double> *edgeWeights) {
   if (lp_.numRows == 0) return settle(solveWithoutRows());
-  if (options_.presolve.level != 0 && (!warmStart || options_.presolveWarmStart))
+  if (!warmStart) return settle(solveFromScratch());
+  if (options_.presolve.level != 0 && options_.presolveWarmStart)
     return settle(solvePresolved(warmStart));
   // The check of the result is the proof: values updated through a few steps need no second look.
-  options_.simplex.quickVerdicts = warmStart != nullptr;
-  return settle(solveFull(options_.method, warmStart, superbasicValues, edgeWeights));
+  options_.simplex.quickVerdicts = true;
+  iterationCap_ = options_.warmIterationLimit;
+  LpSolution solution = solveFull(options_.method, warmStart, superbasicValues, edgeWeights);
+  const bool capped = iterations_ >= iterationCap_ && iterations_ < control_.limits.iterationLimit;
+  iterationCap_ = kNoCap;
+  if (solution.status != LpStatus::IterationLimit || !capped) return settle(std::move(solution));
+  control_.log->print("Warning: warm-start basis discarded after %.0f iterations\n", iterations_);
+  options_.simplex.quickVerdicts = false;
+  return settle(solveFromScratch());
+}
+
+LpSolution LpDriver::solveFromScratch() {
+  return options_.presolve.level != 0 ? solvePresolved(nullptr)
+                                      : solveFull(options_.method, nullptr, nullptr, nullptr);
 }
 
 // The result mapped back to the full model, where it is yet to be verified.
@@ -159,7 +172,10 @@ LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,
     if (edgeWeights && !simplex.standsAt(*start)) simplex.setEdgeWeights(*edgeWeights);
     if (options_.mayChangeMethod && simplex.prefersPrimal(control_)) method = SimplexMethod::Primal;
   }
-  return runEngine(simplex, method, !start);
+  simplex.setIterationCap(iterationCap_);
+  LpSolution solution = runEngine(simplex, method, !start);
+  simplex.setIterationCap(kNoCap);
+  return solution;
 }
 
 LpSolution LpDriver::solveApart(const LpModel &lp, const SimplexOptions &options,

@@ -24,6 +24,8 @@ struct LpDriverOptions {
   bool mayChangeMethod = false;
   // Presolve although there is a warm start, which is then translated.
   bool presolveWarmStart = false;
+  // A warm start that needs more iterations than this is given up for a solve from scratch.
+  double warmIterationLimit = 1e100;
   // The caller wants Farkas proofs and rays of the full model, and infeasible told apart from
   // unbounded.
   bool wantCertificates = false;
@@ -51,6 +53,8 @@ class LpDriver {
                 const Vec<double> *edgeWeights = nullptr);
 
  private:
+  static constexpr double kNoCap = 1e100;
+  LpSolution solveFromScratch();
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);
   // By way of the dual form, when that has an optimum; false leaves nothing but a starting basis.
@@ -76,6 +80,7 @@ class LpDriver {
   WarmEngine &engine_;
   Tolerances tolerances_;
   bool presolved_ = false;
+  double iterationCap_ = kNoCap;  // of solveFull()
   bool extended_ = false;
   double iterations_ = 0;
 };

@@ -66,6 +66,9 @@ int statusCode(const LpOutcome &outcome) {
 // What multipliers below this share of the largest one, and the coefficients they leave, say is
 // noise.
 constexpr double kFarkasNoise = 1e-9;
+// A warm start is given up after so many times the iterations of the solve from scratch, and one a
+// row: rows may have been added since.
+constexpr double kWarmPatience = 2;
 
 // By how much the largest value of y'(Ax) within the variable bounds misses what the row bounds
 // ask of it; minus infinity when a bound that y needs does not exist.
@@ -166,6 +169,8 @@ class LinearSolve {
     const LpModel &lp = kept.lp();
     makeBasisFromVectors(lp, env_, start);
     options.mayChangeMethod = env_.get(Int::Method) < 0 && options.simplex.primalDualSwitch;
+    if (kept.coldIterations() > 0)
+      options.warmIterationLimit = kWarmPatience * kept.coldIterations() + lp.numRows;
     const auto given = [](const auto &part) { return part.empty() ? nullptr : &part; };
     if (options.simplex.quad == 0 && store_.extendedPrecision)
       env_.log("Switch to double precision\n");
@@ -175,6 +180,8 @@ class LinearSolve {
     keepEdgeWeights(kept, outcome.solution.basis);
     store_.extendedPrecision = outcome.extended;
     summary_.status = statusCode(outcome);
+    if (start.basis.empty())
+      kept.noteColdSolve(summary_.status == TVK_OPTIMAL ? outcome.solution.iterations : 0);
     store_.iterCount = store_.iterCount0 = outcome.solution.iterations;
     if (summary_.status >= TVK_OPTIMAL && summary_.status <= TVK_CUTOFF)
       store_.concurrentWinMethod = options.method == SimplexMethod::Primal ? kPrimal : kDual;

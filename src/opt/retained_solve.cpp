@@ -21,6 +21,7 @@ void RetainedSolve::follow(const ModelData &data) {
   if (!filled_ || !sameColumns(data)) {
     engine_.drop();
     filled_ = false;
+    coldIterations_ = 0;
     lp_ = lpFromModel(data);
     filled_ = true;
     return;

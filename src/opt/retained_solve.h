@@ -21,6 +21,9 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
   const LpModel &lp() const { return lp_; }
   WarmEngine &engine() { return engine_; }
   void follow(const ModelData &data);
+  // What the last solve of these columns to the optimum without a start has taken, else 0.
+  double coldIterations() const { return coldIterations_; }
+  void noteColdSolve(double iterations) { coldIterations_ = iterations; }
 
   // The model's own one when the last solve left a basis that it can factor, else null.
   static RetainedSolve *withBasis(Model &model);
@@ -40,6 +43,7 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
 
   LpModel lp_;
   bool filled_ = false;
+  double coldIterations_ = 0;
   WarmEngine engine_;
 };
 

@@ -11,8 +11,8 @@ namespace tarvik {
 using std::fabs;
 
 template <class Real>
-void Engine<Real>::loadProblem(const LpModel &model, int scalingPasses) {
-  lp.load(model, options.scaleFlag, scalingPasses);
+void Engine<Real>::loadProblem(const LpModel &model, double enoughScaling) {
+  lp.load(model, options.scaleFlag, enoughScaling);
   const int total = lp.total();
   randomValue.resize(total);
   Random random(static_cast<std::uint64_t>(options.seed) + 1);
@@ -23,13 +23,13 @@ void Engine<Real>::loadProblem(const LpModel &model, int scalingPasses) {
 
 template <class Real>
 void Engine<Real>::load(const LpModel &model) {
-  loadProblem(model, kMaxScalingPasses);
+  loadProblem(model, 0);
   slackBasis();
 }
 
 template <class Real>
 void Engine<Real>::loadForBasis(const LpModel &model) {
-  loadProblem(model, tuning::kWarmScalingPasses);
+  loadProblem(model, tuning::kWarmSpread);
   const int total = lp.total(), m = lp.m;
   cost = lp.cost;
   position.clear();

@@ -227,7 +227,7 @@ class Engine : public EngineState {
   double workRate = 1.3;
 
  private:
-  void loadProblem(const LpModel &model, int scalingPasses);
+  void loadProblem(const LpModel &model, double enoughScaling);
   void resizeScratch();
   void buildRows();
   void priceByColumns();

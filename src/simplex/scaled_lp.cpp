@@ -30,11 +30,11 @@ double rowFactor(const Entries &entries) {
 }  // namespace
 
 template <class Real>
-void ScaledLp<Real>::load(const LpModel &lp, int scaleFlag, int scalingPasses) {
+void ScaledLp<Real>::load(const LpModel &lp, int scaleFlag, double enoughScaling) {
   m = lp.numRows;
   n = lp.numCols;
   offset = lp.offset;
-  Scaling scaling = computeScaling(lp, scaleFlag, scalingPasses);
+  Scaling scaling = computeScaling(lp, scaleFlag, enoughScaling);
   const bool scaled = scaling.active();
   colScale = std::move(scaling.col);
   rowScale = std::move(scaling.row);

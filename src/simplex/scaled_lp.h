@@ -26,7 +26,7 @@ class ScaledLp {
 
   int total() const { return n + m; }
 
-  void load(const LpModel &lp, int scaleFlag, int scalingPasses);
+  void load(const LpModel &lp, int scaleFlag, double enoughScaling = 0);
   template <class Other>
   void convertFrom(const ScaledLp<Other> &other) {
     m = other.m;

@@ -40,9 +40,10 @@ inline constexpr int kWarmInfeasibilities = 10;
 // What the row-wise copy of the matrix costs to make, in operations an entry. A freshly loaded
 // basis forms its first pivot rows column by column, up to this cost.
 inline constexpr double kRowCopyCost = 20;
-// Passes of geometric scaling for a model that comes with a basis: few iterations will follow, and
-// each pass costs as much as several of them.
-inline constexpr int kWarmScalingPasses = 1;
+// Geometric scaling for a model that comes with a basis is content with this spread of a column's
+// entries: few iterations will follow, and each pass costs as much as several of them. Stopping
+// earlier on badly scaled models leaves bases that become singular.
+inline constexpr double kWarmSpread = 10;
 
 // Values updated through at most so many basis changes carry a verdict where that is allowed.
 inline constexpr int kTrustedUpdates = 20;
