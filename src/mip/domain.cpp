@@ -7,6 +7,8 @@ namespace tarvik {
 
 namespace {
 
+constexpr double kFarFromZero = 1e6;
+
 // Bounds of continuous columns are worth a change when they come nearer by this share of the box,
 // or of their own size when there is no box.
 constexpr double kWorthwhileShare = 0.1;
@@ -247,7 +249,14 @@ bool Domain::atMost(const int *index, const double *value, int count, double sig
     }
     const double other = a > 0 ? upper_[j] : lower_[j];
     if (!isInf(other) && a * (other - resting) <= room) continue;
-    const double bound = resting + std::max(room, 0.0) / a;
+    double bound = resting + std::max(room, 0.0) / a;
+    // Far from zero the column's own term would take the digits of the bound with it.
+    if (std::fabs(resting) > kFarFromZero) {
+      CompensatedSum rest(least.sum);
+      rest.addProduct(-value[k], resting);
+      bound = (limit - sign * rest.value()) / a;
+      bound = a > 0 ? std::max(bound, resting) : std::min(bound, resting);
+    }
     const BoundSide side = a > 0 ? BoundSide::Upper : BoundSide::Lower;
     if (worthwhile(j, side, bound) && !tighten(j, side, bound, reason)) return false;
   }

@@ -157,7 +157,7 @@ std::shared_ptr<Node> Explorer::makeChild(const Node &node, const NodeResult &re
   made->bound =
       std::max({node.bound, result.objective, up ? branching.upBound : branching.downBound});
   double estimate = std::max(result.objective, made->bound);
-  if (branching.col >= 0) {
+  if (branching.col >= 0 && worker_.lp().status() == LpStatus::Optimal) {
     const Vec<double> &x = worker_.lp().x();
     for (const int j : fractional)
       if (j != branching.col)
@@ -174,7 +174,7 @@ std::shared_ptr<Node> Explorer::makeChild(const Node &node, const NodeResult &re
 void Explorer::branch(const Node &node, const NodeResult &result, Report &report) {
   const auto basis = worker_.lp().basis();
   Vec<int> fractional;
-  if (result.branching.col >= 0)
+  if (result.branching.col >= 0 && worker_.lp().status() == LpStatus::Optimal)
     worker_.brancher().fractionalColumns(worker_.domain(), worker_.lp().x(), fractional);
   const bool upFirst = result.branching.upFirst;
   std::shared_ptr<Node> first = makeChild(node, result, basis, fractional, upFirst);

@@ -8,8 +8,6 @@
 
 namespace tarvik {
 
-namespace {
-
 MipStatus statusOf(StopReason reason) {
   switch (reason) {
     case StopReason::TimeLimit:
@@ -28,8 +26,6 @@ MipStatus statusOf(StopReason reason) {
   }
   return MipStatus::Interrupted;
 }
-
-}  // namespace
 
 MipSearch::MipSearch(const Problem &problem, const MipOptions &options, SolveControl &control,
                      UserSpace &user)
@@ -80,11 +76,15 @@ CutCounters MipSearch::cutCounters() const {
   return counters;
 }
 
-double MipSearch::bestBound() {
-  if (infeasible_) return std::min(incumbentObjective_, kUserInf);
-  // An exhausted tree proves the incumbent, up to the gap that pruned it.
+// An exhausted tree proves the incumbent, up to the gap that pruned it.
+double MipSearch::provenBound() const {
   const double goal = reference();
-  const double proven = std::min(goal, mipPruningBound(options_, goal));
+  return std::min(goal, mipPruningBound(options_, goal));
+}
+
+double MipSearch::bestBound() {
+  const double goal = reference(), proven = provenBound();
+  if (infeasible_) return proven;
   double bound = rootBound_;
   if (rootDone_) {
     bound = std::min(queue_.bestBound(), unsolvedBound_);
@@ -280,6 +280,7 @@ bool MipSearch::canGoOn(const MipOptions &options) const {
   // Images of what the tree looks for may be gone.
   if (options.symmetry == 0 && symmetries_) return false;
   const double wanted = searchCutoff(options, problem_, incumbentObjective_, pool_);
+  if (pool_.inUse()) return wanted <= cutoff_;
   return std::min(wanted, incumbentObjective_) <= cutoff_;
 }
 
@@ -303,7 +304,12 @@ void MipSearch::dismissSideExplorers() {
     Explorer &explorer = *explorers_[k];
     firstNodeId_ = std::max(firstNodeId_, explorer.lastNodeId());
     dismissedIterations_ += explorer.iterations();
-    if (explorer.hasNode()) queue_.push(explorer.takeNode());
+    // A fresh copy: the queue may still know the node itself as one that was taken.
+    if (explorer.hasNode()) {
+      auto node = std::allocate_shared<Node>(AccountAllocator<Node>(), *explorer.takeNode());
+      node->taken = false;
+      queue_.push(std::move(node));
+    }
   }
   explorers_.resize(1);
   sideControls_.clear();

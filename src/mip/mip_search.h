@@ -42,6 +42,9 @@ enum class MipStatus {
 
 using CutCounters = std::array<int, kCutFamilies>;
 
+// Running where nothing asks for a stop.
+MipStatus statusOf(StopReason reason);
+
 class MipSearch {
  public:
   MipSearch(const Problem &problem, const MipOptions &options, SolveControl &control,
@@ -91,6 +94,7 @@ class MipSearch {
   void findSymmetries();
   int reportLurkingBounds() const;
   bool isWorthRestart();
+  void rootEndsAtCutoff();
   int levelOf(CutFamily family) const;
   void createSeparators();
 
@@ -107,6 +111,7 @@ class MipSearch {
   // What bounds are compared with: the incumbent, or the worst of the pool that is wanted.
   double reference() const { return pool_.inUse() ? pool_.worst() : incumbentObjective_; }
   void completePool();
+  double provenBound() const;
   void focusOnImproving();
   void dismissSideExplorers();
   void checkSoftLimits();

@@ -124,8 +124,8 @@ MipStatus MipSolve::presolve(const MipModel &model) {
       status = MipStatus::InfeasibleOrUnbounded;
       break;
     case PresolveStatus::Stopped:
-      status = control_.limits.seconds() >= control_.limits.timeLimit ? MipStatus::TimeLimit
-                                                                      : MipStatus::Interrupted;
+      status = statusOf(control_.limits.pollNow(control_.work, 0));
+      if (status == MipStatus::Running) status = MipStatus::Interrupted;
       break;
     case PresolveStatus::Unchanged:
     case PresolveStatus::Reduced:
@@ -191,7 +191,10 @@ MipStatus MipSolve::restart() {
     return search_->run();
   }
   presolves_.pop_back();
-  return status == MipStatus::Infeasible ? search_->close() : status;
+  // Its relaxation had an optimum: unbounded it cannot be.
+  const bool nothingLeft =
+      status == MipStatus::Infeasible || status == MipStatus::InfeasibleOrUnbounded;
+  return nothingLeft ? search_->close() : status;
 }
 
 MipOutcome MipSolve::finish(MipStatus status) {
@@ -267,6 +270,8 @@ MipOutcome MipSolve::run() {
   outcome.status = presolve(model_);
   if (outcome.status != MipStatus::Running) {
     outcome.solutions = space_->solutions();
+    if (outcome.status == MipStatus::Infeasible && !outcome.solutions.empty())
+      outcome.bound = outcome.solutions.front().objective;
     return outcome;
   }
   openSearch();

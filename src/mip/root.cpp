@@ -197,6 +197,12 @@ bool MipSearch::rootPointIsFeasible() {
   return main().submit(Vec<double>(worker().lp().x()), SolutionSource::Node);
 }
 
+// What the cutoff has cut off may lie below the incumbent, by the gap that is allowed.
+void MipSearch::rootEndsAtCutoff() {
+  rootBound_ = provenBound();
+  infeasible_ = !hasIncumbent();
+}
+
 int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
   SeparationPoint point{};
   point.problem = &problem_;
@@ -240,16 +246,14 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
   lp.setCutoff(cutoff_);
   const LpStatus status = lp.solve(control_);
   if (status == LpStatus::Infeasible || status == LpStatus::Cutoff) {
-    rootBound_ = hasIncumbent() ? incumbentObjective_ : kUserInf;
-    infeasible_ = !hasIncumbent();
+    rootEndsAtCutoff();
     return Round::Over;
   }
   if (status != LpStatus::Optimal) return Round::Over;
   rememberRoot();
   if (!worker().tightenByReducedCosts(root_.x, root_.reducedCost, root_.objective) ||
       !domain.propagate(control_.work)) {
-    rootBound_ = hasIncumbent() ? incumbentObjective_ : kUserInf;
-    infeasible_ = !hasIncumbent();
+    rootEndsAtCutoff();
     return Round::Over;
   }
   lp.follow(domain);

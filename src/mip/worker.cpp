@@ -170,7 +170,7 @@ bool Worker::pointIsCutOff() const {
   const Vec<double> &x = lp_.x();
   const double tolerance = problem_.tolerances().primal;
   for (int j = 0; j < problem_.numCols(); ++j)
-    if (problem_.isIntegral(j) &&
+    if ((problem_.isIntegral(j) || problem_.isSemi(j)) &&
         (x[j] < domain_.lower(j) - tolerance || x[j] > domain_.upper(j) + tolerance))
       return true;
   return false;

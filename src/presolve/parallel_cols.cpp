@@ -205,7 +205,7 @@ void splitIntegral(const ParallelCols &p, PostsolveState &state) {
   double up = (sum - (p.factor > 0 ? p.keptLower : p.keptUpper)) / p.factor;
   low = std::max(isInf(low) || std::fabs(low) > kHugeValue ? -kInf : low, p.goneLower);
   up = std::min(isInf(up) || std::fabs(up) > kHugeValue ? kInf : up, p.goneUpper);
-  const double slack = Workspace::roundingTol(sum);
+  const double slack = Workspace::roundingTol(sum) / std::max(1.0, std::fabs(p.factor));
   const double nearest = std::min(std::max(0.0, std::ceil(low - slack)), std::floor(up + slack));
   place(p, sum - p.factor * nearest, nearest, true, false, state);
 }

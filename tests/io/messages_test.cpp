@@ -53,8 +53,11 @@ TEST_F(Messages, LpExpressions) {
        {"\nsos\n s: S1 :: x", "Malformed SOS term"},
        {"\npwlobj\n x: (1, 2", "Malformed PWL term"},
        {"\npwlobj\n x", "Malformed PWL term"}});
-  EXPECT_EQ(tryRead("m.lp", "min\n x +\n"), 10012);
-  EXPECT_EQ(message(), "Malformed term in expression");
+  for (const char *text : {"min\n x +\n", "min\n x + inf\nst\n c: x <= 1\nend\n",
+                           "min\n x\nst\n c: x + inf >= inf\nend\n"}) {
+    EXPECT_EQ(tryRead("m.lp", text), 10012) << text;
+    EXPECT_EQ(message(), "Malformed term in expression");
+  }
 }
 
 TEST_F(Messages, LpObjectives) {

@@ -164,7 +164,7 @@ TEST(RandomMip, StructuredModelsAgreeWithEnumeration) {
 
 // An objective cutoff that ends just short of a hole's end left the hole undecided.
 TEST(RandomMip, SeedsOfOldFaults) {
-  for (const std::uint64_t seed : {704415, 21008236})
+  for (const std::uint64_t seed : {704415, 21008236, 50108615})
     check(randomMip(seed), randomOptions(seed), seed);
 }
 

@@ -26,7 +26,8 @@ void LpParser::parseObjective(bool maximize) {
   const std::string_view token = peek();
   if (!token.empty() && (token.front() == '<' || token.front() == '>' || token.front() == '='))
     fail("Objective function contains sense '%c'\n", token.front());
-  if (!atSectionOrEnd()) fail("Malformed term in expression");
+  if (!atSectionOrEnd() || !std::isfinite(objective_.constant))
+    fail("Malformed term in expression");
 }
 
 void LpParser::parseObjectives() {
@@ -41,7 +42,8 @@ void LpParser::parseObjectives() {
     parseExpression(expression, Place::FurtherObjective);
     const std::string_view token = peek();
     if (isSense(token)) fail("Objective function contains sense '%c'\n", token.front());
-    if (!atSectionOrEnd() && !isLabel(token)) fail("Malformed term in expression");
+    if ((!atSectionOrEnd() && !isLabel(token)) || !std::isfinite(expression.constant))
+      fail("Malformed term in expression");
     clean(expression.terms);
     objective.terms = std::move(expression.terms);
     objective.constant = expression.constant;
@@ -130,6 +132,7 @@ void LpParser::parseExpression(Expression &expression, Place place) {
         take();
       } else {
         expression.constant += factor * value;
+        if (std::isnan(expression.constant)) fail("Malformed term in expression");
       }
     } else if (isName(token)) {
       if (place == Place::FurtherObjective && token.substr(0, 6) == "__pwl(")
@@ -322,6 +325,7 @@ void LpParser::parseRow(int lazy) {
 
 void LpParser::storeRow(const std::string &name, Expression &expression, char sense, double rhs,
                         double lower, int lazy) {
+  if (std::isnan(rhs) || std::isnan(lower)) fail("Malformed term in expression");
   const Cleaned cleaned = clean(expression.terms);
   if (expression.hasBracket) {
     if (lazy != 0)

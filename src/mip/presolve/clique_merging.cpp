@@ -164,7 +164,8 @@ void CliqueMerger::fixFalse(const Vec<Literal> &literals) {
 int CliqueMerger::removeCovered(int row, const Vec<Literal> &clique, ModelEditor &editor) {
   int removed = 0;
   Vec<int> seen;
-  for (const Literal literal : clique)
+  for (const Literal literal : clique) {
+    work_.charge(5.0 * static_cast<double>(rowsOf_[literal].size()));
     for (const int other : rowsOf_[literal]) {
       if (coverage_[other]++ == 0) seen.push_back(other);
       const Packing &packing = packing_[other];
@@ -174,8 +175,8 @@ int CliqueMerger::removeCovered(int row, const Vec<Literal> &clique, ModelEditor
       editor.removeRow(other);
       ++removed;
     }
+  }
   for (const int other : seen) coverage_[other] = 0;
-  work_.charge(5.0 * static_cast<double>(seen.size()));
   return removed;
 }
 
