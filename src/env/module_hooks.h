@@ -1,5 +1,5 @@
-// What the environment asks of modules above it. They define these functions; without such a
-// module the default answers that the request cannot be met.
+// What the environment asks of modules above it. They define these functions; a module that does
+// not exist yet has a default here, which answers that the request cannot be met.
 #pragma once
 
 #include "env/env.h"

@@ -7,6 +7,7 @@
 
 #include "mip/heuristic_fixture.h"
 #include "mip/mip_solve.h"
+#include "mip/quiet_solve.h"
 #include "mip/worker.h"
 #include "support/reference_lp.h"
 
@@ -124,13 +125,7 @@ struct Tally {
 // At the optimum or a little above it, so that much is cut off.
 double chooseCutoff(const MipModel &model, Random &random) {
   if (random.uniform() < 0.2) return kUserInf;
-  SilentLog log;
-  SolveControl control;
-  control.log = &log;
-  control.limits.start();
-  MipOptions options;
-  options.simplex.logging = false;
-  const MipOutcome outcome = MipSolve(model, options, control).run();
+  const MipOutcome outcome = solveQuietly(model);
   if (outcome.status != MipStatus::Optimal) return kUserInf;
   return outcome.solutions.front().objective + 0.5 * random.below(6);
 }

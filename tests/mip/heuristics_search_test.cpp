@@ -8,19 +8,12 @@
 #include "mip/heuristics/no_rel.h"
 #include "mip/heuristics/partition.h"
 #include "mip/mip_solve.h"
+#include "mip/quiet_solve.h"
 
 namespace tarvik::test {
 namespace {
 
-MipSolution best(const MipModel &model) {
-  SilentLog log;
-  SolveControl control;
-  control.log = &log;
-  control.limits.start();
-  MipOptions options;
-  options.simplex.logging = false;
-  return MipSolve(model, options, control).run().solutions.front();
-}
+MipSolution best(const MipModel &model) { return solveQuietly(model).solutions.front(); }
 
 double optimum(const MipModel &model) { return best(model).objective; }
 

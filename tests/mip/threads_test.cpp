@@ -5,22 +5,18 @@
 
 #include "mip/heuristic_fixture.h"
 #include "mip/mip_solve.h"
+#include "mip/quiet_solve.h"
 
 namespace tarvik::test {
 namespace {
 
 MipOutcome solveWith(const MipModel &model, int threads, double nodeLimit) {
-  SilentLog log;
-  SolveControl control;
-  control.log = &log;
-  control.limits.start();
   MipOptions options;
-  options.simplex.logging = false;
   options.mipGap = 0;
   options.threads = threads;
   options.nodeLimit = nodeLimit;
   options.infProof = 1;
-  return MipSolve(model, options, control).run();
+  return solveQuietly(model, options);
 }
 
 // Hard enough that the tree outlives the first round.

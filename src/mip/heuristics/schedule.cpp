@@ -46,7 +46,6 @@ constexpr int kSuccessCount = 10, kFailureCount = -1;
 // After so many nodes without a better solution sub-MIPs get less.
 constexpr double kStaleNodes = 12357, kStaleRatio = 0.1;
 constexpr double kImproveRatio[] = {0.8, 0.1};  // in the improve-start phase
-constexpr int kImprovePhase = 4;
 // What one call in the tree may take beyond what its purse holds, as a share of the purse.
 constexpr double kAdvance = 0.2;
 
@@ -136,7 +135,7 @@ double HeuristicSchedule::budget(const HeuristicContext &context, Purse purse,
                                  double searchWork) const {
   double ratio = ratio_[purse];
   const bool stale = context.nodes > incumbentNodes_ + kStaleNodes || options_.rins > 0;
-  if (options_.focus == kImprovePhase)
+  if (options_.focus == kImproveFocus)
     ratio = kImproveRatio[purse];
   else if (purse == kSubMips && stale && context.sink->hasIncumbent())
     ratio = kStaleRatio;

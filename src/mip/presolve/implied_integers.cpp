@@ -5,23 +5,15 @@
 #include <limits>
 
 #include "mip/presolve/restrictions.h"
+#include "mip/presolve/whole_rows.h"
 
 namespace tarvik {
 
 namespace {
 
-constexpr double kIntegral = 1e-10;
-// What rounding the entries of a row may change in it.
-constexpr double kRowError = 1e-8;
-// Ratios beyond this are not trusted to be integers.
-constexpr double kLargest = 1e6;
 // Columns without finite bounds below this stay continuous: their values outgrow exact rounding.
 constexpr double kLargestBound = 1e8;
 constexpr int kMaxRounds = 5;
-
-bool isWhole(double value) {
-  return std::fabs(value) <= kLargest && std::fabs(value - std::round(value)) <= kIntegral;
-}
 
 class ImpliedIntegers {
  public:
@@ -64,17 +56,7 @@ class ImpliedIntegers {
 
 // Divided by the pivot, the row has integral data, and no other column of it is continuous.
 bool ImpliedIntegers::rowIsIntegral(int row, double pivot) const {
-  if (continuousIn_[row] != 1) return false;
-  for (const double side : {lp_.rowLower[row], lp_.rowUpper[row]})
-    if (!isInf(side) && !isWhole(side / pivot)) return false;
-  double error = 0;  // of the row, divided, where its entries are rounded
-  for (NzIndex k = rows_.start[row]; k < rows_.start[row + 1]; ++k) {
-    const double ratio = rows_.value[k] / pivot, off = std::fabs(ratio - std::round(ratio));
-    if (!isWhole(ratio)) return false;
-    const int j = rows_.index[k];
-    if (off > 0) error += off * std::max(std::fabs(lp_.colLower[j]), std::fabs(lp_.colUpper[j]));
-  }
-  return error <= kRowError;
+  return continuousIn_[row] == 1 && isWholeRow(lp_, rows_, row, pivot);
 }
 
 bool ImpliedIntegers::isImplied(int j) const {

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "mip/presolve/whole_rows.h"
+
 namespace tarvik {
 
 namespace {
@@ -13,11 +15,6 @@ constexpr double kSmallestCoef = 1e-6;
 constexpr double kBoundError = 1e-5;
 // Finite bounds beyond this leave a column continuous.
 constexpr double kLargestBound = 1e8;
-
-bool isWhole(double value) {
-  const double size = std::fabs(value);
-  return size - std::floor(size + kIntegral) < kIntegral;
-}
 
 class NetworkDetection {
  public:
@@ -64,10 +61,7 @@ bool NetworkDetection::readRow(int row) {
     ++count;
   }
   if (largest < kSmallestCoef || largest - smallest > kIntegral) return false;
-  for (const double side : {model_.lp.rowLower[row], model_.lp.rowUpper[row]})
-    if (!isInf(side) && !isWhole(side / largest)) return false;
-  for (NzIndex k = rows_.start[row]; k < rows_.start[row + 1]; ++k)
-    if (!isWhole(rows_.value[k] / largest)) return false;
+  if (!isWholeRow(model_.lp, rows_, row, largest)) return false;
   return count < 2 || recordRow(row);
 }
 
@@ -141,7 +135,7 @@ bool NetworkDetection::hasIntegralBounds() const {
   for (int j = 0; j < model_.lp.numCols; ++j) {
     if (model_.kind[j] != VarKind::Continuous) continue;
     for (const double bound : {model_.lp.colLower[j], model_.lp.colUpper[j]})
-      if (!isInf(bound) && !isWhole(bound)) return false;
+      if (!isInf(bound) && std::fabs(bound - std::round(bound)) > kIntegral) return false;
   }
   return true;
 }
