@@ -87,6 +87,8 @@ MipOptions MipSolve::adapted(MipOptions options) const {
     options.presolveMip = false;
     options.symmetry = 0;
   }
+  // Constraints that come later may treat columns differently that the model treats alike.
+  if (options.presolve.keepPoints) options.symmetry = 0;
   return options;
 }
 
@@ -152,6 +154,14 @@ Vec<double> MipSolve::imageOf(const Vec<double> &x) const {
   Vec<double> point(x);
   for (const auto &stage : presolves_) point = stage->imageOf(point);
   return point;
+}
+
+bool MipSolve::crushRow(LinearRow &row) const {
+  LinearRow result(row);
+  for (const auto &stage : presolves_)
+    if (!stage->crushRow(result)) return false;
+  row = std::move(result);
+  return true;
 }
 
 void MipSolve::openSearch() {
@@ -254,8 +264,8 @@ void MipSolve::processStarts() {
 
 // Holes and sets would keep the vertices of a network from being integral.
 void MipSolve::findNetwork(MipModel &reduced) const {
-  if (options_.presolve.level == 0 || !options_.presolveMip || !reduced.sos.empty() ||
-      std::any_of(reduced.kind.begin(), reduced.kind.end(), isSemi))
+  if (options_.presolve.level == 0 || !options_.presolveMip || options_.presolve.keepPoints ||
+      !reduced.sos.empty() || std::any_of(reduced.kind.begin(), reduced.kind.end(), isSemi))
     return;
   const NetworkStructure found = detectNetworkStructure(reduced);
   if (found.continuous > 0 && !options_.subMip)

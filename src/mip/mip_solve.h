@@ -41,6 +41,9 @@ class MipSolve {
   std::function<void(const MipSearch &)> onNode;
 
   MipOutcome run();
+  // A row over the columns of the model as one over those of the problem that is being searched;
+  // see Presolve::crushRow. While the search runs, from any of its threads.
+  bool crushRow(LinearRow &row) const;
   // After a limit has stopped the search in its tree: whether it can go on with other options, and
   // doing so. The control must still be the same object, with new limits.
   bool canGoOn(const MipOptions &options) const;

@@ -57,6 +57,7 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.simplex.logSign = objSense;
   options.simplex.wantCertificates = false;
   options.presolve = presolveOptions(env);
+  options.presolve.keepPoints = env.get(Int::LazyConstraints) == 1;
   options.sosBigM.limit[0] = env.get(Dbl::PreSOS1BigM);
   options.sosBigM.limit[1] = env.get(Dbl::PreSOS2BigM);
   options.sosBigM.encoding[0] = env.get(Int::PreSOS1Encoding);
@@ -100,9 +101,7 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.relaxAndFix = env.get(Int::TARV_PAR_PARTRELAXANDFIXHEUR);
   options.varBranch = env.get(Int::VarBranch);
   options.branchDir = env.get(Int::BranchDir);
-  // Lazy constraints may treat columns differently that the model treats alike.
-  const bool symmetric = env.get(Int::DualReductions) == 1 && env.get(Int::LazyConstraints) == 0;
-  options.symmetry = symmetric ? env.get(Int::Symmetry) : 0;
+  options.symmetry = env.get(Int::DualReductions) == 1 ? env.get(Int::Symmetry) : 0;
   options.infProof = env.get(Int::TARV_PAR_INFPROOF);
   options.degenMoves = env.get(Int::DegenMoves);
   options.nodeMethod = env.get(Int::NodeMethod);

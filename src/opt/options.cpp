@@ -36,6 +36,7 @@ PresolveOptions presolveOptions(const Env &env) {
   options.passes = env.get(Int::PrePasses);
   options.reductionLimit = env.get(Int::TARV_PAR_PRELIMIT);
   options.dualReductions = env.get(Int::DualReductions) != 0;
+  options.affine = env.get(Int::PreCrush) == 1;
   options.primalTol = env.get(Dbl::FeasibilityTol);
   options.dualTol = env.get(Dbl::OptimalityTol);
   options.zeroTol = env.get(Dbl::TARV_PAR_ZERO);

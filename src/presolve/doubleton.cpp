@@ -84,6 +84,15 @@ bool tryDoubletonEquation(Workspace &ws, int i) {
   return true;
 }
 
+bool crushDoubleton(RecordReader record, RowImage &image) {
+  const auto d = record.get<Doubleton>();
+  const double factor = image.take(d.gone) / d.goneCoef;
+  if (factor == 0) return true;
+  image.addConstant(factor * d.side);
+  image.add(d.kept, -factor * d.keptCoef);
+  return true;
+}
+
 void undoDoubleton(RecordReader record, PostsolveState &state) {
   const auto d = record.get<Doubleton>();
   const StoredEntries entries = record.entries();

@@ -37,7 +37,7 @@ void removeUnconstrained(Workspace &ws, int j, int direction) {
 
 bool tryDualFixing(Workspace &ws, int j) {
   const Col &col = ws.model.col(j);
-  if (col.restricted) return false;
+  if (col.restricted || ws.options.keepPoints) return false;
   const bool falls = col.downLocks == 0 && col.cost >= 0;
   const bool rises = col.upLocks == 0 && col.cost <= 0;
   if (!falls && !rises) return false;
@@ -56,9 +56,13 @@ bool tryDualFixing(Workspace &ws, int j) {
     ws.dualInfeasible();
     return true;
   }
-  if (col.integer || !ws.take()) return false;
+  if (col.integer || ws.options.affine || !ws.take()) return false;
   removeUnconstrained(ws, j, falls ? -1 : 1);
   return true;
+}
+
+bool crushUnconstrainedCol(RecordReader record, RowImage &image) {
+  return image.value(record.get<int>()) == 0;
 }
 
 void undoUnconstrainedCol(RecordReader record, PostsolveState &state) {

@@ -27,7 +27,7 @@ bool fixEmptyCol(Workspace &ws, int j) {
     ws.dualInfeasible();
     return true;
   }
-  if (!ws.take()) return false;
+  if (ws.options.keepPoints || !ws.take()) return false;
   if (wantsLower)
     fixCol(ws, j, col.lower, FixedAt::Lower);
   else if (wantsUpper)
@@ -56,6 +56,15 @@ bool tryFixedOrEmptyCol(Workspace &ws, int j) {
     return true;
   }
   return col.length == 0 && fixEmptyCol(ws, j);
+}
+
+bool crushFixedCol(RecordReader record, RowImage &image) {
+  const int col = record.get<int>();
+  record.get<FixedAt>();
+  const double value = record.get<double>();
+  const double coefficient = image.take(col);
+  if (coefficient != 0) image.addConstant(coefficient * value);
+  return true;
 }
 
 void undoFixedCol(RecordReader record, PostsolveState &state) {

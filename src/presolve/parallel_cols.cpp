@@ -142,7 +142,8 @@ bool treatPair(Workspace &ws, int keptIndex, int goneIndex) {
                        kept.upper, gone.lower, gone.upper, false};
   const double excess = gone.cost - factor * kept.cost;
   const double size = std::max(std::fabs(gone.cost), std::fabs(factor * kept.cost));
-  if (std::fabs(excess) <= kParallel * size) return merge(ws, p) || merge(ws, exchanged(p));
+  if (std::fabs(excess) <= kParallel * size)
+    return !ws.options.affine && (merge(ws, p) || merge(ws, exchanged(p)));
   if (std::fabs(excess) <= kStrictDual * std::max(1.0, size)) return false;
   return dominate(ws, p, excess);
 }
@@ -150,6 +151,7 @@ bool treatPair(Workspace &ws, int keptIndex, int goneIndex) {
 }  // namespace
 
 bool mergeParallelCols(Workspace &ws) {
+  if (ws.options.keepPoints) return false;
   const WorkingModel &model = ws.model;
   ws.preparePositions();
   Vec<ParallelKey> keys;
@@ -241,6 +243,14 @@ void splitZero(const ParallelCols &p, PostsolveState &state) {
 }
 
 }  // namespace
+
+// The sum is known, its parts are not.
+bool crushParallelCols(RecordReader record, RowImage &image) {
+  const auto p = record.get<ParallelCols>();
+  const double ofKept = image.value(p.kept), ofGone = image.take(p.gone);
+  const double size = std::max(std::fabs(ofGone), std::fabs(p.factor * ofKept));
+  return std::fabs(ofGone - p.factor * ofKept) <= kParallel * size;
+}
 
 void undoParallelCols(RecordReader record, PostsolveState &state) {
   const auto p = record.get<ParallelCols>();

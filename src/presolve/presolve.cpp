@@ -32,6 +32,8 @@ bool Presolve::crushBasis(const Basis &full, Basis &reducedBasis) const {
   return run_->crushBasis(full, reducedBasis);
 }
 
+bool Presolve::crushRow(LinearRow &row) const { return run_->crushRow(row); }
+
 const Vec<int> &Presolve::originalCol() const { return run_->cols; }
 const Vec<int> &Presolve::originalRow() const { return run_->rows; }
 int Presolve::originalVar(int reducedVar) const {

@@ -32,6 +32,13 @@ struct PresolveOptions {
   int reductionLimit = kMaxInt;
   // When false, nothing is done that would confuse an infeasible with an unbounded model.
   bool dualReductions = true;
+  // Every column that goes is a constant or an affine function of those left, so that inequalities
+  // over the columns can be translated (crushRow). Reductions may still decide for one of several
+  // solutions: what is translated must hold for all of them.
+  bool affine = false;
+  // No feasible point is lost, whatever its cost: constraints may come later. Implies affine, and
+  // no dual reductions.
+  bool keepPoints = false;
   double primalTol = 1e-6;
   double dualTol = 1e-6;
   double zeroTol = 1e-13;  // entries that cancel below this fraction of their terms vanish
@@ -65,6 +72,13 @@ struct PresolveStats {
   NzIndex sparsifiedFrom = 0;
   int reductions = 0;  // single reductions applied
   double seconds = 0;
+};
+
+// lower <= value'x <= upper, over the columns of one model.
+struct LinearRow {
+  Vec<int> cols;
+  Vec<double> values;
+  double lower = -kInf, upper = kInf;
 };
 
 class PresolveRun;
@@ -101,6 +115,12 @@ class Presolve {
   // is left, completed or thinned to exactly one basic variable a row. It may be singular; the
   // simplex repairs it. Returns false when there is nothing to translate.
   bool crushBasis(const Basis &full, Basis &reducedBasis) const;
+
+  // The row over columns of the full model as a row over those of the reduced one: what the reduced
+  // columns say of it, whatever values they have. Columns are named once, in ascending order.
+  // False, and the row as it was, when a column in it went in a way that cannot be said like that;
+  // never so with PresolveOptions::affine. Many threads may call it at the same time.
+  bool crushRow(LinearRow &row) const;
 
   // Column and row of the full model for each one of the reduced model.
   const Vec<int> &originalCol() const;

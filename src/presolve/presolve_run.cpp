@@ -41,6 +41,10 @@ PresolveStatus PresolveRun::run(const LpModel &lp, const PresolveOptions &option
 void PresolveRun::resolveOptions() {
   PresolveOptions &o = ws.options;
   if (o.aggFill < 0) o.aggFill = o.level == 1 ? 0 : kAutoFill;
+  if (o.keepPoints) {
+    o.affine = true;
+    o.dualReductions = false;
+  }
   if (o.passes < 0) o.passes = o.level == 1 ? kConservativeRounds : kMaxRounds;
 }
 

@@ -14,6 +14,7 @@ class PresolveRun {
   void postsolveFarkas(const Vec<double> &reducedFarkas, Vec<double> &full) const;
   Vec<double> farkas() const;
   bool crushBasis(const Basis &full, Basis &reducedBasis) const;
+  bool crushRow(LinearRow &row) const;
   int numFullCols() const { return lp_->numCols; }
 
   LpModel reduced;

@@ -1,8 +1,11 @@
 // The reductions, one file each. A try... function looks at one row or column and returns true
 // when it changed the model (the row or column may then be gone); the undo... function restores
-// what its record says. Files tell what is reduced, why that is right, and how it is undone.
+// what its record says; the crush... function of a reduction that removes
+// columns takes them out of a row (false: it cannot). Files tell what is reduced, why that is
+// right, and how it is undone.
 #pragma once
 
+#include "presolve/row_image.h"
 #include "presolve/workspace.h"
 
 namespace tarvik::presolve {
@@ -24,6 +27,7 @@ enum class FixedAt : int { Lower, Upper, Both, Nothing };
 void fixCol(Workspace &ws, int col, double value, FixedAt at);
 bool tryFixedOrEmptyCol(Workspace &ws, int col);
 void undoFixedCol(RecordReader record, PostsolveState &state);
+bool crushFixedCol(RecordReader record, RowImage &image);
 
 // redundant_row.cpp
 void dropRow(Workspace &ws, int row);
@@ -41,16 +45,20 @@ void undoForcingRow(RecordReader record, PostsolveState &state);
 // dual_fixing.cpp
 bool tryDualFixing(Workspace &ws, int col);
 void undoUnconstrainedCol(RecordReader record, PostsolveState &state);
+bool crushUnconstrainedCol(RecordReader record, RowImage &image);
 
 // singleton_col.cpp
 bool tryFreeSingletonCol(Workspace &ws, int col);
 void undoFreeSingletonCol(RecordReader record, PostsolveState &state);
+bool crushFreeSingletonCol(RecordReader record, RowImage &image);
 bool trySlackCol(Workspace &ws, int col);
 void undoSlackCol(RecordReader record, PostsolveState &state);
+bool crushSlackCol(RecordReader record, RowImage &image);
 
 // doubleton.cpp
 bool tryDoubletonEquation(Workspace &ws, int row);
 void undoDoubleton(RecordReader record, PostsolveState &state);
+bool crushDoubleton(RecordReader record, RowImage &image);
 
 // substitution.cpp
 // Eliminates the column of an entry by the equation of its row; record and bounds are dealt with
@@ -58,12 +66,14 @@ void undoDoubleton(RecordReader record, PostsolveState &state);
 void eliminate(Workspace &ws, int position);
 bool substituteImpliedFree(Workspace &ws);
 void undoSubstitution(RecordReader record, PostsolveState &state);
+bool crushSubstitution(RecordReader record, RowImage &image);
 
 // parallel_rows.cpp, parallel_cols.cpp
 bool mergeParallelRows(Workspace &ws);
 void undoParallelRows(RecordReader record, PostsolveState &state);
 bool mergeParallelCols(Workspace &ws);
 void undoParallelCols(RecordReader record, PostsolveState &state);
+bool crushParallelCols(RecordReader record, RowImage &image);
 
 // dominated_col.cpp
 bool fixDominatedCols(Workspace &ws);

@@ -8,7 +8,8 @@
 // Bounded and without cost: the column is the row's slack. It goes, and its range widens the
 // row's. Undoing: where the row stands in its range tells where the slack stands. A slack with a
 // cost stays: moving the cost to the others would start the simplex far from the optimum of models
-// that penalise what they leave undone.
+// that penalise what they leave undone. The slack of an equation is an affine function of the other
+// columns; that of an inequality is not, and stays where that is asked for.
 
 #include "presolve/reductions.h"
 
@@ -57,6 +58,7 @@ bool tryFreeSingletonCol(Workspace &ws, int j) {
   if (std::fabs(entry.value) < pivot * largestInRow(model, entry.row)) return false;
 
   const double dual = col.cost / entry.value;
+  if (ws.options.keepPoints && !row.isEquation()) return false;
   const bool atLower = row.isEquation() || dual > 0 || (dual == 0 && !isInf(row.lower));
   const double side = atLower ? row.lower : row.upper;
   if (isInf(side)) {
@@ -100,6 +102,17 @@ void undoFreeSingletonCol(RecordReader record, PostsolveState &state) {
   state.setRow(row, atLower ? VarStatus::AtLower : VarStatus::AtUpper);
 }
 
+bool crushFreeSingletonCol(RecordReader record, RowImage &image) {
+  const int col = record.get<int>();
+  record.get<int>();   // the row
+  record.get<bool>();  // its side
+  const double side = record.get<double>();
+  const double coef = record.get<double>();
+  record.get<double>();  // the cost
+  image.substitute(col, coef, side, record.entries());
+  return true;
+}
+
 namespace {
 
 struct Slack {
@@ -110,6 +123,14 @@ struct Slack {
   bool equation;              // the row is one afterwards
 };
 
+// The rest of an equation, for the translation of rows; nothing where none is wanted.
+void putEquation(Workspace &ws, const Row &row, int i, int j) {
+  if (ws.options.affine && row.isEquation())
+    ws.stack.putRow(ws.model, i, j);
+  else
+    ws.stack.put(0);
+}
+
 }  // namespace
 
 bool trySlackCol(Workspace &ws, int j) {
@@ -119,7 +140,7 @@ bool trySlackCol(Workspace &ws, int j) {
   const Entry entry = model.entry(col.first);
   const int i = entry.row;
   const Row &row = model.row(i);
-  if (col.cost != 0) return false;
+  if (col.cost != 0 || (ws.options.affine && !row.isEquation())) return false;
   if (std::fabs(entry.value) < kSlackCoef || row.length < 2) return false;
   if (!ws.take()) return false;
 
@@ -133,6 +154,7 @@ bool trySlackCol(Workspace &ws, int j) {
   ws.stack.begin(RecordKind::SlackCol);
   ws.stack.put(Slack{j, i, entry.value, col.lower, col.upper, row.lower, row.upper,
                      ws.coincide(lower, upper)});
+  putEquation(ws, row, i, j);
   model.removeCol(j);
   model.setRowBounds(i, lower, ws.coincide(lower, upper) ? lower : upper);
   return true;
@@ -172,6 +194,15 @@ int rangeSide(const Slack &slack, const PostsolveState &state) {
 }
 
 }  // namespace
+
+bool crushSlackCol(RecordReader record, RowImage &image) {
+  const Slack slack = record.get<Slack>();
+  if (image.value(slack.col) == 0) return true;
+  const StoredEntries equation = record.entries();
+  if (equation.count() == 0) return false;
+  image.substitute(slack.col, slack.coef, slack.rowLower, equation);
+  return true;
+}
 
 void undoSlackCol(RecordReader record, PostsolveState &state) {
   const Slack slack = record.get<Slack>();

@@ -164,6 +164,17 @@ bool substituteImpliedFree(Workspace &ws) {
   return found;
 }
 
+bool crushSubstitution(RecordReader record, RowImage &image) {
+  record.get<int>();  // the row
+  const int col = record.get<int>();
+  const double coef = record.get<double>();
+  const double side = record.get<double>();
+  record.get<double>();  // the cost
+  record.entries();      // of the column
+  image.substitute(col, coef, side, record.entries());
+  return true;
+}
+
 void undoSubstitution(RecordReader record, PostsolveState &state) {
   const int row = record.get<int>();
   const int col = record.get<int>();

@@ -90,6 +90,8 @@ MipOptions randomOptions(std::uint64_t seed) {
     options.sosBigM.limit[type] = 10.0 * (random.below(3) - 1);
     options.sosBigM.encoding[type] = random.below(5) - 1;
   }
+  options.presolve.affine = random.uniform() < 0.2;
+  options.presolve.keepPoints = random.uniform() < 0.1;
   return options;
 }
 

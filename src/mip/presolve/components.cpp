@@ -163,6 +163,24 @@ Components::Result Components::run(MipModel &model, const MipOptions &options,
   return Result::Reduced;
 }
 
+void Components::crushRow(LinearRow &row) const {
+  const Vec<int> place = placesOf(left_, static_cast<int>(values_.size()));
+  CompensatedSum constant;
+  LinearRow result;
+  for (std::size_t k = 0; k < row.cols.size(); ++k) {
+    const int j = row.cols[k];
+    if (place[j] < 0) {
+      constant.addProduct(row.values[k], values_[j]);
+      continue;
+    }
+    result.cols.push_back(place[j]);
+    result.values.push_back(row.values[k]);
+  }
+  result.lower = isInf(row.lower) ? row.lower : row.lower - constant.value();
+  result.upper = isInf(row.upper) ? row.upper : row.upper - constant.value();
+  row = std::move(result);
+}
+
 void Components::restore(Vec<double> &point) const {
   Vec<double> full(values_);
   for (std::size_t k = 0; k < left_.size(); ++k) full[left_[k]] = point[k];

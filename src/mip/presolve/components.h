@@ -18,6 +18,8 @@ class Components {
   // Columns of the old model that are left, and a point of the old model from one of those.
   const Vec<int> &left() const { return left_; }
   void restore(Vec<double> &point) const;
+  // A row over the old columns as one over those left, the others at their values.
+  void crushRow(LinearRow &row) const;
   int solved() const { return solved_; }
 
  private:

@@ -33,6 +33,8 @@ class MipPresolve::LinearStage : public Stage {
     point.swap(kept);
   }
 
+  bool crushRow(LinearRow &row) const override { return presolve.crushRow(row); }
+
   LpModel input;  // postsolve reads it again
   Vec<char> integer, restricted;
   Presolve presolve;
@@ -42,6 +44,8 @@ class MipPresolve::SosStage : public Stage {
  public:
   void postsolve(Vec<double> &point) const override { point.resize(bigM.numOldCols()); }
   void image(Vec<double> &point) const override { bigM.extend(point); }
+  // The new columns stand behind the others.
+  bool crushRow(LinearRow &) const override { return true; }
 
   SosBigM bigM;
 };
@@ -95,6 +99,10 @@ class MipPresolve::ComponentStage : public Stage {
     for (const int j : components.left()) kept.push_back(point[j]);
     point.swap(kept);
   }
+  bool crushRow(LinearRow &row) const override {
+    components.crushRow(row);
+    return true;
+  }
 
   Components components;
 };
@@ -107,7 +115,7 @@ bool MipPresolve::reduceIntegers() {
     stats_.cliques += merged.rowsRemoved + merged.fixed;
     found += merged.rowsRemoved + merged.fixed;
   }
-  if (options_.reductions.dominated) {
+  if (options_.reductions.dominated && !options_.presolve.keepPoints) {
     const int fixed = fixDominatedBinaries(reduced_, control_.work);
     stats_.dominated += fixed;
     found += fixed;
@@ -146,7 +154,8 @@ PresolveStatus MipPresolve::run() {
   PresolveStatus status = reduceInRounds();
   // With the bounds that presolve has found.
   if (goesOn(status) && rewriteSets()) status = reduceInRounds();
-  if (!goesOn(status) || !options_.presolveMip) return status;
+  // What follows decides between solutions by the objective and the rows that there are.
+  if (!goesOn(status) || !options_.presolveMip || options_.presolve.keepPoints) return status;
   if (options_.reductions.components && !options_.subMip &&
       solveComponents() == PresolveStatus::Infeasible)
     return PresolveStatus::Infeasible;
@@ -157,7 +166,8 @@ PresolveStatus MipPresolve::run() {
 
 PresolveStatus MipPresolve::reduceInRounds() {
   for (int round = 0; round < kMaxRounds; ++round) {
-    const RestrictionResult restrictions = simplifyRestrictions(reduced_, options_.tolerances);
+    const RestrictionResult restrictions =
+        simplifyRestrictions(reduced_, options_.tolerances, options_.presolve.keepPoints);
     if (restrictions.infeasible) return PresolveStatus::Infeasible;
     stats_.restrictions += restrictions.changes;
     bool changed = false;
@@ -180,6 +190,14 @@ Vec<double> MipPresolve::postsolve(const Vec<double> &x) const {
   Vec<double> point(x);
   for (auto stage = stages_.rbegin(); stage != stages_.rend(); ++stage) (*stage)->postsolve(point);
   return point;
+}
+
+bool MipPresolve::crushRow(LinearRow &row) const {
+  LinearRow result(row);
+  for (const auto &stage : stages_)
+    if (!stage->crushRow(result)) return false;
+  row = std::move(result);
+  return true;
 }
 
 Vec<double> MipPresolve::imageOf(const Vec<double> &x) const {

@@ -30,6 +30,9 @@ class MipPresolve {
   // The columns of the reduced model as a point of the model that was given has them. It need not
   // be feasible: reductions may have decided for other solutions.
   Vec<double> imageOf(const Vec<double> &x) const;
+  // A row over the columns of the model that was given as one over those of the reduced model; see
+  // Presolve::crushRow.
+  bool crushRow(LinearRow &row) const;
 
  private:
   // What changed the columns, in order: a point goes back through the stages to the last column.
@@ -38,6 +41,7 @@ class MipPresolve {
     virtual ~Stage() = default;
     virtual void postsolve(Vec<double> &point) const = 0;
     virtual void image(Vec<double> &point) const = 0;
+    virtual bool crushRow(LinearRow &row) const = 0;
   };
   class LinearStage;
   class SosStage;

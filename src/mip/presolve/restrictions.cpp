@@ -16,7 +16,7 @@ class RestrictionPresolve {
   RestrictionPresolve(MipModel &model, const MipTolerances &tolerances)
       : model_(model), lp_(model.lp), tolerances_(tolerances) {}
 
-  RestrictionResult run() {
+  RestrictionResult run(bool keepPoints) {
     for (int j = 0; j < lp_.numCols && !result_.infeasible; ++j) settleHole(j);
     // Members that one set fixes at zero may decide another.
     for (int before = -1; before != result_.changes && !result_.infeasible;) {
@@ -27,7 +27,7 @@ class RestrictionPresolve {
                                       [](const SosSet &set) { return set.cols.empty(); });
       model_.sos.erase(end, model_.sos.end());
     }
-    if (!result_.infeasible) fixByLocks();
+    if (!result_.infeasible && !keepPoints) fixByLocks();
     return result_;
   }
 
@@ -159,8 +159,9 @@ void RestrictionPresolve::fixByLocks() {
 
 }  // namespace
 
-RestrictionResult simplifyRestrictions(MipModel &model, const MipTolerances &tolerances) {
-  return RestrictionPresolve(model, tolerances).run();
+RestrictionResult simplifyRestrictions(MipModel &model, const MipTolerances &tolerances,
+                                       bool keepPoints) {
+  return RestrictionPresolve(model, tolerances).run(keepPoints);
 }
 
 Vec<char> restrictedColumns(const MipModel &model) {

@@ -17,7 +17,9 @@ struct RestrictionResult {
   int changes = 0;  // bounds moved, holes and sets dropped
 };
 
-RestrictionResult simplifyRestrictions(MipModel &model, const MipTolerances &tolerances);
+// With keepPoints every feasible point stays one; otherwise the objective has a say.
+RestrictionResult simplifyRestrictions(MipModel &model, const MipTolerances &tolerances,
+                                       bool keepPoints);
 
 // A column: it has a hole or is a member of a set.
 Vec<char> restrictedColumns(const MipModel &model);
