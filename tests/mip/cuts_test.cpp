@@ -29,6 +29,7 @@ const std::vector<Family> &families() {
       {"Mixing", makeMixingSeparator},
       {"FlowPath", makeFlowPathSeparator},
       {"ImpliedBound", makeImpliedBoundSeparator},
+      {"Network", makeNetworkSeparator},
       {"Clique", makeCliqueSeparator},
       {"ZeroHalf", makeZeroHalfSeparator},
       {"ModK", makeModKSeparator},
@@ -53,7 +54,17 @@ class MipGenerator {
  public:
   explicit MipGenerator(std::uint64_t seed) : random_(seed) {}
 
+  // Every eighth one is a network.
   RandomMip generate() {
+    RandomMip mip = random_.below(8) == 0 ? network() : general();
+    mip.lp.numRows = static_cast<int>(rows_.size());
+    mip.lp.a.clear(mip.lp.numRows);
+    for (int j = 0; j < mip.lp.numCols; ++j) appendColumn(mip, j);
+    return mip;
+  }
+
+ private:
+  RandomMip general() {
     RandomMip mip;
     const int ints = 2 + random_.below(4), conts = random_.below(4), n = ints + conts;
     fractional_ = random_.below(3) == 0;
@@ -67,13 +78,52 @@ class MipGenerator {
     if (random_.below(2)) addPacking(mip, n, ints);
     if (random_.below(2) == 0) addGroups(mip, n);
     mip.lp.numCols = n;
-    mip.lp.numRows = static_cast<int>(rows_.size());
-    mip.lp.a.clear(mip.lp.numRows);
-    for (int j = 0; j < n; ++j) appendColumn(mip, j);
     return mip;
   }
-
- private:
+  // One or two commodities from outside to two nodes, and between these; each leg has a fixed
+  // charge or modules.
+  RandomMip network() {
+    RandomMip mip;
+    const int legs = 3, commodities = 1 + random_.below(2);
+    const int n = legs * (1 + commodities);
+    for (int j = 0; j < n; ++j) {
+      const bool opening = j >= n - legs;
+      mip.kind.push_back(opening || random_.below(12) == 0 ? VarKind::Integer
+                                                           : VarKind::Continuous);
+      mip.lp.colLower.push_back(0);
+      mip.lp.colUpper.push_back(opening ? 1 + (random_.below(3) == 0) : 3);
+      if (mip.kind[j] == VarKind::Continuous && random_.below(2)) mip.lp.colUpper[j] = kInf;
+      mip.lp.cost.push_back(opening ? 1 + random_.below(9) : 0.5 * random_.below(4));
+    }
+    for (int c = 0; c < commodities; ++c)
+      for (int node = 0; node < 2; ++node) {
+        std::vector<double> row(n, 0.0);
+        const double scale = random_.below(3) == 0 ? -2 : 1,
+                     demand = scale * (1 + random_.below(3));
+        for (int leg = 0; leg < legs; ++leg) {
+          if (leg == node) row[c * legs + leg] = scale;
+          if (leg == 2) row[c * legs + leg] = node == 0 ? scale : -scale;
+        }
+        const bool atLeast = random_.below(4) == 0;
+        addRow(mip, row, atLeast && scale < 0 ? -kInf : demand,
+               atLeast && scale > 0 ? kInf : demand);
+      }
+    for (int leg = 0; leg < legs; ++leg) addCapacities(mip, n, legs, leg);
+    mip.lp.numCols = n;
+    return mip;
+  }
+  // Joint, or of each commodity.
+  void addCapacities(RandomMip &mip, int n, int legs, int leg) {
+    const bool joint = random_.below(2);
+    std::vector<double> row(n, 0.0);
+    for (int j = leg; j < n - legs; j += legs) {
+      row[j] = 1;
+      row[n - legs + leg] = -(2.0 + random_.below(9) / 2.0);
+      if (joint && j + legs < n - legs) continue;
+      addRow(mip, row, -kInf, 0);
+      row.assign(n, 0.0);
+    }
+  }
   double coefficient() {
     const double c = 1 + random_.below(9);
     const double value = fractional_ ? c + 0.1 * random_.below(10) : c;
@@ -158,7 +208,7 @@ class MipGenerator {
 TEST(Cuts, AreValidOnRandomModels) {
   const char *wanted = std::getenv("TARVIK_RANDOM_CUTS"),
              *from = std::getenv("TARVIK_RANDOM_FIRST");
-  const int first = from ? std::atoi(from) : 1, count = wanted ? std::atoi(wanted) : 600;
+  const int first = from ? std::atoi(from) : 1, count = wanted ? std::atoi(wanted) : 700;
   std::vector<int> found(families().size(), 0);
   for (int seed = first; seed < first + count; ++seed) {
     const RandomMip mip = MipGenerator(seed).generate();
@@ -277,6 +327,31 @@ TEST(Cuts, FollowAStockThroughThePeriods) {
   const SeparationResult result = separateAndJudge(problem, {makeFlowPathSeparator}, 10, 1);
   EXPECT_NEAR(result.firstBound, 7, 1e-9);
   EXPECT_NEAR(result.lastBound, 9, 1e-9);
+}
+
+// Two commodities from a to b (1 unit each) and c (1 and 2 units), directly or by way of b; each
+// leg takes modules of 4 at a price of 1. What leaves a needs two.
+TEST(Cuts, CutANetworkWithJointCapacities) {
+  LpModel lp = denseLp({0, 0, 0, 0, 0, 0, 1, 1, 1},
+                       {{0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}, {0, 0}},
+                       {{1, 0, -1, 0, 0, 0, 0, 0, 0},
+                        {0, 1, 1, 0, 0, 0, 0, 0, 0},
+                        {0, 0, 0, 1, 0, -1, 0, 0, 0},
+                        {0, 0, 0, 0, 1, 1, 0, 0, 0},
+                        {1, 0, 0, 1, 0, 0, -4, 0, 0},
+                        {0, 1, 0, 0, 1, 0, 0, -4, 0},
+                        {0, 0, 1, 0, 0, 1, 0, 0, -4}},
+                       {{1, 1}, {1, 1}, {1, 1}, {2, 2}, {-kInf, 0}, {-kInf, 0}, {-kInf, 0}});
+  Vec<VarKind> kind(9, VarKind::Continuous);
+  for (int j = 0; j < 9; ++j) lp.colUpper[j] = j < 6 ? kInf : 3;
+  for (int j = 6; j < 9; ++j) kind[j] = VarKind::Integer;
+  const Problem problem = makeProblem(lp, kind);
+  const FlowNetwork network(problem, Domain(problem));
+  EXPECT_EQ(network.numCommodities(), 2);
+  EXPECT_EQ(network.numNodes(), 2);
+  const SeparationResult result = separateAndJudge(problem, {makeNetworkSeparator}, 3, 1);
+  EXPECT_NEAR(result.firstBound, 1.75, 1e-9);
+  EXPECT_NEAR(result.lastBound, 2, 1e-9);
 }
 
 class TextLog : public Log {

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "mip/cliques.h"
+#include "mip/cuts/flow_network.h"
 #include "mip/cuts/row_system.h"
 #include "mip/cuts/variable_bounds.h"
 
@@ -20,6 +21,13 @@ class CutContext {
     if (!bounds_) bounds_ = std::make_unique<VariableBounds>(*point.problem, *point.global);
     return *bounds_;
   }
+  const FlowNetwork &network(const SeparationPoint &point) {
+    if (!network_) {
+      network_ = std::make_unique<FlowNetwork>(*point.problem, *point.global);
+      point.work->charge(10.0 * static_cast<double>(point.problem->rows().numNz()));
+    }
+    return *network_;
+  }
   const CliqueTable &cliques(const SeparationPoint &point) {
     if (point.cliques) return *point.cliques;
     if (!cliques_)
@@ -31,6 +39,7 @@ class CutContext {
   std::unique_ptr<CliqueTable> cliques_;
   std::unique_ptr<RowSystem> rows_;
   std::unique_ptr<VariableBounds> bounds_;
+  std::unique_ptr<FlowNetwork> network_;
 };
 
 }  // namespace tarvik

@@ -11,6 +11,7 @@ void makeSeparators(Vec<std::unique_ptr<Separator>> &separators) {
   separators.push_back(makeGubCoverSeparator(context));
   separators.push_back(makeMixingSeparator(context));
   separators.push_back(makeFlowPathSeparator(context));
+  separators.push_back(makeNetworkSeparator(context));
   separators.push_back(makeMirSeparator(context));
   separators.push_back(makeGomorySeparator(context));
   separators.push_back(makeLiftAndProjectSeparator(context));

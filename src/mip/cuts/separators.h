@@ -22,6 +22,7 @@ std::unique_ptr<Separator> makeFlowPathSeparator(std::shared_ptr<CutContext> con
 std::unique_ptr<Separator> makeImpliedBoundSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeCliqueSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeZeroHalfSeparator(std::shared_ptr<CutContext> context);
+std::unique_ptr<Separator> makeNetworkSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeModKSeparator(std::shared_ptr<CutContext> context);
 
 }  // namespace tarvik
