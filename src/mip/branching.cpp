@@ -32,6 +32,9 @@ void Brancher::fractionalColumns(const Domain &domain, const Vec<double> &x, Vec
   for (const int j : problem_.semis())
     if (problem_.isIntegral(j) && !domain.isFixed(j) && fractionality(x[j]) > tolerance)
       cols.push_back(j);
+}
+
+void Brancher::keepHighestPriority(Vec<int> &cols) const {
   const Vec<int> &priority = problem_.model().branchPriority;
   if (priority.empty() || cols.empty()) return;
   int highest = priority[cols[0]];
@@ -166,6 +169,7 @@ Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink 
       ++probed;
       const Probe down = probe(j, false, x[j], domain, lp, *basis, weights, sink, control);
       const Probe up = probe(j, true, x[j], domain, lp, *basis, weights, sink, control);
+      sink.alive();
       if (down.stopped || up.stopped) {
         best.result = Branching::Stopped;
         return best;
@@ -301,6 +305,7 @@ Branching Brancher::chooseAny(const Domain &domain, const Vec<double> &x) const 
 Branching Brancher::choose(Domain &domain, Relaxation &lp, SolutionSink &sink,
                            SolveControl &control) {
   fractionalColumns(domain, lp.x(), candidates_);
+  keepHighestPriority(candidates_);
   if (!candidates_.empty()) return chooseIntegral(domain, lp, sink, control);
   Branching branching = chooseSemi(domain, lp.x());
   if (branching.result == Branching::None) branching = chooseSos(domain, lp.x());

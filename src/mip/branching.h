@@ -63,6 +63,7 @@ class Brancher {
 
   Branching chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink &sink,
                            SolveControl &control);
+  void keepHighestPriority(Vec<int> &cols) const;
   bool holeIsDecided(const Domain &domain, int col) const;
   Branching chooseSemi(const Domain &domain, const Vec<double> &x) const;
   Branching chooseSos(const Domain &domain, const Vec<double> &x) const;

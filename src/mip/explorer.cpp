@@ -244,6 +244,7 @@ void Explorer::step(const Share &share, Report &report) {
   if (result.stopped) {
     next_ = node;
     report.stopped = true;
+    report.outOfMemory = worker_.lp().status() == LpStatus::MemoryLimit;
     return;
   }
   handle(*node, result, report);

@@ -68,6 +68,7 @@ class Explorer : public SolutionSink {
     bool exhausted = false;  // nothing better than the incumbent is left anywhere
     bool unbounded = false;
     bool stopped = false;             // by a limit; the node was put back
+    bool outOfMemory = false;         // by that limit
     double unsolvedBound = kUserInf;  // the smallest bound of nodes given up
   };
 
@@ -79,6 +80,8 @@ class Explorer : public SolutionSink {
   // Called with every solution that was found; without it they wait for takeFound().
   std::function<void(FoundSolution &&)> onFound;
   Vec<FoundSolution> takeFound();
+  // Called now and then during long work; only on the thread of the search.
+  std::function<void()> onAlive;
 
   Worker &worker() { return worker_; }
   HeuristicSchedule &heuristics() { return heuristics_; }
@@ -113,6 +116,9 @@ class Explorer : public SolutionSink {
   double cutoff() const override { return cutoff_; }
   bool wantsSeveral() const override { return pool_.inUse(); }
   bool knows(const Vec<double> &x) const override { return pool_.has(x); }
+  void alive() override {
+    if (onAlive) onAlive();
+  }
 
  private:
   void lowerCutoff();

@@ -38,14 +38,19 @@ MipSearch::MipSearch(const Problem &problem, const MipOptions &options, SolveCon
   const int count = std::max(options_.threads, 1);
   explorers_.push_back(
       std::make_unique<Explorer>(problem, options_, control, user, root_, 0, count, [this] {
+        alive();
+        // Side by side with others nothing but its own limits may stop it.
+        if (roundState_) return control_.limits.pollNow(control_.work, 0) == StopReason::None;
         mipCheckTermination();
         return status_ == MipStatus::Running;
       }));
+  main().onAlive = [this] { alive(); };
   main().onFound = [this](FoundSolution &&found) { take(std::move(found)); };
   lowerCutoff();
 }
 
 SearchState MipSearch::state() {
+  if (roundState_) return *roundState_;
   SearchState state;
   state.explored = explored_;
   state.unexplored = unexplored();
@@ -54,6 +59,18 @@ SearchState MipSearch::state() {
   state.iterations = iterations();
   state.rootIterations = rootIterations_;
   return state;
+}
+
+void MipSearch::alive() {
+  if (options_.subMip) {
+    if (onNode) onNode(*this);
+    return;
+  }
+  if (!log_.due()) return;
+  if (!log_.tableBegun()) return log_.nodeLogElapsed(nullptr);
+  const int unknown = (std::min(problem_.numRows(), problem_.numIntegral()) + 1) / 2;
+  log_.nodeLogProgressLine(state(), queue_,
+                           lastInfeasibilities_ < kUnknownCount ? lastInfeasibilities_ : unknown);
 }
 
 double MipSearch::unexplored() const {
@@ -275,8 +292,6 @@ bool MipSearch::canGoOn(const MipOptions &options) const {
                            o.poolSearchMode, o.poolSolutions, o.presolve.level, o.presolveMip);
   };
   if (!rootDone_ || infeasible_ || structure(options) != structure(options_)) return false;
-  // Ids of cuts tell the explorers apart.
-  if (options.threads != options_.threads && worker().treeSeparation()) return false;
   // Images of what the tree looks for may be gone.
   if (options.symmetry == 0 && symmetries_) return false;
   const double wanted = searchCutoff(options, problem_, incumbentObjective_, pool_);
@@ -304,6 +319,9 @@ void MipSearch::dismissSideExplorers() {
     Explorer &explorer = *explorers_[k];
     firstNodeId_ = std::max(firstNodeId_, explorer.lastNodeId());
     dismissedIterations_ += explorer.iterations();
+    if (const TreeSeparation *tree = explorer.worker().treeSeparation())
+      for (int f = 0; f < kCutFamilies; ++f)
+        cutCounters_[f] += tree->count(static_cast<CutFamily>(f));
     // A fresh copy: the queue may still know the node itself as one that was taken.
     if (explorer.hasNode()) {
       auto node = std::allocate_shared<Node>(AccountAllocator<Node>(), *explorer.takeNode());

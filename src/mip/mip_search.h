@@ -10,6 +10,7 @@
 
 #include <array>
 #include <functional>
+#include <optional>
 
 #include "mip/cuts/cut.h"
 #include "mip/cuts/separators.h"
@@ -116,6 +117,7 @@ class MipSearch {
   void dismissSideExplorers();
   void checkSoftLimits();
   SearchState state();
+  void alive();
   Explorer::Share share();
   HeuristicContext heuristicContext() { return main().heuristicContext(share()); }
 
@@ -142,6 +144,8 @@ class MipSearch {
   ImplicationTable implications_;
   SolutionPool pool_;
   bool completing_ = false;  // the optimum is proven, the pool is being filled
+  // While explorers run side by side: what was known when they started.
+  std::optional<SearchState> roundState_;
   Vec<std::unique_ptr<Separator>> separators_;
   std::unique_ptr<SymmetryGroup> symmetries_;
   bool symmetriesSought_ = false;
@@ -157,13 +161,13 @@ class MipSearch {
   double rootBound_ = -kUserInf, rootIterations_ = 0;
   double unsolvedBound_ = kUserInf;  // the smallest bound of nodes given up
   CutCounters cutCounters_{};
-  int nextCutId_ = 0;
-  Vec<std::unique_ptr<int>> sideCutIds_;  // of the side explorers
-  double dismissedIterations_ = 0;        // of explorers that are gone
-  std::int64_t firstNodeId_ = 0;          // of the explorers
+  CutId nextCutId_ = 0;             // of the root
+  int sideExplorers_ = 0;           // made so far
+  double dismissedIterations_ = 0;  // of explorers that are gone
+  std::int64_t firstNodeId_ = 0;    // of the explorers
   std::int64_t picks_ = 0;
   bool inherited_ = false;  // from the search before the restart
-  int maxDepth_ = 0, lastInfeasibilities_ = 0;
+  int maxDepth_ = 0, lastInfeasibilities_ = kUnknownCount;
   double startWork_ = 0;
 };
 

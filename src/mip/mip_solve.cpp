@@ -168,7 +168,7 @@ void MipSolve::openSearch() {
   MipModel reduced(lastPresolve().reduced());
   findNetwork(reduced);
   auto problem = std::make_unique<Problem>(std::move(reduced), options_.tolerances);
-  if (!options_.subMip && problem->numCols() > 0) {
+  if (!options_.subMip && !search_ && problem->numCols() > 0) {
     int binary = 0;
     for (int j = 0; j < problem->numCols(); ++j) binary += problem->isBinary(j);
     control_.log->print("Variable types: %d continuous, %d integer (%d binary)\n",

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "mip/gap_rules.h"
+#include "mip/node_queue.h"
 
 namespace tarvik {
 
@@ -116,14 +117,14 @@ void NodeLog::line(const SearchState &state, const char *objective, int depth,
                       incumbentField(options_, state.incumbent, 10).text,
                       boundField(options_, state.bound).text, gapField(state).text,
                       perNodeField(state, "-").text, timeField(control_.limits.seconds()).text);
+  linePrinted_ = true;
   printed();
 }
 
 void NodeLog::nodeLogLine(const SearchState &state, NodeOutcome outcome, double objective,
                           int depth, int infeasibilities) {
   if (options_.subMip || !control_.log->enabled()) return;
-  const bool first = state.explored <= 1 && !headerPrinted_;
-  if (!first && !due()) return;
+  if (linePrinted_ && !due()) return;
   const char *text = nullptr;
   switch (outcome) {
     case NodeOutcome::Solved:
@@ -178,6 +179,27 @@ void NodeLog::nodeLogHeuristicLine(const SearchState &state) {
                       boundField(options_, state.bound).text, gapField(state).text,
                       perNodeField(state, " -").text, timeField(control_.limits.seconds()).text);
   printed();
+}
+
+void NodeLog::takeSamples(const NodeQueue &queue) {
+  samples_.clear();
+  for (const Node *node : queue.someNodes(kMostSamples))
+    samples_.push_back({node->depth, node->bound});
+}
+
+void NodeLog::nodeLogProgressLine(const SearchState &state, const NodeQueue &queue,
+                                  int infeasibilities) {
+  if (!due()) return;
+  if (state.unexplored > static_cast<double>(samples_.size())) takeSamples(queue);
+  Sample shown{9, state.bound};
+  if (!samples_.empty()) {
+    shown = samples_[static_cast<std::size_t>(
+        std::fmod(state.explored, static_cast<double>(samples_.size())))];
+    shown.objective = std::min(std::max(shown.objective, state.bound), state.incumbent);
+  }
+  char count[16];
+  std::snprintf(count, sizeof count, "%3d", infeasibilities);
+  line(state, formatField(options_.objSense * shown.objective, 10).text, shown.depth, count);
 }
 
 void NodeLog::nodeLogElapsed(const char *phase) {

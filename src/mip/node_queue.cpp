@@ -55,6 +55,15 @@ std::shared_ptr<Node> NodeQueue::take(Heap &heap, bool byBound) {
 std::shared_ptr<Node> NodeQueue::takeBestBound() { return take(byBound_, true); }
 std::shared_ptr<Node> NodeQueue::takeBestEstimate() { return take(byEstimate_, false); }
 
+Vec<const Node *> NodeQueue::someNodes(int most) const {
+  Vec<const Node *> nodes;
+  for (const std::shared_ptr<Node> &node : byBound_) {
+    if (static_cast<int>(nodes.size()) == most) break;
+    if (!node->taken) nodes.push_back(node.get());
+  }
+  return nodes;
+}
+
 void NodeQueue::prune(double cutoff) {
   for (Heap *heap : {&byBound_, &byEstimate_}) {
     heap->erase(

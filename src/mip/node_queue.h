@@ -48,6 +48,8 @@ class NodeQueue {
   double bestBound();
   std::shared_ptr<Node> takeBestBound();
   std::shared_ptr<Node> takeBestEstimate();
+  // Up to so many open nodes, the same ones for the same history.
+  Vec<const Node *> someNodes(int most) const;
   // Removes the nodes with bounds at or above the cutoff.
   void prune(double cutoff);
 

@@ -73,7 +73,7 @@ const LpSolution &Relaxation::solution() const {
   return solution_;
 }
 
-void Relaxation::addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<int> &ids) {
+void Relaxation::addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<CutId> &ids) {
   Vec<NzIndex> start{0};
   Vec<int> index;
   Vec<double> value, lower, upper;
@@ -92,7 +92,7 @@ void Relaxation::addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<
 
 void Relaxation::copyCuts(const Relaxation &other) {
   Vec<std::shared_ptr<const Cut>> cuts;
-  Vec<int> ids;
+  Vec<CutId> ids;
   for (const Active &active : other.cuts_) {
     cuts.push_back(active.cut);
     ids.push_back(active.id);

@@ -9,10 +9,13 @@
 
 namespace tarvik {
 
+// Tells cuts apart within one search; an explorer's later cuts have larger ones.
+using CutId = std::int64_t;
+
 // A basis shared by the nodes that begin with it.
 struct NodeBasis {
-  Basis basis;      // rows: the problem's rows, then the cuts active at that time
-  Vec<int> cutIds;  // of those cuts
+  Basis basis;        // rows: the problem's rows, then the cuts active at that time
+  Vec<CutId> cutIds;  // of those cuts
 };
 
 class Relaxation {
@@ -41,8 +44,8 @@ class Relaxation {
   int numCuts() const { return static_cast<int>(cuts_.size()); }
   int numRows() const { return problem_->numRows() + numCuts(); }
   const Cut &cut(int k) const { return *cuts_[k].cut; }
-  int cutId(int k) const { return cuts_[k].id; }
-  void addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<int> &ids);
+  CutId cutId(int k) const { return cuts_[k].id; }
+  void addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<CutId> &ids);
   // The cuts of another relaxation of the problem, under the same ids.
   void copyCuts(const Relaxation &other);
   // Deletes cuts whose logical has been basic in `age` successive optimal solves.
@@ -60,7 +63,7 @@ class Relaxation {
  private:
   struct Active {
     std::shared_ptr<const Cut> cut;
-    int id;
+    CutId id;
     int age = 0;
   };
 

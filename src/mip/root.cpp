@@ -233,7 +233,7 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
   CutFilter filter;
   filter.limit = std::max(100, std::min(2000, problem_.numRows() + problem_.numCols() / 2));
   Vec<std::shared_ptr<const Cut>> chosen;
-  Vec<int> ids;
+  Vec<CutId> ids;
   for (const int k : chooseCuts(cuts, problem_, lp.x(), filter)) {
     ++cutCounters_[static_cast<int>(cuts[k].family)];
     chosen.push_back(std::allocate_shared<Cut>(AccountAllocator<Cut>(), std::move(cuts[k])));

@@ -14,6 +14,8 @@ constexpr int kEstimateEvery = 10;
 // Counted units of a share, and of one while some explorers have nothing to do.
 constexpr double kShareWork = 2e7;
 constexpr double kShortShareWork = 2e6;
+// Ids of an explorer's cuts begin at a multiple of this.
+constexpr CutId kCutIdStep = CutId{1} << 40;
 
 }  // namespace
 
@@ -46,10 +48,9 @@ void MipSearch::employAll() {
     if (symmetries_) explorer->worker().useSymmetry(*symmetries_);
     if (worker().treeSeparation()) {
       // Ids of their own, far enough apart.
-      int &nextId = *sideCutIds_.emplace_back(std::make_unique<int>(nextCutId_));
-      nextId += kMaxInt / count / 2 * static_cast<int>(explorers_.size());
       explorer->worker().separateInTree(
-          implications_, [this](CutFamily family) { return levelOf(family); }, nextId);
+          implications_, [this](CutFamily family) { return levelOf(family); },
+          ++sideExplorers_ * kCutIdStep);
     }
     explorer->learnIncumbent(incumbentObjective_, incumbent_);
     explorer->learnPool(pool_);
@@ -80,6 +81,7 @@ bool MipSearch::giveNodes() {
 void MipSearch::exploreSide(const Explorer::Share &share) {
   const PseudoCosts before(worker().pseudoCosts());
   const double work = control_.work.counted();
+  roundState_ = state();
   Vec<Thread> threads;
   for (std::size_t k = 1; k < explorers_.size(); ++k) {
     Explorer &explorer = *explorers_[k];
@@ -94,6 +96,7 @@ void MipSearch::exploreSide(const Explorer::Share &share) {
   }
   main().explore(share, reports_[0]);
   for (Thread &thread : threads) thread.join();
+  roundState_.reset();
   for (std::size_t k = 1; k < explorers_.size(); ++k) {
     control_.work.charge(sideControls_[k - 1]->work.counted() - work);
     worker().pseudoCosts().addObserved(before, explorers_[k]->worker().pseudoCosts());
@@ -153,10 +156,11 @@ void MipSearch::treeSearch() {
       exploreSide(round);
       main().onFound = listener;
     }
-    bool stopped = false, exhausted = false;
+    bool stopped = false, exhausted = false, memory = false;
     for (std::size_t k = 0; k < explorers_.size(); ++k) {
       collect(*explorers_[k], reports_[k]);
       stopped = stopped || reports_[k].stopped;
+      memory = memory || reports_[k].outOfMemory;
       exhausted = exhausted || reports_[k].exhausted;
     }
     main().learnIncumbent(incumbentObjective_, incumbent_);
@@ -166,9 +170,10 @@ void MipSearch::treeSearch() {
         log_.nodeLogLine(state(), node.outcome, node.objective, node.depth, node.fractional);
     if (exhausted) nothingLeft();
     if (!stopped) continue;
-    // The limit is found by the check, or by a later call.
+    // The limit is found by the check, or by a later call; memory may have been freed again.
     mipCheckTermination();
-    if (status_ == MipStatus::Running) status_ = MipStatus::Interrupted;
+    if (status_ == MipStatus::Running)
+      status_ = memory ? MipStatus::MemoryLimit : MipStatus::Interrupted;
   }
 }
 

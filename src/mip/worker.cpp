@@ -41,9 +41,9 @@ void Worker::returnToRoot() {
 }
 
 void Worker::separateInTree(const ImplicationTable &implications,
-                            const std::function<int(CutFamily)> &levelOf, int &nextCutId) {
+                            const std::function<int(CutFamily)> &levelOf, CutId firstCutId) {
   treeSeparation_ = std::make_unique<TreeSeparation>(problem_, domain_, implications, levelOf);
-  nextCutId_ = &nextCutId;
+  nextCutId_ = firstCutId;
 }
 
 void Worker::useSymmetry(const SymmetryGroup &group) {
@@ -230,7 +230,7 @@ NodeResult Worker::process(Node &node) {
     brancher_.fractionalColumns(domain_, lp_.x(), fractional);
     result.fractional = static_cast<int>(fractional.size());
     if (separates && !fractional.empty() &&
-        treeSeparation_->round(lp_, control_.work, *nextCutId_) > 0)
+        treeSeparation_->round(lp_, control_.work, nextCutId_) > 0)
       continue;
     result.branching = brancher_.choose(domain_, lp_, sink_, control_);
     switch (result.branching.result) {

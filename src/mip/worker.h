@@ -38,10 +38,10 @@ class Worker {
   // What it has learned from conflicts; null: it does not.
   ConflictStore *conflicts() { return conflicts_ ? &conflicts_->store() : nullptr; }
 
-  // From now on nodes get cuts. The domain is at level 0; the tables and `nextCutId` outlive the
-  // worker.
+  // From now on nodes get cuts, with ids from the given one on. The domain is at level 0; the
+  // table outlives the worker.
   void separateInTree(const ImplicationTable &implications,
-                      const std::function<int(CutFamily)> &levelOf, int &nextCutId);
+                      const std::function<int(CutFamily)> &levelOf, CutId firstCutId);
   const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
 
   // From now on bounds are tightened by symmetry; the group outlives the worker.
@@ -82,7 +82,7 @@ class Worker {
   std::unique_ptr<ConflictAnalysis> conflicts_;
   std::optional<OrbitalFixing> orbitalFixing_;
   std::unique_ptr<TreeSeparation> treeSeparation_;
-  int *nextCutId_ = nullptr;
+  CutId nextCutId_ = 0;
   std::shared_ptr<const NodePath> path_;
   Vec<std::shared_ptr<const NodePath>> chain_;  // the decisions in force, root first
 };

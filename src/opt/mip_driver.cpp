@@ -63,6 +63,7 @@ bool isLimit(MipStatus status) {
     case MipStatus::Interrupted:
     case MipStatus::UserObjectiveLimit:
     case MipStatus::WorkLimit:
+    case MipStatus::MemoryLimit:
     case MipStatus::SoftLimit:
       return true;
     default:

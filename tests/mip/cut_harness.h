@@ -127,7 +127,7 @@ inline SeparationResult separateAndJudge(const Problem &problem,
     Vec<Cut> cuts;
     for (const auto &separator : separators) separator->separate(point, level, cuts);
     Vec<std::shared_ptr<const Cut>> added;
-    Vec<int> ids;
+    Vec<CutId> ids;
     for (const Cut &cut : cuts) {
       EXPECT_GT(efficacy(cut, x), 1e-5) << describe(cut);
       if (truth.feasibleAssignments() > 0) {

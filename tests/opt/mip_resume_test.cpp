@@ -101,19 +101,41 @@ TEST_F(Resume, StepsLeadToWhereOneCallLeads) {
   EXPECT_FALSE(wentOn());
 }
 
-TEST_F(Resume, OtherNumbersOfThreadsTakeOver) {
+TEST_F(Resume, MemoryThatRunsOutKeepsTheTree) {
   ASSERT_EQ(solve(model_), TVK_OPTIMAL);
   other_ = make();
-  const char *threads[] = {"2", "1", "3"};
-  for (int k = 0; k < 3; ++k) {
-    set(other_, "Threads", threads[k]);
-    set(other_, "NodeLimit", std::to_string(40 * (k + 1)).c_str());
-    ASSERT_EQ(solve(other_), TVK_NODE_LIMIT);
-    EXPECT_EQ(wentOn(), k > 0);
-  }
+  set(other_, "NodeLimit", "60");
+  ASSERT_EQ(solve(other_), TVK_NODE_LIMIT);
   set(other_, "NodeLimit", "1e100");
+  set(other_, "SoftMemLimit", "1e-6");
+  ASSERT_EQ(solve(other_), TVK_MEM_LIMIT);
+  EXPECT_TRUE(wentOn());
+  EXPECT_TRUE(env_.logged("Memory limit reached\n"));
+  set(other_, "SoftMemLimit", "1e100");
   ASSERT_EQ(solve(other_), TVK_OPTIMAL);
-  EXPECT_NEAR(attr(other_, "ObjVal"), attr(model_, "ObjVal"), 1e-6);
+  EXPECT_TRUE(wentOn());
+  EXPECT_EQ(attr(other_, "NodeCount"), attr(model_, "NodeCount"));
+  EXPECT_EQ(attr(other_, "ObjVal"), attr(model_, "ObjVal"));
+}
+
+TEST_F(Resume, OtherNumbersOfThreadsTakeOver) {
+  ASSERT_EQ(solve(model_), TVK_OPTIMAL);
+  // With cuts in the tree, too.
+  for (const char *cuts : {"0", "2"}) {
+    TVKfreemodel(other_);
+    other_ = make();
+    set(other_, "Cuts", cuts);
+    const char *threads[] = {"2", "1", "3"};
+    for (int k = 0; k < 3; ++k) {
+      set(other_, "Threads", threads[k]);
+      set(other_, "NodeLimit", std::to_string(40 * (k + 1)).c_str());
+      ASSERT_EQ(solve(other_), TVK_NODE_LIMIT);
+      EXPECT_EQ(wentOn(), k > 0);
+    }
+    set(other_, "NodeLimit", "1e100");
+    ASSERT_EQ(solve(other_), TVK_OPTIMAL);
+    EXPECT_NEAR(attr(other_, "ObjVal"), attr(model_, "ObjVal"), 1e-6);
+  }
 }
 
 TEST_F(Resume, ChangedModelsAndWiderQuestionsBeginAnew) {

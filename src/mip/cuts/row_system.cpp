@@ -31,7 +31,7 @@ RowSystem::RowSystem(const SeparationPoint &point)
 
 bool RowSystem::describes(const SeparationPoint &point) const {
   const int cuts = point.lp->numCuts();
-  const int lastId = cuts > 0 ? point.lp->cutId(cuts - 1) : -1;
+  const CutId lastId = cuts > 0 ? point.lp->cutId(cuts - 1) : -1;
   return point.problem == problem_ && point.lp->numRows() == numRows() && lastId == lastCutId_ &&
          *point.x == x_;
 }

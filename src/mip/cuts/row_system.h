@@ -42,7 +42,7 @@ class RowSystem {
   Vec<double> x_;
   Vec<SlackInfo> slack_;
   Vec<double> norm_;
-  int lastCutId_ = -1;
+  CutId lastCutId_ = -1;
 };
 
 // sum coef * variable = rhs. Slacks with a step count in steps, so that they are integral.

@@ -40,7 +40,7 @@ bool TreeSeparation::begins(int depth, const WorkMeter &work) {
   return spent_ <= kFirstWork + share * (work.counted() - start_);
 }
 
-int TreeSeparation::round(Relaxation &lp, WorkMeter &work, int &nextCutId) {
+int TreeSeparation::round(Relaxation &lp, WorkMeter &work, CutId &nextCutId) {
   const double objective = lp.objective();
   if (rounds_ == 0) {
     ++nodes_;
@@ -66,7 +66,7 @@ int TreeSeparation::round(Relaxation &lp, WorkMeter &work, int &nextCutId) {
   CutFilter filter;
   filter.limit = kMostCuts;
   Vec<std::shared_ptr<const Cut>> chosen;
-  Vec<int> ids;
+  Vec<CutId> ids;
   for (const int k : chooseCuts(cuts, *problem_, x, filter)) {
     ++counts_[static_cast<int>(cuts[k].family)];
     chosen.push_back(std::allocate_shared<Cut>(AccountAllocator<Cut>(), std::move(cuts[k])));

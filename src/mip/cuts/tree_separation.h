@@ -20,7 +20,7 @@ class TreeSeparation {
   bool begins(int depth, const WorkMeter &work);
   // One round at the optimum of the relaxation. The number of cuts that were added to it; then the
   // relaxation is to be solved again.
-  int round(Relaxation &lp, WorkMeter &work, int &nextCutId);
+  int round(Relaxation &lp, WorkMeter &work, CutId &nextCutId);
 
   // Cuts added so far.
   int count(CutFamily family) const { return counts_[static_cast<int>(family)]; }

@@ -50,6 +50,8 @@ class SolutionSink {
   // A search for several solutions goes on below nodes whose point is feasible.
   virtual bool wantsSeveral() const { return false; }
   virtual bool knows(const Vec<double> &) const { return false; }
+  // To be called now and then during long work, for what has to happen by the way.
+  virtual void alive() {}
   bool hasPoint() const { return !incumbent().empty(); }
 };
 

@@ -40,6 +40,7 @@ SubMip::SubMip(HeuristicContext &context, SolutionSource source)
     Vec<double> x(solution.x.begin(), solution.x.begin() + context_.problem->numCols());
     accepted_ += context_.sink->submit(x, source);
   };
+  onNode = [this](const MipSearch &) { context_.sink->alive(); };
 }
 
 void SubMip::fix(int col, double value) {

@@ -23,7 +23,7 @@ class SubMip {
   // problem has, go to the sink.
   std::function<void(const MipSolution &)> onSolution;
 
-  // Called after every node.
+  // Called after every node; by default the sink is told that work goes on.
   std::function<void(const MipSearch &)> onNode;
 
   const MipOutcome &run();
