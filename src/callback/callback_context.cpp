@@ -11,6 +11,9 @@ namespace tarvik {
 
 namespace {
 
+// Polling does not come more often.
+constexpr double kPollingSeconds = 0.001;
+
 CallbackContext &contextOf(void *context) { return *static_cast<CallbackContext *>(context); }
 
 void deliverMessage(void *slot, Env &, const char *text) {
@@ -92,6 +95,11 @@ void setUserCallback(Env &env, TVKcallback callback, void *userData) {
 
 bool invokeCallback(CallbackContext &context, int where) {
   if (!context.function || context.abortCode != 0) return context.abortCode == 0;
+  // A callback from within what a callback has called would see a state of its own.
+  if (context.where != CallbackContext::kNowhere) return true;
+  if (where == TVK_CB_POLLING && wallSeconds() - context.lastCall < kPollingSeconds) return true;
+  if (context.control && where != TVK_CB_MESSAGE)
+    context.progressTime = context.control->limits.seconds();
   const ErrorKeeper keeper(*context.env);
   Model *model = context.model;
   const double begin = wallSeconds();
@@ -101,7 +109,8 @@ bool invokeCallback(CallbackContext &context, int where) {
   if (model) model->insideCallback = false;
   context.where = CallbackContext::kNowhere;
   ++context.calls;
-  context.seconds += wallSeconds() - begin;
+  context.lastCall = wallSeconds();
+  context.seconds += context.lastCall - begin;
   if (answer == 0 || !model) return true;
   context.abortCode = answer;
   model->env().requestTermination();

@@ -7,7 +7,7 @@ CallbackRun::CallbackRun(Model &model) : model_(model), context_(callbackContext
   context_->model = static_cast<TVKmodel *>(&model);
   context_->objSense = model.data().objSense;
   context_->abortCode = 0;
-  context_->calls = context_->seconds = 0;
+  context_->calls = context_->seconds = context_->progressTime = 0;
 }
 
 CallbackRun::~CallbackRun() {
@@ -15,11 +15,11 @@ CallbackRun::~CallbackRun() {
   context_->model = nullptr;
 }
 
-CallbackRun::Attachment::Attachment(CallbackRun &run, SolveControl &control, bool isMip)
+CallbackRun::Attachment::Attachment(CallbackRun &run, SolveControl &control)
     : context_(run.context_) {
   if (!context_) return;
   context_->control = &control;
-  if (context_->function && !isMip) control.progress = &run;
+  if (context_->function) control.progress = &run;
 }
 
 CallbackRun::Attachment::~Attachment() {

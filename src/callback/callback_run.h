@@ -13,10 +13,10 @@ class CallbackRun : public Progress {
   CallbackRun(const CallbackRun &) = delete;
   CallbackRun &operator=(const CallbackRun &) = delete;
 
-  // While it lives, times and work are known and linear models report their progress.
+  // While it lives, times and work are known and progress is reported.
   class Attachment {
    public:
-    Attachment(CallbackRun &run, SolveControl &control, bool isMip);
+    Attachment(CallbackRun &run, SolveControl &control);
     ~Attachment();
     Attachment(const Attachment &) = delete;
     Attachment &operator=(const Attachment &) = delete;

@@ -73,17 +73,20 @@ bool Explorer::accept(const Vec<double> &point, SolutionSource source) {
   if (found.objective >= cutoff_ || problem_.violation(point) > problem_.tolerances().primal)
     return false;
   if (!user_.map(point, found.userPoint, found.objective, control_)) return false;
-  if (pool_.inUse() ? !pool_.add(point, found.objective) : found.objective >= incumbentObjective_)
-    return false;
+  const double objective = found.objective;
+  if (!pool_.inUse() && objective >= incumbentObjective_) return false;
   found.x = point;
   found.source = source;
   found.depth = worker_.domain().level();
-  learnIncumbent(found.objective, point);
-  lowerCutoff();
-  if (onFound)
-    onFound(std::move(found));
-  else
+  if (onFound) {
+    if (!onFound(std::move(found))) return false;
+    pool_.add(point, objective);
+  } else {
+    if (pool_.inUse() && !pool_.add(point, objective)) return false;
     found_.push_back(std::move(found));
+  }
+  learnIncumbent(objective, point);
+  lowerCutoff();
   return true;
 }
 
@@ -240,7 +243,7 @@ void Explorer::takeUp(Report &report) {
 void Explorer::step(const Share &share, Report &report) {
   const std::shared_ptr<Node> node = takeNode();
   if (node->bound >= cutoff_) return;
-  const NodeResult result = worker_.process(*node);
+  NodeResult result = worker_.process(*node);
   if (result.stopped) {
     next_ = node;
     report.stopped = true;
@@ -248,7 +251,8 @@ void Explorer::step(const Share &share, Report &report) {
     return;
   }
   handle(*node, result, report);
-  report.processed.push_back({result.outcome, result.objective, node->depth, result.fractional});
+  report.processed.push_back({result.outcome, result.objective, node->depth, result.fractional,
+                              result.unsolved, std::move(result.x)});
   Share now = share;
   now.explored += static_cast<double>(report.processed.size());
   if (result.outcome == NodeOutcome::Solved && runHeuristics(*node, now)) report.exhausted = true;

@@ -23,6 +23,8 @@ class UserSpace {
   virtual bool map(const Vec<double> &x, Vec<double> &userPoint, double &objective,
                    SolveControl &control) = 0;
   virtual void keep(Vec<double> &&userPoint, double objective) = 0;
+  // Any point taken back, without a check.
+  virtual Vec<double> pointOf(const Vec<double> &x) const = 0;
 };
 
 struct FoundSolution {
@@ -59,6 +61,8 @@ class Explorer : public SolutionSink {
     NodeOutcome outcome;
     double objective;
     int depth, fractional;
+    bool unsolved = false;
+    Vec<double> x;  // where points are kept
   };
   // What it has to tell afterwards.
   struct Report {
@@ -77,8 +81,9 @@ class Explorer : public SolutionSink {
            UserSpace &user, const RootPoint &root, int index, int count,
            std::function<bool()> goesOn);
 
-  // Called with every solution that was found; without it they wait for takeFound().
-  std::function<void(FoundSolution &&)> onFound;
+  // Called with every solution that was found, false refuses it; without it they wait for
+  // takeFound().
+  std::function<bool(FoundSolution &&)> onFound;
   Vec<FoundSolution> takeFound();
   // Called now and then during long work; only on the thread of the search.
   std::function<void()> onAlive;

@@ -39,13 +39,14 @@ MipSearch::MipSearch(const Problem &problem, const MipOptions &options, SolveCon
   explorers_.push_back(
       std::make_unique<Explorer>(problem, options_, control, user, root_, 0, count, [this] {
         alive();
+        if (observer && !options_.subMip) observer->onProgress(progress());
         // Side by side with others nothing but its own limits may stop it.
         if (roundState_) return control_.limits.pollNow(control_.work, 0) == StopReason::None;
         mipCheckTermination();
         return status_ == MipStatus::Running;
       }));
   main().onAlive = [this] { alive(); };
-  main().onFound = [this](FoundSolution &&found) { take(std::move(found)); };
+  main().onFound = [this](FoundSolution &&found) { return take(std::move(found)); };
   lowerCutoff();
 }
 
@@ -61,11 +62,74 @@ SearchState MipSearch::state() {
   return state;
 }
 
+MipProgress MipSearch::progress() {
+  const SearchState now = state();
+  MipProgress progress;
+  progress.incumbent = incumbentObjective_;
+  progress.bound = now.bound;
+  progress.explored = now.explored;
+  progress.unexplored = now.unexplored;
+  progress.iterations = now.iterations;
+  progress.solutions = solutionCount_;
+  if (!roundState_) {
+    cutsTold_ = 0;
+    for (const int count : cutCounters()) cutsTold_ += count;
+  }
+  progress.cuts = cutsTold_;
+  progress.depth = maxDepth_;
+  progress.workers = static_cast<int>(explorers_.size());
+  if (completing_)
+    progress.phase = MipPhase::CompletingPool;
+  else if (options_.focus == kImproveFocus)
+    progress.phase = MipPhase::Improving;
+  progress.nodeBound = lastNodeBound_;
+  if (lastInfeasibilities_ < kUnknownCount) progress.infeasibilities = lastInfeasibilities_;
+  return progress;
+}
+
+// --- what is told ---
+
+Vec<double> ObservedNode::userPoint() const { return space->pointOf(*x); }
+
+void MipSearch::observeRoot() {
+  lastNodeBound_ = root_.objective;
+  if (!observer) return;
+  observer->onProgress(progress());
+  if (!observer->wantsNodes()) return;
+  ObservedNode node;
+  node.bound = root_.objective;
+  node.x = &root_.x;
+  node.space = &user_;
+  observer->onNode(progress(), node);
+}
+
+void MipSearch::observe(const Explorer::Processed &processed) {
+  lastInfeasibilities_ = processed.fractional;
+  lastNodeBound_ = processed.objective;
+  if (!observer) return;
+  observer->onProgress(progress());
+  if (!observer->wantsNodes()) return;
+  ObservedNode node;
+  if (processed.unsolved)
+    node.status = ObservedNode::Unsolved;
+  else if (processed.outcome == NodeOutcome::Infeasible)
+    node.status = ObservedNode::Infeasible;
+  else if (processed.outcome == NodeOutcome::Cutoff)
+    node.status = ObservedNode::Cutoff;
+  else if (processed.outcome == NodeOutcome::Unbounded)
+    node.status = ObservedNode::Unbounded;
+  node.bound = processed.objective;
+  if (node.status == ObservedNode::Optimal && !processed.x.empty()) node.x = &processed.x;
+  node.space = &user_;
+  observer->onNode(progress(), node);
+}
+
 void MipSearch::alive() {
   if (options_.subMip) {
-    if (onNode) onNode(*this);
+    if (observer) observer->onProgress(progress());
     return;
   }
+  if (observer) observer->onPolling();
   if (!log_.due()) return;
   if (!log_.tableBegun()) return log_.nodeLogElapsed(nullptr);
   const int unknown = (std::min(problem_.numRows(), problem_.numIntegral()) + 1) / 2;
@@ -131,9 +195,13 @@ void MipSearch::knowSolution(double objective, const Vec<double> &image) {
   lowerCutoff();
 }
 
-void MipSearch::take(FoundSolution &&found) {
+bool MipSearch::take(FoundSolution &&found) {
   const bool improves = found.objective < incumbentObjective_;
-  if (pool_.inUse() ? !pool_.add(found.x, found.objective) : !improves) return;
+  if (!pool_.inUse() && !improves) return false;
+  if (observer && (improves || observer->mayRefuse()) &&
+      !observer->onSolution(progress(), found.userPoint, found.objective) && observer->mayRefuse())
+    return false;
+  if (pool_.inUse() && !pool_.add(found.x, found.objective)) return false;
   user_.keep(std::move(found.userPoint), found.objective);
   ++solutionCount_;
   if (improves) {
@@ -142,11 +210,12 @@ void MipSearch::take(FoundSolution &&found) {
   }
   lowerCutoff();
   queue_.prune(cutoff_);
-  if (!improves) return;
+  if (!improves) return true;
   if (found.source == SolutionSource::Node)
     log_.nodeLogIncumbentLine(state(), found.depth);
   else
     log_.nodeLogHeuristicLine(state());
+  return true;
 }
 
 // --- termination ---

@@ -16,6 +16,7 @@
 #include "mip/cuts/separators.h"
 #include "mip/explorer.h"
 #include "mip/implications.h"
+#include "mip/mip_observer.h"
 #include "mip/node_log.h"
 
 namespace tarvik {
@@ -66,8 +67,7 @@ class MipSearch {
   // ask for was cut off so far.
   bool canGoOn(const MipOptions &options) const;
   MipStatus goOn(const MipOptions &options);
-  // Called after every node.
-  std::function<void(const MipSearch &)> onNode;
+  MipObserver *observer = nullptr;
 
   bool hasIncumbent() const { return incumbentObjective_ < kUserInf; }
   double incumbentObjective() const { return incumbentObjective_; }
@@ -103,7 +103,7 @@ class MipSearch {
   Explorer &main() { return *explorers_.front(); }
   Worker &worker() { return main().worker(); }
   const Worker &worker() const { return explorers_.front()->worker(); }
-  void take(FoundSolution &&found);
+  bool take(FoundSolution &&found);
   void mipCheckTermination();
   MipStatus terminationStatus();
   void provenInfeasible();
@@ -117,7 +117,10 @@ class MipSearch {
   void dismissSideExplorers();
   void checkSoftLimits();
   SearchState state();
+  MipProgress progress();
   void alive();
+  void observeRoot();
+  void observe(const Explorer::Processed &node);
   Explorer::Share share();
   HeuristicContext heuristicContext() { return main().heuristicContext(share()); }
 
@@ -146,6 +149,8 @@ class MipSearch {
   bool completing_ = false;  // the optimum is proven, the pool is being filled
   // While explorers run side by side: what was known when they started.
   std::optional<SearchState> roundState_;
+  int cutsTold_ = 0;
+  double lastNodeBound_ = -kUserInf;
   Vec<std::unique_ptr<Separator>> separators_;
   std::unique_ptr<SymmetryGroup> symmetries_;
   bool symmetriesSought_ = false;

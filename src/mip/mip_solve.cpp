@@ -22,7 +22,7 @@ class MipSolve::Space : public UserSpace {
 
   bool acceptFull(const Vec<double> &x, double &objective) {
     Vec<double> point;
-    if (!check(x, point, objective, owner_.control_)) return false;
+    if (!check(x, point, objective, owner_.control_) || !isWelcome(point, objective)) return false;
     keep(std::move(point), objective);
     return true;
   }
@@ -61,14 +61,25 @@ class MipSolve::Space : public UserSpace {
     const auto place = std::lower_bound(
         solutions_.begin(), solutions_.end(), objective,
         [](const MipSolution &solution, double value) { return solution.objective < value; });
-    const bool best = place == solutions_.begin();
     solutions_.insert(place, MipSolution{objective, std::move(x)});
-    if (best && owner_.onSolution) owner_.onSolution(solutions_.front());
     const std::size_t limit = std::max(1, owner_.options_.poolSolutions);
     if (solutions_.size() > limit) solutions_.resize(limit);
   }
 
+  Vec<double> pointOf(const Vec<double> &x) const override { return owner_.postsolve(x); }
+
  private:
+  // What the observer says to a solution that no search has found.
+  bool isWelcome(const Vec<double> &point, double objective) const {
+    MipObserver *observer = owner_.observer;
+    if (!observer) return true;
+    MipProgress progress;
+    progress.solutions = static_cast<int>(solutions_.size());
+    if (!solutions_.empty()) progress.incumbent = solutions_.front().objective;
+    if (objective >= progress.incumbent && !observer->mayRefuse()) return true;
+    return observer->onSolution(progress, point, objective) || !observer->mayRefuse();
+  }
+
   MipSolve &owner_;
   Problem problem_;
   std::atomic<std::int64_t> iterations_{0};  // of repairs
@@ -114,6 +125,7 @@ void MipSolve::logPresolved(const MipModel &model, double seconds) const {
 
 // Running: there is something to be searched.
 MipStatus MipSolve::presolve(const MipModel &model) {
+  const ProgressScope told(control_, observer && !options_.subMip ? observer->progress() : nullptr);
   presolves_.push_back(std::make_unique<MipPresolve>(model, options_, control_));
   const double start = control_.limits.seconds();
   MipStatus status = MipStatus::Running;
@@ -175,7 +187,7 @@ void MipSolve::openSearch() {
                         problem->numContinuous(), problem->numIntegral(), binary);
   }
   auto search = std::make_unique<MipSearch>(*problem, options_, control_, *space_);
-  search->onNode = onNode;
+  search->observer = observer;
   for (const MipSolution &known : space_->solutions())
     search->knowSolution(known.objective, imageOf(known.x));
   if (search_) search->inherit(*search_);
@@ -224,7 +236,9 @@ bool MipSolve::canGoOn(const MipOptions &options) const {
 }
 
 MipOutcome MipSolve::goOn(const MipOptions &options) {
+  const ProgressScope quiet(control_, nullptr);
   options_ = adapted(options);
+  search_->observer = observer;
   return finish(search_->goOn(options_));
 }
 
@@ -274,6 +288,7 @@ void MipSolve::findNetwork(MipModel &reduced) const {
 }
 
 MipOutcome MipSolve::run() {
+  const ProgressScope quiet(control_, nullptr);
   MipOutcome outcome;
   space_ = std::make_unique<Space>(*this);
   processStarts();

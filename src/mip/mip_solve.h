@@ -35,10 +35,7 @@ class MipSolve {
   void addStart(MipStart &&start) { starts_.push_back(std::move(start)); }
   // Names of the model's rows, for messages; without it their numbers are told.
   std::function<std::string(int)> rowName;
-  // Solutions better than the ones known so far are also told to the listener, as they are found.
-  std::function<void(const MipSolution &)> onSolution;
-  // Called after every node.
-  std::function<void(const MipSearch &)> onNode;
+  MipObserver *observer = nullptr;
 
   MipOutcome run();
   // A row over the columns of the model as one over those of the problem that is being searched;

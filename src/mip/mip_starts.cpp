@@ -24,6 +24,21 @@ std::string nameOf(int id) {
   return std::string("user MIP start ").append(std::to_string(id));
 }
 
+// What the search that completes a start tells.
+class CompletionWatch : public MipObserver {
+ public:
+  std::function<void(const Vec<double> &x)> whenFound;
+  std::function<void(double nodes)> whenExplored;
+
+  bool onSolution(const MipProgress &, const Vec<double> &x, double) override {
+    whenFound(x);
+    return true;
+  }
+  void onProgress(const MipProgress &progress) override {
+    if (whenExplored) whenExplored(progress.explored);
+  }
+};
+
 // Values of a semi column with the hole (low, high), one end of which is zero: what is nearer to
 // zero than to the other end becomes zero, the rest of the hole goes to the other end.
 double outOfHole(double value, double low, double high) {
@@ -111,16 +126,17 @@ bool MipStarts::searchAround(const Vec<double> &given, int id, double &objective
       fixed.kind[j] = isIntegral(fixed.kind[j]) ? VarKind::Integer : VarKind::Continuous;
   }
   bool accepted = false;
-  MipSolve solve(fixed, completionOptions(), control_);
-  solve.onSolution = [&](const MipSolution &solution) {
-    if (!target_.accept(solution.x, objective)) return;
+  CompletionWatch watch;
+  watch.whenFound = [&](const Vec<double> &x) {
+    if (!target_.accept(x, objective)) return;
     accepted = true;
     if (id != kPreviousSolve)
       control_.log->print("%s produced solution with objective %g (%.2fs)\n", name.c_str(),
                           options_.objSense * objective + 0.0, control_.limits.seconds());
   };
-  if (id != kPreviousSolve)
-    solve.onNode = [&](const MipSearch &search) { reportProgress(name, search.explored()); };
+  if (id != kPreviousSolve) watch.whenExplored = [&](double nodes) { reportProgress(name, nodes); };
+  MipSolve solve(fixed, completionOptions(), control_);
+  solve.observer = &watch;
   status = solve.run().status;
   return accepted;
 }

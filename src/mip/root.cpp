@@ -116,7 +116,10 @@ void MipSearch::solveRoot() {
   const double seconds = control_.limits.seconds(), work = control_.work.counted();
   lp.follow(domain);
   lp.setCutoff(cutoff_);
-  lp.solve(control_);
+  {
+    const ProgressScope told(control_, observer ? observer->progress() : nullptr);
+    lp.solve(control_);
+  }
   rootStatus_ = lp.status();
   lp.simplex().options().logging = false;
   rootIterations_ = lp.iterations();
@@ -135,6 +138,7 @@ void MipSearch::solveRoot() {
   }
   if (rootStatus_ == LpStatus::Optimal) {
     rememberRoot();
+    observeRoot();
     HeuristicContext early = heuristicContext();
     if (!main().heuristics().beforeCuts(early, control_.work.counted() - startWork_))
       rootCutLoop();
@@ -217,6 +221,7 @@ int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
   const int gomoryPasses = options_.cuts.gomoryPasses;
   for (const auto &separator : separators_) {
     if (control_.limits.pollNow(control_.work, 0) != StopReason::None) break;
+    alive();
     if (separator->family() == CutFamily::Gomory && gomoryPasses >= 0 && round >= gomoryPasses)
       continue;
     separator->separate(point, levelOf(separator->family()), cuts);
@@ -274,6 +279,7 @@ void MipSearch::rootCutLoop() {
     if (result == Round::Over) break;
     stalled = result == Round::Improved ? 0 : stalled + 1;
     if (!options_.subMip) log_.nodeLogElapsed(nullptr);
+    observeRoot();
     log_.nodeLogLine(state(), NodeOutcome::Solved, worker().lpObjective(), 0, lastInfeasibilities_);
     if (rootPointIsFeasible()) break;
   }

@@ -27,7 +27,7 @@ std::shared_ptr<Node> MipSearch::nextNode() {
 
 // Explorers for the other threads, with the bounds, the cuts and the experience of the first.
 void MipSearch::employAll() {
-  const int count = std::max(options_.threads, 1);
+  const int count = observer && observer->mayRefuse() ? 1 : std::max(options_.threads, 1);
   for (const auto &side : sideControls_) {
     side->limits = control_.limits;
     side->threads = control_.threads;
@@ -56,9 +56,11 @@ void MipSearch::employAll() {
     explorer->learnPool(pool_);
     explorers_.push_back(std::move(explorer));
   }
-  for (const auto &explorer : explorers_)
+  for (const auto &explorer : explorers_) {
+    explorer->worker().keepPoints(observer && observer->wantsNodes());
     if (ConflictStore *conflicts = explorer->worker().conflicts())
       conflicts->shareLearned(explorers_.size() > 1);
+  }
   reports_.resize(explorers_.size());
 }
 
@@ -118,8 +120,7 @@ void MipSearch::collect(Explorer &explorer, Explorer::Report &report) {
   for (FoundSolution &found : explorer.takeFound()) take(std::move(found));
   for (const Explorer::Processed &node : report.processed) {
     ++explored_;
-    lastInfeasibilities_ = node.fractional;
-    if (onNode) onNode(*this);
+    observe(node);
   }
   maxDepth_ = std::max(maxDepth_, report.maxDepth);
   for (std::shared_ptr<Node> &node : report.open)

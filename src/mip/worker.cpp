@@ -226,6 +226,7 @@ NodeResult Worker::process(Node &node) {
       return result;
     }
     if (pointIsCutOff()) continue;
+    if (keepsPoints_) result.x = lp_.x();
     Vec<int> fractional;
     brancher_.fractionalColumns(domain_, lp_.x(), fractional);
     result.fractional = static_cast<int>(fractional.size());

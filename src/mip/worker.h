@@ -20,6 +20,7 @@ struct NodeResult {
   bool stopped = false;    // a limit; the node remains open
   bool unbounded = false;  // with all holes and sets decided
   bool unsolved = false;   // numerical trouble kept it from being solved and from being split
+  Vec<double> x;           // the optimum of its relaxation, if points are kept
 };
 
 class Worker {
@@ -43,6 +44,9 @@ class Worker {
   void separateInTree(const ImplicationTable &implications,
                       const std::function<int(CutFamily)> &levelOf, CutId firstCutId);
   const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
+
+  // Whether results come with the points of their relaxations.
+  void keepPoints(bool keep) { keepsPoints_ = keep; }
 
   // From now on bounds are tightened by symmetry; the group outlives the worker.
   void useSymmetry(const SymmetryGroup &group);
@@ -83,6 +87,7 @@ class Worker {
   std::optional<OrbitalFixing> orbitalFixing_;
   std::unique_ptr<TreeSeparation> treeSeparation_;
   CutId nextCutId_ = 0;
+  bool keepsPoints_ = false;
   std::shared_ptr<const NodePath> path_;
   Vec<std::shared_ptr<const NodePath>> chain_;  // the decisions in force, root first
 };

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "lp/check.h"
 #include "mip/gap_rules.h"
 #include "opt/kept_search.h"
 #include "opt/lp_from_model.h"
+#include "opt/mip_callbacks.h"
 #include "opt/mip_from_model.h"
 #include "opt/mip_log.h"
 #include "opt/mip_options.h"
@@ -87,6 +89,7 @@ class MipRun {
     store(outcome);
     MipSummary summary;
     summary.status = store_.status;
+    if (control_.progress) summary.errorCode = callbackContext(env_)->abortCode;
     summary.explored = outcome.explored;
     summary.iterations = outcome.iterations;
     summary.seconds = control_.limits.seconds();
@@ -106,18 +109,24 @@ class MipRun {
     // Iterations of all relaxations count together.
     control_.limits.iterationLimit = kUserInf;
     std::unique_ptr<KeptSearch> search = takeKept();
+    std::optional<MipCallbacks> callbacks;
+    if (control_.progress) callbacks.emplace(*callbackContext(env_), *control_.progress);
+    MipObserver *observer = callbacks ? &*callbacks : nullptr;
     MipOutcome outcome;
     if (search && search->solve().canGoOn(options)) {
+      search->solve().observer = observer;
       outcome = search->goOn(options, control_);
     } else {
       search = std::make_unique<KeptSearch>(mipModel(), options);
       search->solve().rowName = [&model = model_](int row) {
         return std::string(model.constrName(row));
       };
+      search->solve().observer = observer;
       addStarts(search->solve());
       logSettings();
       outcome = search->run(control_);
     }
+    search->solve().observer = nullptr;
     if (search->solve().canGoOn(options) && isLimit(outcome.status)) {
       store_.solver = std::move(search);
       model_.derived().searchFits = true;

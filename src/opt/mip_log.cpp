@@ -34,7 +34,7 @@ constexpr const char *kFamilyNames[kCutFamilies] = {"User",
                                                     "PSD",
                                                     "Lazy constraints"};
 
-void logStatus(Env &env, int status) {
+void logStatus(Env &env, int status, int errorCode) {
   switch (status) {
     case TVK_OPTIMAL:
       env.log("Optimal solution found (tolerance %.2e)\n", env.get(Dbl::MIPGap));
@@ -64,7 +64,10 @@ void logStatus(Env &env, int status) {
       env.log("Solution limit reached\n");
       break;
     case TVK_INTERRUPTED:
-      env.log("Solve interrupted\n");
+      if (errorCode != 0)
+        env.log("Solve interrupted (error code %d)\n", errorCode);
+      else
+        env.log("Solve interrupted\n");
       break;
     case TVK_SUBOPTIMAL:
       env.log("Sub-optimal termination (unable to solve some node relaxations)\n");
@@ -134,7 +137,7 @@ void mipSummary(Env &env, const MipSummary &summary) {
       env.log("No other solutions better than %g\n", worst);
   }
   env.log("\n");
-  logStatus(env, summary.status);
+  logStatus(env, summary.status, summary.errorCode);
   const double objective =
       summary.objective < kUserInf ? summary.sense * summary.objective : summary.sense * kUserInf;
   const double bound = summary.sense * summary.bound;

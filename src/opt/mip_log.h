@@ -7,7 +7,8 @@
 namespace tarvik {
 
 struct MipSummary {
-  int status = 0;  // a TVK_ status code
+  int status = 0;     // a TVK_ status code
+  int errorCode = 0;  // that has ended the solve
   double explored = 0, iterations = 0, seconds = 0, workUnits = 0;
   double objective = kUserInf, bound = -kUserInf;  // minimization sense
   double sense = 1;

@@ -123,7 +123,7 @@ void solve(Model &model, CallbackRun &callbacks) {
   if (!env.account().counting() && isFinite(env.get(Dbl::MemLimit)))
     env.log("Warning: memory counting is disabled - MemLimit parameter ineffective\n");
   SolveClock clock(model);
-  const CallbackRun::Attachment attached(callbacks, clock.control(), model.data().isMip());
+  const CallbackRun::Attachment attached(callbacks, clock.control());
   warnOfUpdates(env, model.data());
   model.update();
   const ModelData &data = model.data();

@@ -32,10 +32,12 @@ class CollectedLog : public Log {
 
 class NodeLogTest : public testing::Test {
  protected:
-  NodeLogTest() {
-    control_.log = &lines_;
-    control_.limits.start();
-    options_.displayInterval = 1e6;
+  NodeLogTest() { options_.displayInterval = 1e6; }
+  SolveControl started() {
+    SolveControl control;
+    control.log = &lines_;
+    control.limits.start();
+    return control;
   }
   void open(int depth, double bound) {
     auto node = std::make_shared<Node>();
@@ -61,7 +63,7 @@ class NodeLogTest : public testing::Test {
   }
 
   CollectedLog lines_;
-  SolveControl control_;
+  SolveControl control_ = started();
   MipOptions options_;
   NodeQueue queue_;
   NodeLog log_{options_, control_};
@@ -72,7 +74,7 @@ TEST_F(NodeLogTest, TheFirstRegularLineIsAlwaysPrinted) {
   log_.nodeLogHeuristicLine(stateOf(0, 0, 5, 1));
   EXPECT_NE(lines_.take().find("H    0     0"), std::string::npos);
   log_.nodeLogLine(stateOf(0, 0, 5, 1), NodeOutcome::Solved, 1, 0, 3);
-  EXPECT_NE(lines_.take().find("    0     0    1.00000    0   3"), std::string::npos);
+  EXPECT_NE(lines_.take().find("    0     0    1.00000    0    3"), std::string::npos);
   log_.nodeLogLine(stateOf(1, 2, 5, 1), NodeOutcome::Solved, 1, 0, 3);
   log_.nodeLogProgressLine(stateOf(1, 2, 5, 1), queue_, 3);
   EXPECT_EQ(lines_.take(), "");
@@ -85,19 +87,19 @@ TEST_F(NodeLogTest, TheFirstRegularLineIsAlwaysPrinted) {
 TEST_F(NodeLogTest, ProgressLinesShowOpenNodes) {
   options_.verbose = true;
   // Nothing is open: the bound stands in.
-  EXPECT_EQ(shown(stateOf(4, 0, kUserInf, 1.5)), "   1.50000    9   7 ");
+  EXPECT_EQ(shown(stateOf(4, 0, kUserInf, 1.5)), "   1.50000    9    7");
   open(3, 2);
   open(5, 2.5);
   open(8, 9);
-  EXPECT_EQ(shown(stateOf(3, 3, 4, 1.5)), "   2.00000    3   7 ");
-  EXPECT_EQ(shown(stateOf(4, 3, 4, 1.5)), "   2.50000    5   7 ");
+  EXPECT_EQ(shown(stateOf(3, 3, 4, 1.5)), "   2.00000    3    7");
+  EXPECT_EQ(shown(stateOf(4, 3, 4, 1.5)), "   2.50000    5    7");
   // Never beyond the incumbent or below the bound.
-  EXPECT_EQ(shown(stateOf(5, 3, 4, 1.5)), "   4.00000    8   7 ");
-  EXPECT_EQ(shown(stateOf(3, 3, 4, 2.25)), "   2.25000    3   7 ");
+  EXPECT_EQ(shown(stateOf(5, 3, 4, 1.5)), "   4.00000    8    7");
+  EXPECT_EQ(shown(stateOf(3, 3, 4, 2.25)), "   2.25000    3    7");
   // Samples are taken anew when there are more open nodes than samples, a hundred at most.
   for (int k = 0; k < 200; ++k) open(20, 3);
-  EXPECT_EQ(shown(stateOf(99, 203, 4, 1.5)), "   3.00000   20   7 ");
-  EXPECT_EQ(shown(stateOf(100, 203, 4, 1.5)), "   2.00000    3   7 ");
+  EXPECT_EQ(shown(stateOf(99, 203, 4, 1.5)), "   3.00000   20    7");
+  EXPECT_EQ(shown(stateOf(100, 203, 4, 1.5)), "   2.00000    3    7");
 }
 
 TEST_F(NodeLogTest, ElapsedTimeIsToldUntilTheTableBegins) {

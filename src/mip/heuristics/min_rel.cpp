@@ -46,10 +46,10 @@ HeurResult heurMinRel(HeuristicContext &context, int nodes, bool limitWork) {
   sub.onSolution = [&](const MipSolution &solution) {
     if (solution.objective < kNoViolation) whenFound(solution);
   };
-  sub.onNode = [&](const MipSearch &search) {
+  sub.onNode = [&](const MipProgress &progress) {
     if (log.due())
       log.lines().print("MinRel: %.0f nodes explored, relaxation %.2e, total elapsed time %.0fs\n",
-                        search.explored(), search.incumbentObjective(), log.seconds());
+                        progress.explored, progress.incumbent, log.seconds());
   };
   const MipOutcome &outcome = sub.run();
   HeurResult result;

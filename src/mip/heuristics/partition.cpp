@@ -45,7 +45,7 @@ bool improve(HeuristicContext &context, HeuristicLog &log, int number) {
   options.cutoff = std::min(options.cutoff, objective - kImprovement * std::fabs(objective));
   // Bounds beyond the cutoff are of no use.
   options.bestBdStop = options.cutoff;
-  sub.onNode = [&](const MipSearch &) {
+  sub.onNode = [&](const MipProgress &) {
     if (log.due())
       log.lines().print("Elapsed time for partition heuristic: %.0fs\n", log.seconds());
   };

@@ -19,6 +19,19 @@ void globalBounds(const Domain &domain, Vec<double> &lower, Vec<double> &upper) 
 
 }  // namespace
 
+class SubMip::Watch : public MipObserver {
+ public:
+  explicit Watch(SubMip &owner) : owner_(owner) {}
+  bool onSolution(const MipProgress &, const Vec<double> &x, double objective) override {
+    if (owner_.onSolution) owner_.onSolution({objective, x});
+    return true;
+  }
+  void onProgress(const MipProgress &progress) override { owner_.onNode(progress); }
+
+ private:
+  SubMip &owner_;
+};
+
 SubMip::SubMip(HeuristicContext &context, SolutionSource source)
     : context_(context), model_(context.problem->model()), options_(*context.options) {
   globalBounds(*context.domain, model_.lp.colLower, model_.lp.colUpper);
@@ -40,7 +53,7 @@ SubMip::SubMip(HeuristicContext &context, SolutionSource source)
     Vec<double> x(solution.x.begin(), solution.x.begin() + context_.problem->numCols());
     accepted_ += context_.sink->submit(x, source);
   };
-  onNode = [this](const MipSearch &) { context_.sink->alive(); };
+  onNode = [this](const MipProgress &) { context_.sink->alive(); };
 }
 
 void SubMip::fix(int col, double value) {
@@ -57,9 +70,9 @@ const MipOutcome &SubMip::run() {
   Limits &limits = context_.control->limits;
   const double workLimit = limits.workLimit;
   if (limitsWork_) limits.workLimit = std::min(workLimit, context_.workLimit * 1e-9);
+  Watch watch(*this);
   MipSolve solve(model_, options_, *context_.control);
-  solve.onSolution = onSolution;
-  solve.onNode = onNode;
+  solve.observer = &watch;
   outcome_ = solve.run();
   limits.workLimit = workLimit;
   return outcome_;

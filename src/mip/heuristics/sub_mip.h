@@ -24,7 +24,7 @@ class SubMip {
   std::function<void(const MipSolution &)> onSolution;
 
   // Called after every node; by default the sink is told that work goes on.
-  std::function<void(const MipSearch &)> onNode;
+  std::function<void(const MipProgress &)> onNode;
 
   const MipOutcome &run();
   const MipOutcome &outcome() const { return outcome_; }
@@ -32,6 +32,8 @@ class SubMip {
   int accepted() const { return accepted_; }
 
  private:
+  class Watch;
+
   HeuristicContext &context_;
   MipModel model_;
   MipOptions options_;

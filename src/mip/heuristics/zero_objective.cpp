@@ -47,10 +47,10 @@ HeurResult heurZeroObj(HeuristicContext &context, const ZeroObjCall &call) {
                     static_cast<int>(std::min(call.nodeLimit, 2e9)));
   SubMip sub(context, SolutionSource::ZeroObjective);
   setUp(sub, call);
-  sub.onNode = [&](const MipSearch &search) {
+  sub.onNode = [&](const MipProgress &progress) {
     if (log.due())
       log.lines().print("ZeroObj: %.0f nodes explored, total elapsed time %.0fs\n",
-                        search.explored(), log.seconds());
+                        progress.explored, log.seconds());
   };
   const MipOutcome &outcome = sub.run();
   HeurResult result;
