@@ -29,8 +29,9 @@ struct SosBigMOptions {
 
 // The reductions of mixed-integer presolve that can be switched off.
 struct MipReductions {
-  bool coefficients = true, cliques = true, dominated = true, impliedIntegers = true,
-       components = true;
+  bool coefficients = true, cliques = true, dominated = true, twoRows = true,
+       impliedIntegers = true, components = true;
+  int knapsackLifting = -1;  // the longest row; 0: off, negative: automatic
 };
 
 struct MipOptions {

@@ -65,6 +65,8 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.reductions.coefficients = env.get(Int::TARV_PAR_PRECOEFFICIENT) != 0;
   options.reductions.cliques = env.get(Int::TARV_PAR_PRECLIQUE) != 0;
   options.reductions.dominated = env.get(Int::TARV_PAR_PREDOMINATE) != 0;
+  options.reductions.twoRows = env.get(Int::TARV_PAR_PRETWOROWS) != 0;
+  options.reductions.knapsackLifting = env.get(Int::TARV_PAR_PREKNAPLIFTLEN);
   options.reductions.impliedIntegers = env.get(Int::TARV_PAR_IMPLIEDINT) != 0;
   options.reductions.components = env.get(Int::TARV_PAR_PRECONNECTED) != 0;
   options.cuts = resolveCutSettings(env);

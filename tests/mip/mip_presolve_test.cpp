@@ -8,8 +8,10 @@
 #include "mip/presolve/clique_merging.h"
 #include "mip/presolve/dominated_binaries.h"
 #include "mip/presolve/implied_integers.h"
+#include "mip/presolve/knapsack_lifting.h"
 #include "mip/presolve/model_editor.h"
 #include "mip/presolve/sos_big_m.h"
+#include "mip/presolve/two_rows.h"
 #include "reference_mip.h"
 #include "structured_mip.h"
 #include "support/random_lp.h"
@@ -55,6 +57,8 @@ TEST_F(MipPresolveTest, EveryReductionFiresOnGeneratedModels) {
     total.sets += stats.sets;
     total.cliques += stats.cliques;
     total.dominated += stats.dominated;
+    total.twoRows += stats.twoRows;
+    total.lifted += stats.lifted;
     total.impliedIntegers += stats.impliedIntegers;
     total.components += stats.components;
   }
@@ -64,26 +68,40 @@ TEST_F(MipPresolveTest, EveryReductionFiresOnGeneratedModels) {
   EXPECT_GE(total.sets, 100);
   EXPECT_GE(total.cliques, 5);
   EXPECT_GE(total.dominated, 5);
+  EXPECT_GE(total.twoRows, 5);
+  EXPECT_GE(total.lifted, 5);
   EXPECT_GE(total.impliedIntegers, 5);
   EXPECT_GE(total.components, 5);
 }
 
 TEST_F(MipPresolveTest, SingleReductionsKeepTheOptimum) {
-  int cliques = 0, dominated = 0, implied = 0;
+  int cliques = 0, dominated = 0, implied = 0, bounds = 0, sides = 0, lifted = 0;
   for (std::uint64_t seed = 1; seed <= 500 && !HasFailure(); ++seed) {
     const MipModel model = StructuredMip(seed).generate();
-    MipModel merged(model), fixed(model), declared(model);
+    MipModel merged(model), fixed(model), declared(model), paired(model), heavier(model);
     const CliqueMergingResult result = mergeCliques(merged, options_.tolerances, control_.work);
     cliques += result.rowsRemoved + result.fixed;
     dominated += fixDominatedBinaries(fixed, control_.work);
     implied += declareImpliedIntegers(declared);
     if (result.rowsRemoved + result.fixed > 0) expectSameOptimum(model, merged, seed);
+    const TwoRowResult pairs = reduceTwoRows(paired, options_.tolerances, control_.work);
+    bounds += pairs.bounds;
+    sides += pairs.sides;
+    if (pairs.infeasible)
+      EXPECT_EQ(ReferenceMip(model).solve().status, LpStatus::Infeasible) << "seed " << seed;
+    else if (pairs.bounds + pairs.sides > 0)
+      expectSameOptimum(model, paired, seed);
+    lifted += liftKnapsacks(heavier, options_.tolerances, -1, control_.work);
+    expectSameOptimum(model, heavier, seed);
     expectSameOptimum(model, fixed, seed);
     expectSameOptimum(model, declared, seed);
   }
   EXPECT_GE(cliques, 5);
   EXPECT_GE(dominated, 5);
   EXPECT_GE(implied, 20);
+  EXPECT_GE(bounds, 20);
+  EXPECT_GE(sides, 20);
+  EXPECT_GE(lifted, 20);
 }
 
 // Rows that are added later, one in the model and one, translated, in the presolved model.

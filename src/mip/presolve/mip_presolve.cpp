@@ -8,8 +8,10 @@
 #include "mip/presolve/components.h"
 #include "mip/presolve/dominated_binaries.h"
 #include "mip/presolve/implied_integers.h"
+#include "mip/presolve/knapsack_lifting.h"
 #include "mip/presolve/restrictions.h"
 #include "mip/presolve/sos_big_m.h"
+#include "mip/presolve/two_rows.h"
 
 namespace tarvik {
 
@@ -108,7 +110,7 @@ class MipPresolve::ComponentStage : public Stage {
 };
 
 // Reductions that look at pairs of rows or columns.
-bool MipPresolve::reduceIntegers() {
+bool MipPresolve::reduceIntegers(bool &infeasible) {
   int found = 0;
   if (options_.reductions.cliques) {
     const CliqueMergingResult merged = mergeCliques(reduced_, options_.tolerances, control_.work);
@@ -119,6 +121,18 @@ bool MipPresolve::reduceIntegers() {
     const int fixed = fixDominatedBinaries(reduced_, control_.work);
     stats_.dominated += fixed;
     found += fixed;
+  }
+  if (options_.reductions.twoRows) {
+    const TwoRowResult pairs = reduceTwoRows(reduced_, options_.tolerances, control_.work);
+    infeasible = pairs.infeasible;
+    stats_.twoRows += pairs.bounds + pairs.sides;
+    found += pairs.bounds + pairs.sides;
+  }
+  if (options_.reductions.knapsackLifting != 0 && !infeasible) {
+    const int lifted = liftKnapsacks(reduced_, options_.tolerances,
+                                     options_.reductions.knapsackLifting, control_.work);
+    stats_.lifted += lifted;
+    found += lifted;
   }
   return found > 0;
 }
@@ -180,7 +194,9 @@ PresolveStatus MipPresolve::reduceInRounds() {
     if (tightened.infeasible) return PresolveStatus::Infeasible;
     stats_.bounds += tightened.bounds;
     stats_.coefficients += tightened.coefficients;
-    const bool paired = options_.presolveMip && reduceIntegers();
+    bool infeasible = false;
+    const bool paired = options_.presolveMip && reduceIntegers(infeasible);
+    if (infeasible) return PresolveStatus::Infeasible;
     if (tightened.bounds + tightened.coefficients == 0 && !paired) break;
   }
   return stages_.empty() ? PresolveStatus::Unchanged : PresolveStatus::Reduced;

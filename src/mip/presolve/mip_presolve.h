@@ -12,7 +12,7 @@ namespace tarvik {
 // How often each reduction succeeded.
 struct MipPresolveStats {
   int restrictions = 0, bounds = 0, coefficients = 0, sets = 0;
-  int cliques = 0, dominated = 0, impliedIntegers = 0, components = 0;
+  int cliques = 0, dominated = 0, twoRows = 0, lifted = 0, impliedIntegers = 0, components = 0;
 };
 
 class MipPresolve {
@@ -50,7 +50,7 @@ class MipPresolve {
   PresolveStatus reduceInRounds();
   PresolveStatus reduceLinear(bool &changed);
   void keepColumns(const Vec<int> &cols);
-  bool reduceIntegers();
+  bool reduceIntegers(bool &infeasible);
   bool rewriteSets();
   PresolveStatus solveComponents();
 
