@@ -228,6 +228,8 @@ MipOutcome MipSolve::finish(MipStatus status) {
   outcome.iterations = search_->iterations() + space_->iterations();
   outcome.cuts = search_->cutCounters();
   outcome.solutions = space_->solutions();
+  outcome.cutOff = outcome.status == MipStatus::Infeasible && outcome.solutions.empty() &&
+                   options_.cutoff < kUserInf && search_->rootStatus() != LpStatus::Infeasible;
   return outcome;
 }
 

@@ -19,6 +19,8 @@ struct MipSolution {
 
 struct MipOutcome {
   MipStatus status = MipStatus::Running;
+  // Infeasible, but only below the cutoff that was given: nobody has looked beyond it.
+  bool cutOff = false;
   Vec<MipSolution> solutions;  // best first, at most MipOptions::poolSolutions
   double bound = -kUserInf;
   double explored = 0, unexplored = 0, iterations = 0;

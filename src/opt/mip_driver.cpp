@@ -177,6 +177,10 @@ class MipRun {
 
   void store(MipOutcome &outcome) {
     store_.status = statusCode(outcome.status);
+    if (outcome.cutOff) {
+      store_.status = TVK_CUTOFF;
+      outcome.bound = env_.get(Dbl::Cutoff);
+    }
     if (store_.status == TVK_INFEASIBLE && !outcome.solutions.empty()) store_.status = TVK_OPTIMAL;
     store_.iterCount = outcome.iterations;
     store_.nodeCount = outcome.explored;

@@ -1,6 +1,8 @@
 // Mixed-integer solves through the C interface: log, limits, starts, results.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "tiny_model.h"
 
 using tiny::LoggedEnv;
@@ -109,6 +111,28 @@ TEST_F(Mip, InfeasibleAndUnboundedAreTold) {
   set("Presolve", "0");
   ASSERT_EQ(TVKoptimize(model_), 0);
   EXPECT_EQ(status(), TVK_UNBOUNDED) << env_.log();
+}
+
+// The model has solutions, but none that is good enough: infeasible would be a wrong answer.
+TEST_F(Mip, CutoffsBeyondTheOptimumAreTold) {
+  for (const char *cutoff : {"13.5", "20", "1000"}) {
+    set("Cutoff", cutoff);
+    ASSERT_EQ(TVKreset(model_, 0), 0);
+    ASSERT_EQ(TVKoptimize(model_), 0);
+    EXPECT_EQ(status(), TVK_CUTOFF) << cutoff;
+    EXPECT_TRUE(env_.logged("\nModel objective exceeds cutoff\n"));
+    EXPECT_NEAR(dblAttr("ObjBound"), std::stod(cutoff), 1e-6);
+    EXPECT_EQ(intAttr("SolCount"), 0);
+  }
+  // What has no solution at all has none with a cutoff.
+  ASSERT_EQ(TVKsetdblattrelement(model_, "LB", 0, 3), 0);
+  ASSERT_EQ(TVKoptimize(model_), 0);
+  EXPECT_EQ(status(), TVK_INFEASIBLE);
+  ASSERT_EQ(TVKsetdblattrelement(model_, "LB", 0, 0), 0);
+  set("Cutoff", "13");
+  ASSERT_EQ(TVKoptimize(model_), 0);
+  EXPECT_EQ(status(), TVK_OPTIMAL);
+  EXPECT_EQ(dblAttr("ObjVal"), 13);
 }
 
 TEST_F(Mip, StartsAreLoadedCompletedOrRefused) {
