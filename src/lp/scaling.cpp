@@ -130,6 +130,28 @@ bool wellScaled(const SparseMatrix &a) {
 
 }  // namespace
 
+Scaling completeScaling(const LpModel &lp, int scaleFlag, Scaling known) {
+  if (scaleFlag == 0 || (scaleFlag < 0 && wellScaled(lp.a))) return {};
+  const SparseMatrix &a = lp.a;
+  known.row.resize(static_cast<std::size_t>(lp.numRows), 0.0);
+  known.col.resize(static_cast<std::size_t>(lp.numCols), 0.0);
+  for (int j = 0; j < lp.numCols; ++j) {
+    if (known.col[j] > 0) continue;
+    Range range;
+    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k)
+      range.add(std::fabs(a.value[k]) * known.row[a.index[k]]);
+    known.col[j] = equilibrating(range.max);
+  }
+  Vec<Range> ranges(known.row.size());
+  for (int j = 0; j < lp.numCols; ++j)
+    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k)
+      if (known.row[a.index[k]] == 0 && a.value[k] != 0)
+        ranges[a.index[k]].add(std::fabs(a.value[k]) * known.col[j]);
+  for (std::size_t i = 0; i < ranges.size(); ++i)
+    if (known.row[i] == 0) known.row[i] = powerOfTwo(1 / ranges[i].geometricMean());
+  return known;
+}
+
 Scaling computeScaling(const LpModel &lp, int scaleFlag, double enough) {
   if (scaleFlag == 0 || lp.a.numNz() == 0) return {};
   if (scaleFlag < 0 && wellScaled(lp.a)) return {};

@@ -23,4 +23,9 @@ struct Scaling {
 // there is nothing to scale.
 Scaling computeScaling(const LpModel &lp, int scaleFlag, double enough = 0);
 
+// Fills in the factors that are zero, from those that are not: columns are equilibrated, rows
+// get the geometric mean. Vectors shorter than the model end in unknown factors. Two passes, where
+// computeScaling() takes many.
+Scaling completeScaling(const LpModel &lp, int scaleFlag, Scaling known);
+
 }  // namespace tarvik

@@ -137,8 +137,21 @@ LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmSta
     LpSolution solution;
     if (solveDualForm(presolve.reduced(), solution)) return solution;
   }
-  return solveApart(presolve.reduced(), options_.simplex, options_.method,
-                    warm ? &crushed : nullptr);
+  Scaling scaling;
+  LpSolution solution = solveApart(presolve.reduced(), options_.simplex, options_.method,
+                                   warm ? &crushed : nullptr, &scaling);
+  if (solution.status == LpStatus::Optimal) passOn(scaling, presolve);
+  return solution;
+}
+
+void LpDriver::passOn(const Scaling &reduced, const Presolve &presolve) {
+  Scaling full;
+  full.row.assign(lp_.numRows, 0.0);
+  full.col.assign(lp_.numCols, 0.0);
+  const Vec<int> &cols = presolve.originalCol(), &rows = presolve.originalRow();
+  for (std::size_t j = 0; j < cols.size(); ++j) full.col[cols[j]] = reduced.col[j];
+  for (std::size_t i = 0; i < rows.size(); ++i) full.row[rows[i]] = reduced.row[i];
+  engine_.learnScaling(std::move(full), options_.simplex.scaleFlag);
 }
 
 bool LpDriver::solveDualForm(const LpModel &lp, LpSolution &solution) {
@@ -179,11 +192,13 @@ LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,
 }
 
 LpSolution LpDriver::solveApart(const LpModel &lp, const SimplexOptions &options,
-                                SimplexMethod method, const Basis *start) {
+                                SimplexMethod method, const Basis *start, Scaling *scaling) {
   Simplex simplex(options);
   simplex.load(lp);
   if (start) simplex.setBasis(*start, nullptr);
-  return runEngine(simplex, method, !start);
+  LpSolution solution = runEngine(simplex, method, !start);
+  if (scaling) *scaling = simplex.scaling();
+  return solution;
 }
 
 LpSolution LpDriver::runEngine(Simplex &simplex, SimplexMethod method, bool fromScratch) {

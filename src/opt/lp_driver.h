@@ -57,6 +57,8 @@ class LpDriver {
   LpSolution solveFromScratch();
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);
+  // Keeps the reduced model's factors for the day when the full model is loaded.
+  void passOn(const Scaling &reduced, const Presolve &presolve);
   // By way of the dual form, when that has an optimum; false leaves nothing but a starting basis.
   bool solveDualForm(const LpModel &lp, LpSolution &solution);
   // The full model in the warm engine, from a basis or from scratch.
@@ -64,7 +66,7 @@ class LpDriver {
                        const Vec<double> *superbasicValues, const Vec<double> *edgeWeights);
   // Any model in an engine of its own.
   LpSolution solveApart(const LpModel &lp, const SimplexOptions &options, SimplexMethod method,
-                        const Basis *start);
+                        const Basis *start, Scaling *scaling = nullptr);
   LpSolution runEngine(Simplex &simplex, SimplexMethod method, bool fromScratch);
   LpSolution solveWithoutRows() const;
   LpStatus stopStatus();

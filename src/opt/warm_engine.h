@@ -19,10 +19,15 @@ class WarmEngine {
   Simplex &openFresh(const LpModel &lp, const SimplexOptions &options);
   // The loaded engine, or null.
   Simplex *get() { return engine_ ? &*engine_ : nullptr; }
-  void drop() { engine_.reset(); }
+  // Factors that have scaled a part of the model well, under this flag; 0 for the other rows and
+  // columns. Loading the model with a basis begins from them.
+  void learnScaling(Scaling known, int scaleFlag);
+  void drop();
 
  private:
   std::optional<Simplex> engine_;
+  std::optional<Scaling> knownScaling_;  // until the engine is loaded
+  int knownScaleFlag_ = 0;
 };
 
 }  // namespace tarvik

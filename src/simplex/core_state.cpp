@@ -7,8 +7,9 @@
 namespace tarvik {
 
 template <class Real>
-void SimplexCore<Real>::load(const LpModel &lp, const Basis &basis, const Vec<double> *values) {
-  engine.loadForBasis(lp);
+void SimplexCore<Real>::load(const LpModel &lp, const Basis &basis, const Vec<double> *values,
+                             const Scaling *known) {
+  engine.loadForBasis(lp, known);
   setBasis(basis, values);
 }
 

@@ -11,8 +11,8 @@ namespace tarvik {
 using std::fabs;
 
 template <class Real>
-void Engine<Real>::loadProblem(const LpModel &model, double enoughScaling) {
-  lp.load(model, options.scaleFlag, enoughScaling);
+void Engine<Real>::loadProblem(const LpModel &model, Scaling scaling) {
+  lp.load(model, std::move(scaling));
   const int total = lp.total();
   randomValue.resize(total);
   Random random(static_cast<std::uint64_t>(options.seed) + 1);
@@ -23,13 +23,14 @@ void Engine<Real>::loadProblem(const LpModel &model, double enoughScaling) {
 
 template <class Real>
 void Engine<Real>::load(const LpModel &model) {
-  loadProblem(model, 0);
+  loadProblem(model, computeScaling(model, options.scaleFlag));
   slackBasis();
 }
 
 template <class Real>
-void Engine<Real>::loadForBasis(const LpModel &model) {
-  loadProblem(model, tuning::kWarmSpread);
+void Engine<Real>::loadForBasis(const LpModel &model, const Scaling *known) {
+  loadProblem(model, known ? completeScaling(model, options.scaleFlag, *known)
+                           : computeScaling(model, options.scaleFlag, tuning::kWarmSpread));
   const int total = lp.total(), m = lp.m;
   cost = lp.cost;
   position.clear();
@@ -120,9 +121,14 @@ void Engine<Real>::rebuildRows() {
 
 template <class Real>
 void Engine<Real>::buildRows() {
+  rows.build(lp, enteringColumns());
+}
+
+template <class Real>
+Vec<char> Engine<Real>::enteringColumns() const {
   Vec<char> active(lp.n);
   for (int j = 0; j < lp.n; ++j) active[j] = canEnter(j);
-  rows.build(lp, active);
+  return active;
 }
 
 template <class Real>
@@ -436,6 +442,9 @@ template <class Real>
 void Engine<Real>::priceRow() {
   if (!rows.built()) {
     if (columnPrices_-- > 0) return priceByColumns();
+    rows.buildLoose(lp, enteringColumns());
+    loosePrices_ = tuning::kLoosePrices;
+  } else if (rows.loose() && loosePrices_-- <= 0) {
     buildRows();
   }
   const double density = rows.price(rho, pivotRow, rowDensity, control->work);

@@ -128,8 +128,9 @@ class Engine : public EngineState {
 
   void load(const LpModel &model);
   // The same without a basis, which is to follow. The row-wise copy of the matrix waits until more
-  // than a few pivot rows are asked for: many a re-solve ends before.
-  void loadForBasis(const LpModel &model);
+  // than a few pivot rows are asked for: many a re-solve ends before. Scale factors
+  // that are known already may be null.
+  void loadForBasis(const LpModel &model, const Scaling *known);
   // Takes over the state of an engine of the other precision; the basis is factored again.
   template <class Other>
   void convertFrom(const Engine<Other> &other);
@@ -140,7 +141,7 @@ class Engine : public EngineState {
   void resetWorkingCosts();
   void rebuildRows();
   void needRows() {
-    if (!rows.built()) buildRows();
+    if (!rows.built() || rows.loose()) buildRows();
   }
   // Says that true bounds have changed.
   void touch(VarIndex j) {
@@ -227,9 +228,10 @@ class Engine : public EngineState {
   double workRate = 1.3;
 
  private:
-  void loadProblem(const LpModel &model, double enoughScaling);
+  void loadProblem(const LpModel &model, Scaling scaling);
   void resizeScratch();
   void buildRows();
+  Vec<char> enteringColumns() const;
   void priceByColumns();
   void setWorkRate();
   void noteChange(Real change, Real largest);
@@ -240,6 +242,7 @@ class Engine : public EngineState {
   bool applyRepair(const SingularRepair &repair);
   // How many more pivot rows may be formed column by column before the row-wise copy is made.
   int columnPrices_ = 0;
+  int loosePrices_ = 0;   // before the loose row-wise copy becomes a partitioned one
   Vec<double> weightOf_;  // scratch by variable
   Vec<Real> keptDual_, keptPrimal_;
   Real keptInfeasibility_ = 0;

@@ -12,27 +12,41 @@ constexpr double kColumnWiseDensity = 0.35;
 constexpr double kListDensity = 0.15;
 }  // namespace
 
+// Room for the copy; activeEnd_ says where the first entry of each row goes.
 template <class Real>
-void RowMatrix<Real>::build(const ScaledLp<Real> &lp, const Vec<char> &active) {
+void RowMatrix<Real>::countRows(const ScaledLp<Real> &lp, const Vec<char> &active) {
   lp_ = &lp;
   active_ = active;
-  const int m = lp.m, n = lp.n;
   const NzIndex nz = lp.cols.numNz();
-  start_.assign(m + 1, 0);
-  activeEnd_.assign(m, 0);
+  start_.assign(lp.m + 1, 0);
   col_.resize(nz);
   value_.resize(nz);
-  place_.resize(nz);
-  origin_.resize(nz);
-  Vec<NzIndex> back(m);
-  for (int j = 0; j < n; ++j)
-    for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k)
-      ++start_[lp.cols.index[k] + 1];
-  for (int i = 0; i < m; ++i) start_[i + 1] += start_[i];
-  for (int i = 0; i < m; ++i) {
-    activeEnd_[i] = start_[i];
-    back[i] = start_[i + 1];
+  for (NzIndex k = 0; k < nz; ++k) ++start_[lp.cols.index[k] + 1];
+  for (int i = 0; i < lp.m; ++i) start_[i + 1] += start_[i];
+  activeEnd_.assign(start_.begin(), start_.end() - 1);
+}
+
+template <class Real>
+void RowMatrix<Real>::buildLoose(const ScaledLp<Real> &lp, const Vec<char> &active) {
+  countRows(lp, active);
+  loose_ = true;
+  for (int j = 0; j < lp.n; ++j) {
+    for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k) {
+      const NzIndex to = activeEnd_[lp.cols.index[k]]++;
+      col_[to] = j;
+      value_[to] = lp.value[k];
+    }
   }
+}
+
+template <class Real>
+void RowMatrix<Real>::build(const ScaledLp<Real> &lp, const Vec<char> &active) {
+  countRows(lp, active);
+  loose_ = false;
+  const int n = lp.n;
+  place_.resize(lp.cols.numNz());
+  origin_.resize(lp.cols.numNz());
+  Vec<NzIndex> back(start_.begin() + 1, start_.end());
   for (int j = 0; j < n; ++j) {
     for (NzIndex k = lp.cols.start[j]; k < lp.cols.start[j + 1]; ++k) {
       const int i = lp.cols.index[k];
@@ -57,13 +71,23 @@ void RowMatrix<Real>::swapEntries(NzIndex a, NzIndex b) {
 
 template <class Real>
 void RowMatrix<Real>::moveColumn(ColIndex j, bool active) {
-  active_[j] = active;
   for (NzIndex k = lp_->cols.start[j]; k < lp_->cols.start[j + 1]; ++k) {
     const int i = lp_->cols.index[k];
     if (active)
       swapEntries(place_[k], activeEnd_[i]++);
     else
       swapEntries(place_[k], --activeEnd_[i]);
+  }
+}
+
+template <class Real>
+void RowMatrix<Real>::dropInactive(SparseVec<Real> &row) const {
+  if (row.valid()) {
+    for (int k = 0; k < row.count; ++k)
+      if (!active_[row.index[k]]) row.value[row.index[k]] = Real(0);
+  } else {
+    for (int j = 0; j < row.size; ++j)
+      if (!active_[j]) row.value[j] = Real(0);
   }
 }
 
@@ -91,6 +115,7 @@ double RowMatrix<Real>::priceByRows(const SparseVec<Real> &rho, SparseVec<Real> 
       for (NzIndex p = start_[i]; p < activeEnd_[i]; ++p) row.add(col_[p], x * value_[p]);
     }
     if (k == rho.count) {
+      if (loose_) dropInactive(row);
       row.tighten(Real(1e-14));
       work.charge(4 * touched + 2 * rho.count);
       return row.density();
@@ -106,6 +131,7 @@ double RowMatrix<Real>::priceByRows(const SparseVec<Real> &rho, SparseVec<Real> 
     for (NzIndex p = start_[i]; p < end; ++p) sum[col_[p]] += x * value_[p];
   }
   row.count = -1;
+  if (loose_) dropInactive(row);
   work.charge(3 * touched + row.size);
   return std::min(1.0, touched / std::max(row.size, 1));
 }

@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "lp/scaling.h"
-
 namespace tarvik {
 
 namespace {
@@ -30,11 +28,10 @@ double rowFactor(const Entries &entries) {
 }  // namespace
 
 template <class Real>
-void ScaledLp<Real>::load(const LpModel &lp, int scaleFlag, double enoughScaling) {
+void ScaledLp<Real>::load(const LpModel &lp, Scaling scaling) {
   m = lp.numRows;
   n = lp.numCols;
   offset = lp.offset;
-  Scaling scaling = computeScaling(lp, scaleFlag, enoughScaling);
   const bool scaled = scaling.active();
   colScale = std::move(scaling.col);
   rowScale = std::move(scaling.row);

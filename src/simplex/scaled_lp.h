@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "lp/lp_model.h"
+#include "lp/scaling.h"
 
 namespace tarvik {
 
@@ -26,7 +27,7 @@ class ScaledLp {
 
   int total() const { return n + m; }
 
-  void load(const LpModel &lp, int scaleFlag, double enoughScaling = 0);
+  void load(const LpModel &lp, Scaling scaling);
   template <class Other>
   void convertFrom(const ScaledLp<Other> &other) {
     m = other.m;

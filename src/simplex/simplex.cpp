@@ -131,8 +131,9 @@ Simplex &Simplex::operator=(Simplex &&) noexcept = default;
 void Simplex::load(const LpModel &lp) {
   engine_->visit([&](auto &core) { core.engine.load(lp); });
 }
-void Simplex::load(const LpModel &lp, const Basis &basis, const Vec<double> *superbasicValues) {
-  engine_->visit([&](auto &core) { core.load(lp, basis, superbasicValues); });
+void Simplex::load(const LpModel &lp, const Basis &basis, const Vec<double> *superbasicValues,
+                   const Scaling *known) {
+  engine_->visit([&](auto &core) { core.load(lp, basis, superbasicValues, known); });
 }
 SimplexOptions &Simplex::options() { return engine_->state().options; }
 
@@ -204,6 +205,11 @@ Vec<double> Simplex::edgeWeights() const {
 }
 void Simplex::setEdgeWeights(const Vec<double> &weights) {
   engine_->visit([&](auto &core) { core.setEdgeWeights(weights); });
+}
+Scaling Simplex::scaling() const {
+  return engine_->visit([](auto &core) {
+    return Scaling{core.engine.lp.rowScale, core.engine.lp.colScale};
+  });
 }
 void Simplex::restartCounting() {
   engine_->visit([](auto &core) { core.engine.restartCounting(); });

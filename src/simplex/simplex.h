@@ -10,6 +10,7 @@
 
 #include "base/solve_control.h"
 #include "lp/lp_model.h"
+#include "lp/scaling.h"
 #include "simplex/simplex_options.h"
 
 namespace tarvik {
@@ -29,8 +30,10 @@ class Simplex {
 
   // Loads a model (scaled copy; the argument is not kept) with the slack basis.
   void load(const LpModel &lp);
-  // The same with a basis, as setBasis() takes it; cheaper than one after the other.
-  void load(const LpModel &lp, const Basis &basis, const Vec<double> *superbasicValues);
+  // The same with a basis, as setBasis() takes it; cheaper than one after the other. Known
+  // scale factors, as completeScaling() takes them, spare it most of its own.
+  void load(const LpModel &lp, const Basis &basis, const Vec<double> *superbasicValues,
+            const Scaling *known = nullptr);
   SimplexOptions &options();
 
   // Changes in place; the basis and its factorization stay.
@@ -54,6 +57,9 @@ class Simplex {
   // nonbasic variables mean nothing and come out as 1. Empty: the weights are not known.
   Vec<double> edgeWeights() const;
   void setEdgeWeights(const Vec<double> &weights);
+
+  // The factors that the loaded model was scaled with.
+  Scaling scaling() const;
 
   // The next solve stops, with IterationLimit, once iterations() reaches this.
   void setIterationCap(double iterations);

@@ -35,7 +35,7 @@ class SimplexCore {
   // Looks at an optimum: false, with a message, when its values blew up.
   bool endsWell();
 
-  void load(const LpModel &lp, const Basis &basis, const Vec<double> *values);
+  void load(const LpModel &lp, const Basis &basis, const Vec<double> *values, const Scaling *known);
   void setBasis(const Basis &basis, const Vec<double> *values);
   Basis basis() const;
   void getSolution(LpStatus status, LpSolution &solution) const;

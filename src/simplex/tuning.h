@@ -37,9 +37,12 @@ inline constexpr double kFreeBox = 1000.0;
 // A warm basis with at most so many infeasibilities is finished without perturbation.
 inline constexpr int kWarmInfeasibilities = 10;
 
-// What the row-wise copy of the matrix costs to make, in operations an entry. A freshly loaded
+// What a loose row-wise copy of the matrix costs to make, in operations an entry. A freshly loaded
 // basis forms its first pivot rows column by column, up to this cost.
-inline constexpr double kRowCopyCost = 20;
+inline constexpr double kRowCopyCost = 6;
+
+// Pivot rows formed from the loose copy before the partitioned one is made.
+inline constexpr int kLoosePrices = 50;
 // Geometric scaling for a model that comes with a basis is content with this spread of a column's
 // entries: few iterations will follow, and each pass costs as much as several of them. Stopping
 // earlier on badly scaled models leaves bases that become singular.

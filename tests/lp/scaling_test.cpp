@@ -60,6 +60,23 @@ TEST(Scaling, FactorsArePowersOfTwoAndReduceTheSpread) {
   }
 }
 
+TEST(Scaling, UnknownFactorsFollowFromTheKnownOnes) {
+  const LpModel lp = badlyScaled();
+  const Scaling full = computeScaling(lp, 2);
+  Scaling known = full;
+  for (std::size_t j = 1; j < known.col.size(); j += 2) known.col[j] = 0;
+  known.row.pop_back();
+  known.row.front() = 0;
+  const Scaling completed = completeScaling(lp, 2, known);
+  ASSERT_EQ(completed.row.size(), full.row.size());
+  EXPECT_EQ(completed.col.front(), full.col.front());
+  EXPECT_EQ(completed.row[1], full.row[1]);
+  for (const auto &factors : {completed.row, completed.col})
+    for (const double factor : factors) EXPECT_GT(factor, 0);
+  EXPECT_LT(spread(lp, completed), 1e-3 * spread(lp, {}));
+  EXPECT_FALSE(completeScaling(lp, 0, known).active());
+}
+
 TEST(Scaling, LeavesAloneWhatNeedsNone) {
   const LpModel good =
       test::denseLp({1, 1}, {{0, 1}, {0, 1}}, {{1, -1}, {0.5, 4}}, {{0, 1}, {0, 1}});

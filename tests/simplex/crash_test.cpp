@@ -95,7 +95,7 @@ LpModel quadraticAssignment(int n, std::uint64_t seed) {
 
 bool pays(const LpModel &lp) {
   ScaledLp<double> scaled;
-  scaled.load(lp, -1);
+  scaled.load(lp, computeScaling(lp, -1));
   return penaltyCrashPays(scaled);
 }
 

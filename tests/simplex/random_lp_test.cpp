@@ -224,6 +224,29 @@ TEST(RandomLp, PartialPricingLooksAtAllSections) {
   }
 }
 
+// A model that comes with a basis far from the optimum: the copies of the matrix that pivot rows
+// are formed from change on the way, and so do wrong scale factors nothing but the path.
+TEST(RandomLp, LoadingWithABasisLeadsToTheSameOptimum) {
+  int longest = 0;
+  for (int seed = 1; seed <= 5; ++seed) {
+    double objective = 0;
+    const LpModel lp = wideRangeLp(150, 400, 1, seed, objective);
+    SCOPED_TRACE(seed);
+    Basis slack;
+    slack.col.assign(lp.numCols, VarStatus::AtLower);
+    slack.row.assign(lp.numRows, VarStatus::Basic);
+    Scaling known;
+    if (seed % 2 == 0) known.col.assign(lp.numCols / 2, 4.0);
+    Simplex simplex{SimplexOptions{}};
+    simplex.load(lp, slack, nullptr, seed == 1 ? nullptr : &known);
+    const LpSolution found = solveWith(simplex, SimplexMethod::Dual);
+    EXPECT_TRUE(isOptimal(lp, found, kTol));
+    EXPECT_NEAR(found.objective, objective, kTol * (1 + std::fabs(objective)));
+    longest = std::max(longest, static_cast<int>(simplex.iterations()));
+  }
+  EXPECT_GT(longest, 100);
+}
+
 TEST(RandomLp, PermutingAndScalingChangesNothing) {
   for (int seed = 1; seed <= modelCount() / 4 && !::testing::Test::HasFailure(); ++seed) {
     const LpModel lp = randomLp(seed);
