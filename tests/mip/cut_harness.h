@@ -11,6 +11,7 @@
 
 #include "mip/cuts/cut_filter.h"
 #include "mip/cuts/separators.h"
+#include "mip/probing.h"
 #include "support/reference_lp.h"
 
 namespace tarvik::test {
@@ -109,6 +110,10 @@ inline SeparationResult separateAndJudge(const Problem &problem,
   if (!domain.propagate(control.work)) return result;
   lp.follow(domain);
   if (lp.solve(control) != LpStatus::Optimal) return result;
+  // What probing finds, but not what it fixes.
+  ImplicationTable implications(1000);
+  Domain probed(domain);
+  probeBinaries(probed, control, 1e9, &implications);
   result.firstBound = result.lastBound = lp.objective();
   Enumeration truth(problem);
   const auto context = std::make_shared<CutContext>();
@@ -124,6 +129,7 @@ inline SeparationResult separateAndJudge(const Problem &problem,
     point.x = &x;
     point.work = &control.work;
     point.round = round;
+    point.implications = &implications;
     Vec<Cut> cuts;
     for (const auto &separator : separators) separator->separate(point, level, cuts);
     Vec<std::shared_ptr<const Cut>> added;

@@ -29,6 +29,7 @@ const std::vector<Family> &families() {
       {"Mixing", makeMixingSeparator},
       {"FlowPath", makeFlowPathSeparator},
       {"ImpliedBound", makeImpliedBoundSeparator},
+      {"ProjectedBound", makeProjectedBoundSeparator},
       {"Network", makeNetworkSeparator},
       {"Clique", makeCliqueSeparator},
       {"ZeroHalf", makeZeroHalfSeparator},

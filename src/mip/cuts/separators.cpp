@@ -6,6 +6,7 @@ void makeSeparators(Vec<std::unique_ptr<Separator>> &separators) {
   const auto context = std::make_shared<CutContext>();
   separators.clear();
   separators.push_back(makeImpliedBoundSeparator(context));
+  separators.push_back(makeProjectedBoundSeparator(context));
   separators.push_back(makeCliqueSeparator(context));
   separators.push_back(makeCoverSeparator(context));
   separators.push_back(makeGubCoverSeparator(context));

@@ -20,6 +20,7 @@ std::unique_ptr<Separator> makeGubCoverSeparator(std::shared_ptr<CutContext> con
 std::unique_ptr<Separator> makeMixingSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeFlowPathSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeImpliedBoundSeparator(std::shared_ptr<CutContext> context);
+std::unique_ptr<Separator> makeProjectedBoundSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeCliqueSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeZeroHalfSeparator(std::shared_ptr<CutContext> context);
 std::unique_ptr<Separator> makeNetworkSeparator(std::shared_ptr<CutContext> context);
