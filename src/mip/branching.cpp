@@ -124,6 +124,8 @@ Brancher::Probe Brancher::probe(int col, bool up, double x, Domain &domain, Rela
   if (conflicts_ && result.infeasible)
     conflicts_->learnFromRelaxation(lp, status != LpStatus::Infeasible, sink.cutoff(),
                                     control.work);
+  if (proofs_ && result.infeasible)
+    proofs_->take(lp, status != LpStatus::Infeasible, sink.cutoff(), control.work);
   domain.backtrackTo(level);
   lp.follow(domain);
   lp.setBasis(basis);

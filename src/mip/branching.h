@@ -6,6 +6,7 @@
 #pragma once
 
 #include "mip/conflict/conflict_analysis.h"
+#include "mip/cuts/proof_cuts.h"
 #include "mip/heuristics/heuristic.h"
 #include "mip/node_queue.h"
 #include "mip/pseudo_costs.h"
@@ -48,6 +49,8 @@ class Brancher {
   void setRootPoint(const Vec<double> &x) { rootX_ = x; }
   // Learns from infeasible branches, and prefers columns that conflicts are about a little.
   void setConflicts(ConflictAnalysis *conflicts) { conflicts_ = conflicts; }
+  // Hands the proofs of infeasible branches on.
+  void setProofs(ProofCuts *proofs) { proofs_ = proofs; }
   const Vec<double> &rootPoint() const { return rootX_; }
   // Iterations of ordinary node solves so far, which strong branching has to stay in proportion to.
   void noteNodeIterations(double iterations) {
@@ -82,6 +85,7 @@ class Brancher {
   const MipOptions &options_;
   PseudoCosts &pseudoCosts_;
   ConflictAnalysis *conflicts_ = nullptr;
+  ProofCuts *proofs_ = nullptr;
   Vec<double> rootX_;
   Vec<int> candidates_;
   double nodeIterations_ = 0, nodeSolves_ = 0, strongIterations_ = 0;

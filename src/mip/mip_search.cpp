@@ -152,6 +152,9 @@ double MipSearch::iterations() const {
 CutCounters MipSearch::cutCounters() const {
   CutCounters counters = cutCounters_;
   for (const auto &explorer : explorers_)
+    if (const ProofCuts *proofs = explorer->worker().proofCuts())
+      counters[static_cast<int>(CutFamily::InfProof)] += proofs->count();
+  for (const auto &explorer : explorers_)
     if (const TreeSeparation *tree = explorer->worker().treeSeparation())
       for (int f = 0; f < kCutFamilies; ++f) counters[f] += tree->count(static_cast<CutFamily>(f));
   return counters;

@@ -152,6 +152,8 @@ void MipSearch::solveRoot() {
   if (rootCutsPay_ && options_.cuts.mir > 1)
     worker().separateInTree(
         implications_, [this](CutFamily family) { return levelOf(family); }, nextCutId_);
+  if (levelOf(CutFamily::InfProof) > 0 && !pool_.inUse())
+    worker().cutByProofs(levelOf(CutFamily::InfProof), nextCutId_);
   auto root = std::allocate_shared<Node>(AccountAllocator<Node>());
   root->bound = rootBound_;
   root->estimate = rootBound_;

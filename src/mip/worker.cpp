@@ -46,6 +46,12 @@ void Worker::separateInTree(const ImplicationTable &implications,
   nextCutId_ = firstCutId;
 }
 
+void Worker::cutByProofs(int level, CutId firstCutId) {
+  proofCuts_ = std::make_unique<ProofCuts>(problem_, domain_, level);
+  brancher_.setProofs(proofCuts_.get());
+  nextCutId_ = firstCutId;
+}
+
 void Worker::useSymmetry(const SymmetryGroup &group) {
   returnToRoot();
   orbitalFixing_.emplace(problem_, group);
@@ -116,6 +122,7 @@ void Worker::learnFromDomain() {
 
 void Worker::learnFromRelaxation(bool cutOff) {
   if (conflicts_) conflicts_->learnFromRelaxation(lp_, cutOff, sink_.cutoff(), control_.work);
+  if (proofCuts_) proofCuts_->take(lp_, cutOff, sink_.cutoff(), control_.work);
 }
 
 LpStatus Worker::solveRelaxation() {
@@ -189,6 +196,7 @@ NodeResult Worker::process(Node &node) {
     return result;
   }
   const bool separates = treeSeparation_ && treeSeparation_->begins(node.depth, control_.work);
+  if (proofCuts_) proofCuts_->beginNode();
   for (int round = 0; round < kMaxSolves; ++round) {
     const LpStatus status = solveRelaxation();
     if (round == 0 && (status == LpStatus::Optimal || status == LpStatus::Infeasible ||
@@ -232,6 +240,8 @@ NodeResult Worker::process(Node &node) {
     result.fractional = static_cast<int>(fractional.size());
     if (separates && !fractional.empty() &&
         treeSeparation_->round(lp_, control_.work, nextCutId_) > 0)
+      continue;
+    if (proofCuts_ && !fractional.empty() && proofCuts_->round(lp_, control_.work, nextCutId_) > 0)
       continue;
     result.branching = brancher_.choose(domain_, lp_, sink_, control_);
     switch (result.branching.result) {

@@ -44,6 +44,10 @@ class Worker {
   void separateInTree(const ImplicationTable &implications,
                       const std::function<int(CutFamily)> &levelOf, CutId firstCutId);
   const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
+  // From now on proofs of infeasible relaxations become cuts, with the same ids. The domain is at
+  // level 0.
+  void cutByProofs(int level, CutId firstCutId);
+  const ProofCuts *proofCuts() const { return proofCuts_.get(); }
 
   // Whether results come with the points of their relaxations.
   void keepPoints(bool keep) { keepsPoints_ = keep; }
@@ -86,6 +90,7 @@ class Worker {
   std::unique_ptr<ConflictAnalysis> conflicts_;
   std::optional<OrbitalFixing> orbitalFixing_;
   std::unique_ptr<TreeSeparation> treeSeparation_;
+  std::unique_ptr<ProofCuts> proofCuts_;
   CutId nextCutId_ = 0;
   bool keepsPoints_ = false;
   std::shared_ptr<const NodePath> path_;

@@ -3,10 +3,12 @@
 
 #include <cstdarg>
 #include <cstdlib>
+#include <numeric>
 
 #include "base/random.h"
 #include "mip/cut_harness.h"
 #include "mip/cuts/cut_dump.h"
+#include "mip/cuts/proof_cuts.h"
 #include "support/random_lp.h"
 
 namespace tarvik::test {
@@ -225,6 +227,103 @@ TEST(Cuts, AreValidOnRandomModels) {
     RecordProperty(families()[f].name, found[f]);
     EXPECT_GT(found[f], 20) << families()[f].name;
   }
+}
+
+// Infeasible branches, and branches beyond a cutoff, of random models: their proofs, rounded at the
+// optimum of the relaxation, hold for all points (that are within the cutoff).
+class ProofCutJudge {
+ public:
+  explicit ProofCutJudge(std::uint64_t seed)
+      : random_(seed + 77),
+        mip_(MipGenerator(seed).generate()),
+        problem_(makeProblem(mip_.lp, mip_.kind)),
+        domain_(problem_),
+        lp_(problem_, SimplexOptions()) {
+    control_.log = &log_;
+  }
+
+  int run(bool withCutoff) {
+    if (!domain_.propagate(control_.work)) return 0;
+    lp_.follow(domain_);
+    if (lp_.solve(control_) != LpStatus::Optimal) return 0;
+    const double root = lp_.objective();
+    const double cutoff = withCutoff ? root + 0.2 * (1 + std::fabs(root)) : kUserInf;
+    ProofCuts proofs(problem_, domain_, 2);
+    CutId nextId = 0;
+    for (int trial = 0; trial < 5; ++trial) {
+      branch(proofs, cutoff);
+      lp_.setCutoff(kUserInf);
+      if (lp_.solve(control_) != LpStatus::Optimal) break;
+      proofs.beginNode();
+      proofs.round(lp_, control_.work, nextId);
+    }
+    judge(cutoff);
+    return proofs.count();
+  }
+
+ private:
+  // Takes some columns off their values in the relaxation, for the time of one solve.
+  void branch(ProofCuts &proofs, double cutoff) {
+    const Vec<double> x(lp_.x());
+    for (const int j : problem_.integers()) {
+      if (random_.below(2)) continue;
+      const bool up = random_.below(2) != 0;
+      const double value = up ? std::floor(x[j]) + 1 : std::ceil(x[j]) - 1;
+      if (!domain_.decide({{j, up ? BoundSide::Lower : BoundSide::Upper, value}})) break;
+    }
+    if (!domain_.empty()) {
+      lp_.follow(domain_);
+      lp_.setCutoff(cutoff);
+      const LpStatus status = lp_.solve(control_);
+      const bool cutOff =
+          status == LpStatus::Cutoff || (status == LpStatus::Optimal && lp_.objective() >= cutoff);
+      if (cutOff || status == LpStatus::Infeasible) proofs.take(lp_, cutOff, cutoff, control_.work);
+    }
+    domain_.backtrackTo(0);
+    lp_.follow(domain_);
+  }
+  // The objective under the cutoff is one more row for the enumeration.
+  void judge(double cutoff) const {
+    LpModel lp(mip_.lp);
+    if (cutoff < kUserInf) {
+      SparseMatrix rows = transpose(lp.a);
+      Vec<int> index(lp.numCols);
+      std::iota(index.begin(), index.end(), 0);
+      rows.append(lp.numCols, index.data(), lp.cost.data());
+      lp.a = transpose(rows);
+      lp.rowLower.push_back(-kInf);
+      lp.rowUpper.push_back(cutoff);
+      ++lp.numRows;
+    }
+    const Problem restricted = makeProblem(lp, mip_.kind);
+    Enumeration truth(restricted);
+    if (truth.feasibleAssignments() == 0) return;
+    for (int k = 0; k < lp_.numCuts(); ++k)
+      EXPECT_LE(truth.excess(lp_.cut(k)), 1e-6) << describe(lp_.cut(k));
+  }
+
+  Random random_;
+  RandomMip mip_;
+  Problem problem_;
+  Domain domain_;
+  Relaxation lp_;
+  SilentLog log_;
+  SolveControl control_;
+};
+
+TEST(Cuts, OfProofsAreValidOnRandomModels) {
+  const char *wanted = std::getenv("TARVIK_RANDOM_CUTS"),
+             *from = std::getenv("TARVIK_RANDOM_FIRST");
+  const int first = from ? std::atoi(from) : 1, count = wanted ? std::atoi(wanted) : 700;
+  int found[2] = {0, 0};
+  for (int seed = first; seed < first + count; ++seed) {
+    found[seed % 2] += ProofCutJudge(seed).run(seed % 2 != 0);
+    ASSERT_FALSE(HasFailure()) << "seed " << seed;
+  }
+  RecordProperty("Infeasible", found[0]);
+  RecordProperty("CutOff", found[1]);
+  EXPECT_GT(found[0], 20);
+  EXPECT_GT(found[1], 20);
 }
 
 // max y1 + y2 with 2 y1 + 2 y2 <= 3, and its mixed relatives.

@@ -34,6 +34,7 @@ double RelaxationProof::addRows(const Relaxation &lp, const Vec<double> &y, Work
       sum_[index[k]].addProduct(-y[i], value[k]);
     }
     rhs_.addProduct(-y[i], side);
+    rank_ = std::max(rank_, lp.rowRank(i));
     entries += count;
   }
   work.charge(static_cast<double>(lp.numRows()) + 3 * entries);
@@ -64,7 +65,9 @@ bool RelaxationProof::finish(double scale, ProofRow &proof, WorkMeter &work) {
   cols_.clear();
   proof.rhs = rhs_.value();
   proof.margin = problem_.tolerances().primal * std::max({1.0, scale, std::fabs(proof.rhs)});
+  proof.rank = rank_;
   rhs_ = CompensatedSum();
+  rank_ = 0;
   return valid && std::isfinite(proof.rhs);
 }
 

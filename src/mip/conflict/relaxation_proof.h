@@ -18,6 +18,7 @@ struct ProofRow {
   Vec<double> value;
   double rhs = 0;     // value'x <= rhs
   double margin = 0;  // a violation by more than this is one
+  int rank = 0;       // the largest of the rows in it
 };
 
 class RelaxationProof {
@@ -45,6 +46,7 @@ class RelaxationProof {
   Vec<char> isUsed_;
   Vec<int> cols_;
   CompensatedSum rhs_;
+  int rank_ = 0;
   Vec<double> multipliers_;
 };
 
