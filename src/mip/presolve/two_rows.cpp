@@ -24,6 +24,9 @@ constexpr double kLargestMultiplier = 1e4;
 constexpr double kLargestBound = 1e6;
 constexpr double kCancelled = 1e-11;
 constexpr double kRounding = 1e-9;
+// A violation of the row that stays, within the tolerance, comes back in the one that went times
+// the multiplier.
+constexpr double kLargestOfRedundant = 1;
 // Rows may be violated by this share of the tolerance without what is dropped.
 constexpr double kSafeShare = 0.1;
 
@@ -74,7 +77,7 @@ class TwoRows {
   void tighten(const Combination &both);
   // -a in the place of a, with the negated side: the row ax <= b is redundant.
   bool provesRedundant(const Combination &most) const {
-    return most.multiplier > 0 &&
+    return most.multiplier > 0 && most.multiplier <= kLargestOfRedundant &&
            most.slack <= std::min(most.rounding, kSafeShare * tolerances_.primal);
   }
   void relax(int row, double sign);
