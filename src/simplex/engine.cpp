@@ -416,8 +416,7 @@ template <class Real>
 void Engine<Real>::unitBtran(BasisPos p) {
   rho.clear();
   rho.set(p, Real(1));
-  factor.btran(rho, rhoDensity, control->work);
-  if (!rho.valid()) rho.rebuild(Real(1e-14));
+  factor.btranListed(rho, rhoDensity, control->work);
   updateDensity(rhoDensity, rho);
 }
 

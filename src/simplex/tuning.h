@@ -39,7 +39,7 @@ inline constexpr int kWarmInfeasibilities = 10;
 
 // What a loose row-wise copy of the matrix costs to make, in operations an entry. A freshly loaded
 // basis forms its first pivot rows column by column, up to this cost.
-inline constexpr double kRowCopyCost = 6;
+inline constexpr double kRowCopyCost = 8;
 
 // Pivot rows formed from the loose copy before the partitioned one is made.
 inline constexpr int kLoosePrices = 50;

@@ -32,8 +32,8 @@ struct Factor<Real>::Impl {
   void repairRows(SingularRepair &repair);
   void startStats(const Vec<VarIndex> &head);
   double ftran(SparseVec<Real> &x, double expectedDensity, bool keepSpike);
-  double btran(SparseVec<Real> &y, double expectedDensity);
-  void settle(SparseVec<Real> &x, double &work) const;
+  double btran(SparseVec<Real> &y, double expectedDensity, double listDensity);
+  void settle(SparseVec<Real> &x, double &work, double listDensity) const;
   double chargeSolve(double lWork, double rWork, double uWork);
   bool wantsRefactor() const;
 };
@@ -100,12 +100,12 @@ double Factor<Real>::Impl::ftran(SparseVec<Real> &x, double expectedDensity, boo
   }
   const double uWork = solver.template solve<Sweep::Backward>(factors.uCols, factors.pivot.data(),
                                                               dropTol, expectedDensity, x);
-  settle(x, lWork);
+  settle(x, lWork, lu::kListDensity);
   return chargeSolve(lWork, rWork, uWork);
 }
 
 template <class Real>
-double Factor<Real>::Impl::btran(SparseVec<Real> &y, double expectedDensity) {
+double Factor<Real>::Impl::btran(SparseVec<Real> &y, double expectedDensity, double listDensity) {
   const Real dropTol = static_cast<Real>(options.dropTol);
   const int unit = y.count == 1 ? y.index[0] : -1;
   const double uWork =
@@ -120,14 +120,14 @@ double Factor<Real>::Impl::btran(SparseVec<Real> &y, double expectedDensity) {
   const double rWork = updates.applyBackward(y);
   lWork +=
       solver.template solve<Sweep::Backward>(factors.lRows, nullptr, dropTol, expectedDensity, y);
-  settle(y, lWork);
+  settle(y, lWork, listDensity);
   return chargeSolve(lWork, rWork, uWork);
 }
 
 // Makes the list of a result that plain loops have left without one, if it is worth having. The
 // loop is written without a branch on the values, which nobody could predict.
 template <class Real>
-void Factor<Real>::Impl::settle(SparseVec<Real> &x, double &work) const {
+void Factor<Real>::Impl::settle(SparseVec<Real> &x, double &work, double listDensity) const {
   if (x.valid()) return;
   const Real dropTol = static_cast<Real>(options.dropTol);
   Real *const value = x.value.data();
@@ -140,7 +140,7 @@ void Factor<Real>::Impl::settle(SparseVec<Real> &x, double &work) const {
     count += keep;
     value[i] *= static_cast<Real>(keep);
   }
-  x.count = count > lu::kListDensity * m ? -1 : count;
+  x.count = count > listDensity * m ? -1 : count;
   work += m;
 }
 
@@ -203,7 +203,12 @@ void Factor<Real>::ftran(SparseVec<Real> &x, double expectedDensity, WorkMeter &
 
 template <class Real>
 void Factor<Real>::btran(SparseVec<Real> &y, double expectedDensity, WorkMeter &work) {
-  work.charge(impl_->btran(y, expectedDensity));
+  work.charge(impl_->btran(y, expectedDensity, lu::kListDensity));
+}
+
+template <class Real>
+void Factor<Real>::btranListed(SparseVec<Real> &y, double expectedDensity, WorkMeter &work) {
+  work.charge(impl_->btran(y, expectedDensity, 1.0));
 }
 
 template <class Real>

@@ -66,6 +66,8 @@ class Factor {
   // transformed column is kept for the update that follows.
   void ftran(SparseVec<Real> &x, double expectedDensity, WorkMeter &work, bool keepSpike = false);
   void btran(SparseVec<Real> &y, double expectedDensity, WorkMeter &work);
+  // The same with a list of the result's entries however many they are.
+  void btranListed(SparseVec<Real> &y, double expectedDensity, WorkMeter &work);
 
   // Replaces the column at position p by the one of the last ftran with keepSpike, whose result
   // has the entry alpha at p. Forrest-Tomlin.
