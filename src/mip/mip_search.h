@@ -12,7 +12,7 @@
 #include <functional>
 #include <optional>
 
-#include "mip/cuts/cut.h"
+#include "mip/cuts/cut_pool.h"
 #include "mip/cuts/separators.h"
 #include "mip/explorer.h"
 #include "mip/implications.h"
@@ -89,6 +89,7 @@ class MipSearch {
   void rootCutLoop();
   Round separateAndSolve(int round);
   int separateRound(int round, Vec<Cut> &cuts);
+  void removeSlackCuts(int age);
   bool rootPointIsFeasible();
   void rememberRoot();
   void runRootHeuristics();
@@ -166,6 +167,7 @@ class MipSearch {
   double rootBound_ = -kUserInf, rootIterations_ = 0;
   double unsolvedBound_ = kUserInf;  // the smallest bound of nodes given up
   CutCounters cutCounters_{};
+  CutPool cutPool_;                 // of the root
   CutId nextCutId_ = 0;             // of the root
   int sideExplorers_ = 0;           // made so far
   double dismissedIterations_ = 0;  // of explorers that are gone

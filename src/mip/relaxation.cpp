@@ -62,9 +62,12 @@ LpStatus Relaxation::solve(SolveControl &control, double iterationLimit) {
     return status_;
   }
   simplex_.getPoint(x_, reducedCost_, objective_);
+  return status_;
+}
+
+void Relaxation::ageCuts() {
   for (int k = 0; k < numCuts(); ++k)
     cuts_[k].age = simplex_.logicalIsBasic(problem_->numRows() + k) ? cuts_[k].age + 1 : 0;
-  return status_;
 }
 
 const LpSolution &Relaxation::solution() const {
@@ -100,17 +103,19 @@ void Relaxation::copyCuts(const Relaxation &other) {
   if (!cuts.empty()) addCuts(cuts, ids);
 }
 
-int Relaxation::removeSlackCuts(int age) {
+Vec<std::shared_ptr<const Cut>> Relaxation::removeSlackCuts(int age, CutId firstId) {
   Vec<char> mark(numRows(), 0);
   Vec<Active> kept;
+  Vec<std::shared_ptr<const Cut>> removed;
   for (int k = 0; k < numCuts(); ++k) {
-    if (cuts_[k].age >= age)
+    if (cuts_[k].age >= age && cuts_[k].id >= firstId) {
       mark[problem_->numRows() + k] = 1;
-    else
+      removed.push_back(cuts_[k].cut);
+    } else {
       kept.push_back(cuts_[k]);
+    }
   }
-  const int removed = numCuts() - static_cast<int>(kept.size());
-  if (removed == 0) return 0;
+  if (removed.empty()) return removed;
   simplex_.deleteRows(mark);
   cuts_.swap(kept);
   return removed;

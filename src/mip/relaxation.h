@@ -48,8 +48,12 @@ class Relaxation {
   void addCuts(const Vec<std::shared_ptr<const Cut>> &cuts, const Vec<CutId> &ids);
   // The cuts of another relaxation of the problem, under the same ids.
   void copyCuts(const Relaxation &other);
-  // Deletes cuts whose logical has been basic in `age` successive optimal solves.
-  int removeSlackCuts(int age);
+  // After an optimal solve: counts for how long cuts have been slack. Probes and dives do not
+  // count.
+  void ageCuts();
+  // Deletes cuts, of ids from the given one on, that have been slack for so long: they are
+  // returned.
+  Vec<std::shared_ptr<const Cut>> removeSlackCuts(int age, CutId firstId = 0);
   // Entries of row i (of the problem, or of a cut), its bounds.
   void row(int i, const int *&index, const double *&value, int &count) const;
   double rowLower(int i) const;
@@ -64,7 +68,7 @@ class Relaxation {
   struct Active {
     std::shared_ptr<const Cut> cut;
     CutId id;
-    int age = 0;
+    int age = 0;  // for so long its logical has been basic
   };
 
   const Problem *problem_;

@@ -18,7 +18,7 @@ constexpr int kStallRounds = 4;
 // A round that improves the bound by less than this share of it has stalled.
 constexpr double kLeastImprovement = 1e-4;
 // Cuts whose logical was basic in so many solves leave the relaxation.
-constexpr int kSlackAge = 3;
+constexpr int kSlackAge = 2;
 
 // This share of the integral columns must have been fixed, and this gap be left, for another
 // presolve to pay: small trees are done sooner than another root.
@@ -151,7 +151,7 @@ void MipSearch::solveRoot() {
   rootDone_ = true;
   if (rootCutsPay_ && options_.cuts.mir > 1)
     worker().separateInTree(
-        implications_, [this](CutFamily family) { return levelOf(family); }, nextCutId_);
+        implications_, [this](CutFamily family) { return levelOf(family); }, cutPool_, nextCutId_);
   if (levelOf(CutFamily::InfProof) > 0 && !pool_.inUse())
     worker().cutByProofs(levelOf(CutFamily::InfProof), nextCutId_);
   auto root = std::allocate_shared<Node>(AccountAllocator<Node>());
@@ -231,24 +231,31 @@ int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
   return static_cast<int>(cuts.size());
 }
 
+// Slack cuts are pooled. The separators read the tableau, which deleting rows leaves without
+// factors: not before they had their turn.
+void MipSearch::removeSlackCuts(int age) {
+  for (const auto &cut : worker().lp().removeSlackCuts(age)) cutPool_.add(cut);
+}
+
 MipSearch::Round MipSearch::separateAndSolve(int round) {
   Relaxation &lp = worker().lp();
   Domain &domain = worker().domain();
   const double before = lp.objective();
   Vec<Cut> cuts;
-  if (separateRound(round, cuts) == 0) return Round::Over;
+  const int fresh = separateRound(round, cuts);
+  cutPool_.separate(lp.x(), control_.work, cuts);
+  if (cuts.empty()) return Round::Over;
   CutFilter filter;
   filter.limit = std::max(100, std::min(2000, problem_.numRows() + problem_.numCols() / 2));
   Vec<std::shared_ptr<const Cut>> chosen;
   Vec<CutId> ids;
   for (const int k : chooseCuts(cuts, problem_, lp.x(), filter)) {
-    ++cutCounters_[static_cast<int>(cuts[k].family)];
+    if (k < fresh) ++cutCounters_[static_cast<int>(cuts[k].family)];
     chosen.push_back(std::allocate_shared<Cut>(AccountAllocator<Cut>(), std::move(cuts[k])));
     ids.push_back(nextCutId_++);
   }
   if (chosen.empty()) return Round::Over;
-  // Only now: separators read the tableau, which deleting rows leaves without factors.
-  lp.removeSlackCuts(kSlackAge);
+  removeSlackCuts(kSlackAge);
   lp.addCuts(chosen, ids);
   lp.setCutoff(cutoff_);
   const LpStatus status = lp.solve(control_);
@@ -257,6 +264,7 @@ MipSearch::Round MipSearch::separateAndSolve(int round) {
     return Round::Over;
   }
   if (status != LpStatus::Optimal) return Round::Over;
+  lp.ageCuts();
   rememberRoot();
   if (!worker().tightenByReducedCosts(root_.x, root_.reducedCost, root_.objective) ||
       !domain.propagate(control_.work)) {
@@ -285,7 +293,7 @@ void MipSearch::rootCutLoop() {
     log_.nodeLogLine(state(), NodeOutcome::Solved, worker().lpObjective(), 0, lastInfeasibilities_);
     if (rootPointIsFeasible()) break;
   }
-  if (worker().lp().status() == LpStatus::Optimal) worker().lp().removeSlackCuts(1);
+  if (worker().lp().status() == LpStatus::Optimal) removeSlackCuts(1);
   worker().lp().solve(control_);
   const double last = worker().lpObjective();
   rootCutsPay_ = limit > 0 && last - first > kLeastImprovement * (1 + std::fabs(last));

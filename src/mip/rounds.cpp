@@ -49,7 +49,7 @@ void MipSearch::employAll() {
     if (worker().treeSeparation()) {
       // Ids of their own, far enough apart.
       explorer->worker().separateInTree(
-          implications_, [this](CutFamily family) { return levelOf(family); },
+          implications_, [this](CutFamily family) { return levelOf(family); }, cutPool_,
           ++sideExplorers_ * kCutIdStep);
     }
     explorer->learnIncumbent(incumbentObjective_, incumbent_);

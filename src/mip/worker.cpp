@@ -41,8 +41,10 @@ void Worker::returnToRoot() {
 }
 
 void Worker::separateInTree(const ImplicationTable &implications,
-                            const std::function<int(CutFamily)> &levelOf, CutId firstCutId) {
-  treeSeparation_ = std::make_unique<TreeSeparation>(problem_, domain_, implications, levelOf);
+                            const std::function<int(CutFamily)> &levelOf, const CutPool &pool,
+                            CutId firstCutId) {
+  treeSeparation_ =
+      std::make_unique<TreeSeparation>(problem_, domain_, implications, levelOf, pool, firstCutId);
   nextCutId_ = firstCutId;
 }
 
@@ -138,6 +140,7 @@ LpStatus Worker::solveRelaxation() {
     lp_.setBasis(slack);
     status = lp_.solve(control_);
   }
+  if (status == LpStatus::Optimal) lp_.ageCuts();
   brancher_.noteNodeIterations(lp_.iterations() - before);
   return status;
 }

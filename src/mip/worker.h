@@ -39,10 +39,11 @@ class Worker {
   // What it has learned from conflicts; null: it does not.
   ConflictStore *conflicts() { return conflicts_ ? &conflicts_->store() : nullptr; }
 
-  // From now on nodes get cuts, with ids from the given one on. The domain is at level 0; the
-  // table outlives the worker.
+  // From now on nodes get cuts, fresh ones and those of a copy of the pool, with ids from the given
+  // one on. The domain is at level 0; the table outlives the worker.
   void separateInTree(const ImplicationTable &implications,
-                      const std::function<int(CutFamily)> &levelOf, CutId firstCutId);
+                      const std::function<int(CutFamily)> &levelOf, const CutPool &pool,
+                      CutId firstCutId);
   const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
   // From now on proofs of infeasible relaxations become cuts, with the same ids. The domain is at
   // level 0.

@@ -8,6 +8,7 @@
 #include "base/random.h"
 #include "mip/cut_harness.h"
 #include "mip/cuts/cut_dump.h"
+#include "mip/cuts/cut_pool.h"
 #include "mip/cuts/proof_cuts.h"
 #include "support/random_lp.h"
 
@@ -452,6 +453,72 @@ TEST(Cuts, CutANetworkWithJointCapacities) {
   const SeparationResult result = separateAndJudge(problem, {makeNetworkSeparator}, 3, 1);
   EXPECT_NEAR(result.firstBound, 1.75, 1e-9);
   EXPECT_NEAR(result.lastBound, 2, 1e-9);
+}
+
+std::shared_ptr<const Cut> sharedCut(const Vec<double> &value, double rhs) {
+  Cut cut;
+  for (std::size_t k = 0; k < value.size(); ++k) cut.index.push_back(static_cast<int>(k));
+  cut.value = value;
+  cut.rhs = rhs;
+  return std::make_shared<const Cut>(cut);
+}
+
+TEST(CutPool, KeepsTheTightestOfParallelCutsUntilItIsViolatedOrOld) {
+  WorkMeter work;
+  CutPool pool(3);
+  pool.add(sharedCut({1, 2}, 4));
+  pool.add(sharedCut({0.5, 1}, 1.5));  // tighter
+  pool.add(sharedCut({2, 4}, 7));      // not so tight
+  EXPECT_EQ(pool.size(), 1);
+  pool.add(sharedCut({-1, -2}, 4));
+  pool.add(sharedCut({1, 2.001}, 4));
+  pool.add(sharedCut({1, 3}, 4));  // no room
+  EXPECT_EQ(pool.size(), 3);
+  Vec<Cut> cuts;
+  EXPECT_EQ(pool.separate({1, 1.2}, work, cuts), 1);
+  ASSERT_EQ(cuts.size(), 1);
+  EXPECT_EQ(cuts[0].rhs, 1.5);
+  EXPECT_EQ(pool.size(), 2);
+  EXPECT_GT(work.counted(), 0);
+  for (int round = 0; round < 100 && pool.size() > 0; ++round) pool.separate({0, 0}, work, cuts);
+  EXPECT_EQ(pool.size(), 0);
+  EXPECT_EQ(cuts.size(), 1);
+}
+
+// A pooled cut is a candidate only where it cuts as deep as the fresh ones on average.
+TEST(CutPool, WaitsUntilItsCutsMatchTheFreshOnes) {
+  WorkMeter work;
+  CutPool pool;
+  pool.add(sharedCut({1, 0}, 1));
+  Vec<Cut> cuts{*sharedCut({0, 1}, 1), *sharedCut({0, 1}, 2)};
+  EXPECT_EQ(pool.separate({1.5, 3}, work, cuts), 0);  // 0.5 against 2 and 1
+  EXPECT_EQ(pool.separate({2.6, 3}, work, cuts), 1);
+  ASSERT_EQ(cuts.size(), 3);
+  EXPECT_EQ(cuts.back().value, (Vec<double>{1, 0}));
+  EXPECT_EQ(pool.size(), 0);
+}
+
+// Cuts of smaller ids than the given one stay, and only solves that are counted make cuts older.
+TEST(Relaxation, RemovesLaterCutsThatWereSlackForAWhile) {
+  const LpModel lp = denseLp({-1, -1}, {{0, 1}, {0, 1}}, {{1, 1}}, {{-kInf, 2}});
+  const Problem problem = binaryProblem(lp);
+  Relaxation relaxation(problem, SimplexOptions());
+  SilentLog log;
+  SolveControl control;
+  control.log = &log;
+  const auto slack = sharedCut({1, 1}, 3), tight = sharedCut({2, 1}, 2),
+             later = sharedCut({1, 2}, 7);
+  relaxation.addCuts({slack, tight, later}, {0, 5, 6});
+  for (int solve = 0; solve < 2; ++solve) {
+    ASSERT_EQ(relaxation.solve(control), LpStatus::Optimal);
+    EXPECT_TRUE(relaxation.removeSlackCuts(1, 5).empty());
+  }
+  relaxation.ageCuts();
+  EXPECT_TRUE(relaxation.removeSlackCuts(2, 5).empty());
+  EXPECT_EQ(relaxation.removeSlackCuts(1, 5), Vec<std::shared_ptr<const Cut>>{later});
+  ASSERT_EQ(relaxation.numCuts(), 2);
+  EXPECT_EQ(relaxation.cutId(0), 0);
+  EXPECT_EQ(relaxation.removeSlackCuts(1), Vec<std::shared_ptr<const Cut>>{slack});
 }
 
 class TextLog : public Log {

@@ -20,8 +20,13 @@ constexpr int kMostCuts = 100;
 
 TreeSeparation::TreeSeparation(const Problem &problem, const Domain &global,
                                const ImplicationTable &implications,
-                               const std::function<int(CutFamily)> &levelOf)
-    : problem_(&problem), implications_(&implications), global_(global) {
+                               const std::function<int(CutFamily)> &levelOf, const CutPool &pool,
+                               CutId firstCutId)
+    : problem_(&problem),
+      implications_(&implications),
+      global_(global),
+      pool_(pool),
+      firstCutId_(firstCutId) {
   Vec<std::unique_ptr<Separator>> all;
   makeSeparators(all);
   for (auto &separator : all) {
@@ -63,18 +68,20 @@ int TreeSeparation::round(Relaxation &lp, WorkMeter &work, CutId &nextCutId) {
   Vec<Cut> cuts;
   for (std::size_t k = 0; k < separators_.size(); ++k)
     separators_[k]->separate(point, levels_[k], cuts);
+  const int fresh = static_cast<int>(cuts.size());
+  pool_.separate(x, work, cuts);
   CutFilter filter;
   filter.limit = kMostCuts;
   Vec<std::shared_ptr<const Cut>> chosen;
   Vec<CutId> ids;
   for (const int k : chooseCuts(cuts, *problem_, x, filter)) {
-    ++counts_[static_cast<int>(cuts[k].family)];
+    if (k < fresh) ++counts_[static_cast<int>(cuts[k].family)];
     chosen.push_back(std::allocate_shared<Cut>(AccountAllocator<Cut>(), std::move(cuts[k])));
     ids.push_back(nextCutId++);
   }
   spent_ += work.counted() - before;
   if (chosen.empty()) return 0;
-  lp.removeSlackCuts(kSlackAge);
+  for (const auto &cut : lp.removeSlackCuts(kSlackAge, firstCutId_)) pool_.add(cut);
   lp.addCuts(chosen, ids);
   return static_cast<int>(chosen.size());
 }

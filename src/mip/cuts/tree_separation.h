@@ -1,20 +1,25 @@
 // Cuts in the tree: at some of the nodes the relaxation gets a few rounds of cuts, made with bounds
 // that hold everywhere, so that they stay valid for all nodes. Every worker has its own; effort is
-// a share of the work so far, which shrinks while the cuts move no bounds.
+// a share of the work so far, which shrinks while the cuts move no bounds. Cuts of the root stay;
+// those that were added here leave when they have been slack for a while, and wait in the pool.
 #pragma once
 
 #include <functional>
 
+#include "mip/cuts/cut_pool.h"
 #include "mip/cuts/separators.h"
 #include "mip/implications.h"
+#include "mip/relaxation.h"
 
 namespace tarvik {
 
 class TreeSeparation {
  public:
-  // `global` is at level 0; a copy is kept. Families of level 0 are left out.
+  // `global` is at level 0; copies of it and of the pool are kept. Families of level 0 are left
+  // out. Cuts of smaller ids than the given one are the root's.
   TreeSeparation(const Problem &problem, const Domain &global, const ImplicationTable &implications,
-                 const std::function<int(CutFamily)> &levelOf);
+                 const std::function<int(CutFamily)> &levelOf, const CutPool &pool,
+                 CutId firstCutId);
 
   // Begins a node; false: no cuts there.
   bool begins(int depth, const WorkMeter &work);
@@ -29,6 +34,8 @@ class TreeSeparation {
   const Problem *problem_;
   const ImplicationTable *implications_;
   Domain global_;
+  CutPool pool_;
+  CutId firstCutId_;
   Vec<std::unique_ptr<Separator>> separators_;
   Vec<int> levels_;
   int counts_[kCutFamilies] = {};
