@@ -1,5 +1,6 @@
 // The independent answer for tiny mixed-integer programs: every discrete choice is enumerated and
-// the rest solved by the reference simplex.
+// the rest solved by the reference simplex. Tolerances make it the optimum of everything that
+// passes within them, which no accepted point may be better than.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +13,13 @@ namespace tarvik::test {
 
 class ReferenceMip {
  public:
-  explicit ReferenceMip(const MipModel &model) : model_(model), lp_(model.lp) {}
+  explicit ReferenceMip(const MipModel &model, double feasibility = 0, double integrality = 0)
+      : model_(model), lp_(model.lp), feasibility_(feasibility), integrality_(integrality) {
+    for (double &lower : lp_.colLower) lower -= feasibility;
+    for (double &upper : lp_.colUpper) upper += feasibility;
+    for (double &lower : lp_.rowLower) lower -= feasibility;
+    for (double &upper : lp_.rowUpper) upper += feasibility;
+  }
 
   // status, and objective where it is Optimal.
   LpSolution solve() {
@@ -38,11 +45,12 @@ class ReferenceMip {
     const auto integral = [&] {
       if (!isIntegral(model_.kind[j])) return next();
       const double lower = lp_.colLower[j], upper = lp_.colUpper[j];
-      for (double v = std::ceil(lower); v <= upper; ++v) withBounds(j, v, v, next);
+      for (double v = std::ceil(lower - integrality_); v <= upper + integrality_; ++v)
+        withBounds(j, v - integrality_, v + integrality_, next);
     };
     if (!isSemi(model_.kind[j])) return integral();
-    withBounds(j, -kInf, model_.holeLower[j], integral);
-    withBounds(j, model_.holeUpper[j], kInf, integral);
+    withBounds(j, -kInf, model_.holeLower[j] + feasibility_, integral);
+    withBounds(j, model_.holeUpper[j] - feasibility_, kInf, integral);
   }
 
   void chooseSet(std::size_t s) {
@@ -56,7 +64,7 @@ class ReferenceMip {
     if (k == static_cast<int>(set.cols.size())) return chooseSet(s + 1);
     const auto next = [&] { zeroOutside(set, first, k + 1, s); };
     if (k >= first && k < first + set.type) return next();
-    withBounds(set.cols[k], 0, 0, next);
+    withBounds(set.cols[k], -feasibility_, feasibility_, next);
   }
 
   void solveRest() {
@@ -69,6 +77,7 @@ class ReferenceMip {
 
   const MipModel &model_;
   LpModel lp_;
+  double feasibility_, integrality_;
   LpSolution best_;
 };
 
