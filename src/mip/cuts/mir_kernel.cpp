@@ -37,10 +37,6 @@ bool MirKernel::isIntegral(int var) const {
   return isSlack(var) ? rows_->slack(var - rows_->numCols()).step > 0
                       : rows_->problem().isIntegral(var);
 }
-bool MirKernel::isRelaxed(int var) const {
-  return relaxesBounded_ && !isSlack(var) && !point_->global->isBinary(var) &&
-         !(bounds_->upper(var).empty() && bounds_->lower(var).empty());
-}
 double MirKernel::lowerOf(int var) const { return isSlack(var) ? 0 : point_->global->lower(var); }
 double MirKernel::upperOf(int var) const {
   if (!isSlack(var)) return point_->global->upper(var);
@@ -72,7 +68,7 @@ bool MirKernel::load(const BaseRow &row, double sign, Rounding rounding) {
     const double coef = sign * row.coef[k];
     if (std::fabs(coef) <= kTinyShare * largest) {
       if (!dropTiny(var, coef)) return false;
-    } else if (isIntegral(var) && !isRelaxed(var)) {
+    } else if (isIntegral(var)) {
       addIntegral(var, coef);
     } else if (!addContinuous(var, coef)) {
       return false;

@@ -20,9 +20,6 @@ class MirKernel {
   // Without variable bounds only plain ones are substituted.
   MirKernel(const SeparationPoint &point, const RowSystem &rows, const VariableBounds *bounds);
 
-  // Integral columns with variable bounds are taken as continuous ones, for these to be
-  // substituted.
-  void relaxBounded() { relaxesBounded_ = true; }
   // Takes sign * row <= sign * rhs. False: variables without bounds are in the way.
   bool load(const BaseRow &row, double sign, Rounding rounding);
   // The best cut that the heuristic search over divisors and complements finds.
@@ -55,7 +52,6 @@ class MirKernel {
 
   bool isSlack(int var) const { return var >= rows_->numCols(); }
   bool isIntegral(int var) const;
-  bool isRelaxed(int var) const;
   double lowerOf(int var) const;
   double upperOf(int var) const;
   double valueOf(int var) const;
@@ -80,7 +76,6 @@ class MirKernel {
   const SeparationPoint *point_;
   const RowSystem *rows_;
   const VariableBounds *bounds_;
-  bool relaxesBounded_ = false;
   Rounding rounding_ = Rounding::MixedInteger;
   Vec<int> place_;  // by variable: among integrals_, -1: not there
   Vec<Integral> integrals_;

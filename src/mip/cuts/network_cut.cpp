@@ -39,7 +39,6 @@ class CutSets {
         cuts_(cuts),
         mostCuts_(cuts.size() + kMostCuts),
         balances_(network.numNodes()) {
-    kernel_.relaxBounded();
     for (std::size_t b = 0; b < network.balances().size(); ++b)
       if (network.balances()[b].node >= 0)
         balances_[network.balances()[b].node].push_back(static_cast<int>(b));
