@@ -116,6 +116,9 @@ PhaseResult SimplexCore<Real>::run(SimplexMethod method) {
       case PhaseResult::NeedsDual:
         method = SimplexMethod::Dual;
         break;
+      case PhaseResult::Infeasible:
+        if (!loosen()) return result;
+        break;
       case PhaseResult::Optimal:
         if (const Violations violations = unscaledViolations(); !tightenIfViolated(violations))
           return polish(violations);
@@ -136,6 +139,16 @@ PhaseResult SimplexCore<Real>::run(SimplexMethod method) {
     }
   }
   return PhaseResult::Trouble;
+}
+
+// Infeasible within tightened tolerances is not infeasible: once more with the caller's, which stay
+// then. False when they are in use.
+template <class Real>
+bool SimplexCore<Real>::loosen() {
+  if (engine.primalTol >= engine.options.primalTol) return false;
+  engine.primalTol = engine.options.primalTol;
+  tightenings_ = kMaxTightenings;
+  return true;
 }
 
 template <class Real>

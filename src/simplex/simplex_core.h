@@ -67,6 +67,7 @@ class SimplexCore {
     double primal = 0, dual = 0;
   };
   Violations unscaledViolations() const;
+  bool loosen();
   bool tightenIfViolated(const Violations &violations);
   Recovery recover();
   PhaseResult polish(const Violations &violations);
