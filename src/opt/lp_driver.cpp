@@ -59,6 +59,7 @@ LpDriver::LpDriver(const LpModel &lp, const LpDriverOptions &options, SolveContr
                    WarmEngine &engine)
     : lp_(lp), options_(options), control_(control), engine_(engine) {
   tolerances_ = {options.simplex.primalTol, options.simplex.dualTol};
+  control_.limits.iterationLimit = std::min(control_.limits.iterationLimit, kMaxIterations);
   if (options_.wantCertificates) options_.presolve.dualReductions = false;
 }
 
@@ -215,6 +216,8 @@ LpSolution LpDriver::runEngine(Simplex &simplex, SimplexMethod method, bool from
   simplex.getSolution(solution);
   solution.status = status;
   iterations_ += simplex.iterations();
+  // What has been trouble once would be trouble in the next stage as well.
+  options_.simplex.markowitzTol = std::max(options_.simplex.markowitzTol, simplex.markowitzTol());
   extended_ = simplex.extended();
   return solution;
 }

@@ -54,6 +54,8 @@ class LpDriver {
 
  private:
   static constexpr double kNoCap = 1e100;
+  // No solve goes on for longer, whatever the caller's limit.
+  static constexpr double kMaxIterations = 1e9;
   LpSolution solveFromScratch();
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);

@@ -286,7 +286,11 @@ bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
   }
   e_.updatedObjective = e_.currentObjective();
   e_.valuesFollowed = true;
-  if (pricing_.check(e_.iterations) != PricingMode::Change::None) e_.rowWeight.assign(e_.lp.m, 1.0);
+  // A row with an overflown weight would never be looked at again.
+  const bool invalid = !std::all_of(e_.rowWeight.begin(), e_.rowWeight.end(),
+                                    [](double weight) { return weight > 0 && weight < kInf; });
+  if (pricing_.check(e_.iterations) != PricingMode::Change::None || invalid)
+    e_.rowWeight.assign(e_.lp.m, 1.0);
   fillQueue();
   return true;
 }

@@ -123,7 +123,9 @@ bool PrimalSimplex<Real>::rebuild(RebuildReason reason) {
   }
   e_.updatedObjective = e_.currentObjective();
   e_.valuesFollowed = pricing_.rule() != PricingRule::Partial;
-  if (pricing_.check(e_.iterations) != PricingMode::Change::None) resetWeights();
+  const bool invalid = !std::all_of(weight_.begin(), weight_.end(),
+                                    [](double weight) { return weight > 0 && weight < kInf; });
+  if (pricing_.check(e_.iterations) != PricingMode::Change::None || invalid) resetWeights();
   fillQueue();
   return true;
 }

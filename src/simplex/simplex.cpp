@@ -206,6 +206,7 @@ Vec<double> Simplex::edgeWeights() const {
 void Simplex::setEdgeWeights(const Vec<double> &weights) {
   engine_->visit([&](auto &core) { core.setEdgeWeights(weights); });
 }
+double Simplex::markowitzTol() const { return engine_->state().stability.markowitz(); }
 Scaling Simplex::scaling() const {
   return engine_->visit([](auto &core) {
     return Scaling{core.engine.lp.rowScale, core.engine.lp.colScale};

@@ -58,6 +58,9 @@ class Simplex {
   Vec<double> edgeWeights() const;
   void setEdgeWeights(const Vec<double> &weights);
 
+  // The stability threshold that the last solve has come to; it only grows in a solve.
+  double markowitzTol() const;
+
   // The factors that the loaded model was scaled with.
   Scaling scaling() const;
 

@@ -233,6 +233,7 @@ TEST(Stability, AStartingBasisThatIsSingularIsDiscarded) {
   EXPECT_TRUE(log.has("Warning: starting basis discarded\n")) << log.text;
   ASSERT_EQ(solution.status, LpStatus::Optimal);
   EXPECT_NEAR(solution.objective, 0.5, 1e-9);
+  EXPECT_EQ(simplex.markowitzTol(), 0.5);
 }
 
 }  // namespace

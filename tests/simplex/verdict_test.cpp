@@ -1,9 +1,12 @@
 // Verdicts on models where tolerances leave a choice.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "lp/check.h"
-#include "simplex/simplex.h"
+#include "simplex/engine.h"
 #include "support/ill_conditioned_lp.h"
+#include "support/random_lp.h"
 
 namespace tarvik::test {
 namespace {
@@ -60,6 +63,25 @@ TEST(Verdict, ContradictionsWithinTheToleranceAreForgiven) {
   const LpModel lp = brokenChain(kGap);
   for (const auto method : {SimplexMethod::Dual, SimplexMethod::Primal})
     EXPECT_EQ(solveFromSpread(lp, kGap, method).status, LpStatus::Optimal);
+}
+
+// Weights that have overflown make infeasible rows look as if there were nothing to choose.
+TEST(Verdict, InvalidWeightsAreReset) {
+  const LpModel lp = denseLp({1, 2}, {{0, 9}, {0, 9}}, {{1, 1}, {1, -1}}, {{3, kInf}, {-1, 1}});
+  for (const double weight : {std::numeric_limits<double>::infinity(),
+                              std::numeric_limits<double>::quiet_NaN(), -1.0, 0.0}) {
+    Simplex simplex{SimplexOptions{}};
+    simplex.load(lp);
+    simplex.core().rowWeight.assign(2, weight);
+    SilentLog log;
+    SolveControl control;
+    control.log = &log;
+    control.limits.start();
+    LpSolution solution;
+    EXPECT_EQ(simplex.solve(SimplexMethod::Dual, control), LpStatus::Optimal) << weight;
+    simplex.getSolution(solution);
+    EXPECT_NEAR(solution.objective, 4, 1e-9) << weight;
+  }
 }
 
 }  // namespace
