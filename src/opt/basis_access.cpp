@@ -27,19 +27,32 @@ void requireIndex(int index, int count, const char *what) {
     throw Error(TVK_ERROR_INDEX_OUT_OF_RANGE, "%s index %d out of range", what, index);
 }
 
-RetainedSolve &requireBasis(Model &model) {
-  RetainedSolve *kept = RetainedSolve::withBasis(model);
-  if (!kept) throw Error(TVK_ERROR_DATA_NOT_AVAILABLE, "No basis is available");
-  return *kept;
+// A linear model without rows that has been solved: its basis is empty, and there is nothing to
+// factor.
+bool hasEmptyBasis(const Model &model) {
+  const SolutionStore &store = model.solution();
+  return model.data().numConstrs() == 0 && store.status != TVK_LOADED &&
+         dynamic_cast<RetainedSolve *>(store.solver.get()) &&
+         static_cast<int>(store.vbasis.size()) == model.data().numVars();
 }
 
-// Calls body(simplex, work) with the factored basis under a clock of its own.
+// Null when the basis is empty.
+RetainedSolve *requireBasis(Model &model) {
+  RetainedSolve *kept = RetainedSolve::withBasis(model);
+  if (!kept && !hasEmptyBasis(model))
+    throw Error(TVK_ERROR_DATA_NOT_AVAILABLE, "No basis is available");
+  return kept;
+}
+
+// Calls body(simplex, work) with the factored basis, unless that is empty, under a clock of its
+// own.
 template <class Body>
 void withBasis(Model &model, Body &&body) {
-  RetainedSolve &kept = requireBasis(model);
+  RetainedSolve *kept = requireBasis(model);
   SolveClock clock(model);
+  if (!kept) return;
   bool changed = false;
-  Simplex &simplex = kept.factoredBasis(model, clock.control(), changed);
+  Simplex &simplex = kept->factoredBasis(model, clock.control(), changed);
   if (changed) model.env().log("Warning: singular basis was repaired\n");
   body(simplex, clock.control().work);
 }
@@ -172,14 +185,10 @@ void getSingularVectors(Model &model, TVKsvec **u, TVKsvec **v) {
   if (v) *v = nullptr;
   const int rows = model.data().numConstrs();
   SvecBlock right = u ? makeBlock(rows) : nullptr, left = v ? makeBlock(rows) : nullptr;
-  if (rows > 0) {
-    withBasis(model, [&](Simplex &simplex, WorkMeter &work) {
-      if (u) writeVector(model.env(), nullVector(simplex, false, work), right.get());
-      if (v) writeVector(model.env(), nullVector(simplex, true, work), left.get());
-    });
-  } else if (model.solution().status == TVK_LOADED) {
-    throw Error(TVK_ERROR_DATA_NOT_AVAILABLE, "No basis is available");
-  }
+  withBasis(model, [&](Simplex &simplex, WorkMeter &work) {
+    if (u) writeVector(model.env(), nullVector(simplex, false, work), right.get());
+    if (v) writeVector(model.env(), nullVector(simplex, true, work), left.get());
+  });
   if (u) *u = right.release();
   if (v) *v = left.release();
 }

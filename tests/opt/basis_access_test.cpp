@@ -364,6 +364,27 @@ TEST(BasisAccess, ARegularBasisHasNoSingularVectors) {
   TVKfree(u);
 }
 
+TEST(BasisAccess, AModelWithoutRowsHasAnEmptyBasis) {
+  LoggedEnv env;
+  TinyModel model(env, {{1}, {}, {}, {}, TVK_MINIMIZE, 0});
+  Result x(1);
+  TVKsvec b{0, nullptr, nullptr};
+  int head = -7;
+  EXPECT_EQ(TVKFSolve(model.get(), &b, &x.svec), TVK_ERROR_DATA_NOT_AVAILABLE);
+  ASSERT_EQ(model.solve(), TVK_OPTIMAL);
+  for (const auto call : {TVKFSolve, TVKBSolve}) {
+    x.svec.len = 5;
+    EXPECT_EQ(call(model.get(), &b, &x.svec), 0);
+    EXPECT_EQ(x.svec.len, 0);
+  }
+  x.svec.len = 5;
+  EXPECT_EQ(TVKBinvColj(model.get(), 0, &x.svec), 0);
+  EXPECT_EQ(x.svec.len, 0);
+  EXPECT_EQ(TVKBinvj(model.get(), 0, &x.svec), TVK_ERROR_INDEX_OUT_OF_RANGE);
+  EXPECT_EQ(TVKgetBasisHead(model.get(), &head), 0);
+  EXPECT_EQ(head, -7);
+}
+
 // Ones on the diagonal and minus ones above it: every pivot is 1, and yet the columns combine to
 // a vector of length 2^-39 relative to their multipliers (Wilkinson 1961).
 TEST(BasisAccess, NearDependencyIsExposed) {
