@@ -15,18 +15,18 @@ bool rowIsImpossible(char sense, double rhs) {
   return isInf(rhs);
 }
 
-double clamped(double bound) {
-  if (bound >= kInfBound) return kInf;
-  if (bound <= -kInfBound) return -kInf;
+double clamped(double bound, double infinite) {
+  if (bound >= infinite) return kInf;
+  if (bound <= -infinite) return -kInf;
   return bound;
 }
 
 }  // namespace
 
-BadBounds findBadBounds(const ModelData &data, double tol) {
+BadBounds findBadBounds(const ModelData &data, double tol, const BoundRules &rules) {
   for (int j = 0; j < data.numVars(); ++j) {
-    const bool lowerInf = data.lb[j] >= kInfBound;
-    const bool upperInf = data.ub[j] <= -kInfBound;
+    const bool lowerInf = data.lb[j] >= rules.infinite;
+    const bool upperInf = data.ub[j] <= -rules.infinite;
     if (!lowerInf && !upperInf && data.ub[j] - data.lb[j] >= -tol) continue;
     const bool crossed = !lowerInf && !upperInf;
     const bool pulled = (lowerInf && data.obj[j] < 0) || (upperInf && data.obj[j] > 0);
@@ -37,15 +37,15 @@ BadBounds findBadBounds(const ModelData &data, double tol) {
   return {};
 }
 
-Bounds colBounds(const ModelData &data, int col) {
-  const Bounds bounds{clamped(data.lb[col]), clamped(data.ub[col])};
-  if (bounds.lower <= bounds.upper) return bounds;
+Bounds colBounds(const ModelData &data, int col, const BoundRules &rules) {
+  const Bounds bounds{clamped(data.lb[col], rules.infinite), clamped(data.ub[col], rules.infinite)};
+  if (bounds.lower == bounds.upper || bounds.upper - bounds.lower > rules.fixTol) return bounds;
   const double middle = 0.5 * (bounds.lower + bounds.upper);
   return {middle, middle};
 }
 
 Bounds rowBounds(const ModelData &data, int row) {
-  const double rhs = clamped(data.rhs[row]);
+  const double rhs = clamped(data.rhs[row], kInfBound);
   return {data.sense[row] == TVK_LESS_EQUAL ? -kInf : rhs,
           data.sense[row] == TVK_GREATER_EQUAL ? kInf : rhs};
 }
@@ -54,7 +54,7 @@ void requireSolvableSize(NzIndex nonzeros) {
   if (nonzeros > kMaxInt) throw Error(TVK_ERROR_EXCEED_2B_NONZEROS);
 }
 
-LpModel lpFromModel(const ModelData &data) {
+LpModel lpFromModel(const ModelData &data, const BoundRules &rules) {
   requireSolvableSize(data.a.numNz());
   LpModel lp;
   lp.numRows = data.numConstrs();
@@ -65,7 +65,7 @@ LpModel lpFromModel(const ModelData &data) {
   lp.colLower.resize(lp.numCols);
   lp.colUpper.resize(lp.numCols);
   for (int j = 0; j < lp.numCols; ++j) {
-    const Bounds bounds = colBounds(data, j);
+    const Bounds bounds = colBounds(data, j, rules);
     lp.colLower[j] = bounds.lower;
     lp.colUpper[j] = bounds.upper;
   }
@@ -79,12 +79,13 @@ LpModel lpFromModel(const ModelData &data) {
   return lp;
 }
 
-Basis basisFromCodes(const ModelData &data, const Vec<int> &vbasis, const Vec<int> &cbasis) {
+Basis basisFromCodes(const ModelData &data, const Vec<int> &vbasis, const Vec<int> &cbasis,
+                     const BoundRules &rules) {
   Basis basis;
   basis.col.resize(data.numVars());
   basis.row.resize(data.numConstrs());
   for (int j = 0; j < data.numVars(); ++j) {
-    const bool noLower = data.lb[j] <= -kInfBound, noUpper = data.ub[j] >= kInfBound;
+    const bool noLower = data.lb[j] <= -rules.infinite, noUpper = data.ub[j] >= rules.infinite;
     VarStatus status = VarStatus::Basic;
     if (vbasis[j] == TVK_SUPERBASIC)
       status = noLower && noUpper ? VarStatus::Free : VarStatus::Superbasic;

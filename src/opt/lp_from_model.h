@@ -13,6 +13,13 @@
 
 namespace tarvik {
 
+// How the bounds of variables are read: from where on they are infinite, and how close to each
+// other they make a constant of the variable.
+struct BoundRules {
+  double infinite = kInfBound;
+  double fixTol = 0;
+};
+
 struct BadBounds {
   enum class Kind { None, Column, Row } kind = Kind::None;
   int index = -1;
@@ -22,24 +29,25 @@ struct BadBounds {
 
 // The first variable whose bounds cross by more than tol or are infinite on the wrong side, or
 // the first constraint whose right-hand side is infinite on the wrong side.
-BadBounds findBadBounds(const ModelData &data, double tol);
+BadBounds findBadBounds(const ModelData &data, double tol, const BoundRules &rules = {});
 
 // Bounds as the kernels take them, infinite ones as +-kInf.
 struct Bounds {
   double lower, upper;
 };
-Bounds colBounds(const ModelData &data, int col);
+Bounds colBounds(const ModelData &data, int col, const BoundRules &rules);
 Bounds rowBounds(const ModelData &data, int row);
 
 // Matrices with two billion entries are beyond the 32-bit positions that kernels keep them by.
 void requireSolvableSize(NzIndex nonzeros);
 
 // Bounds that cross by no more than the tolerance of findBadBounds meet in their middle.
-LpModel lpFromModel(const ModelData &data);
+LpModel lpFromModel(const ModelData &data, const BoundRules &rules = {});
 
 // A basis as the interface knows it (TVK_BASIC and so on) and back. Nonbasic slacks count as at
 // the only finite side of their row.
-Basis basisFromCodes(const ModelData &data, const Vec<int> &vbasis, const Vec<int> &cbasis);
+Basis basisFromCodes(const ModelData &data, const Vec<int> &vbasis, const Vec<int> &cbasis,
+                     const BoundRules &rules);
 void basisToCodes(const Basis &basis, Vec<int> &vbasis, Vec<int> &cbasis);
 
 // True when a nonbasic slack belongs to a row without a finite right-hand side.

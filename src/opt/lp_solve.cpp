@@ -139,7 +139,7 @@ class LinearSolve {
  private:
   bool stoppedByBadBounds() {
     const ModelData &data = model_.data();
-    const BadBounds bad = findBadBounds(data, env_.get(Dbl::FeasibilityTol));
+    const BadBounds bad = findBadBounds(data, env_.get(Dbl::FeasibilityTol), boundRules(env_));
     if (bad.kind == BadBounds::Kind::None) return false;
     if (bad.kind == BadBounds::Kind::Column)
       env_.log("Warning: variable %s has bad bounds, lower = %g and upper = %g\n",
@@ -165,9 +165,12 @@ class LinearSolve {
     options.presolveWarmStart = env_.get(Int::LPWarmStart) == 2;
     options.wantCertificates = env_.get(Int::InfUnbdInfo) != 0;
     RetainedSolve &kept = RetainedSolve::of(store_);
-    kept.follow(data);
+    kept.follow(data, boundRules(env_));
     const LpModel &lp = kept.lp();
-    makeBasisFromVectors(lp, env_, start);
+    if (start.hasVectors())
+      makeBasisFromVectors(lp, env_, start);
+    else
+      logSuperbasics(start.basis);
     options.mayChangeMethod = env_.get(Int::Method) < 0 && options.simplex.primalDualSwitch;
     if (kept.coldIterations() > 0)
       options.warmIterationLimit = kWarmPatience * kept.coldIterations() + lp.numRows;
@@ -186,6 +189,11 @@ class LinearSolve {
     if (summary_.status >= TVK_OPTIMAL && summary_.status <= TVK_CUTOFF)
       store_.concurrentWinMethod = options.method == SimplexMethod::Primal ? kPrimal : kDual;
     takeResults(lp, std::move(outcome), options.wantCertificates);
+  }
+
+  void logSuperbasics(const Basis &basis) {
+    const auto count = std::count(basis.col.begin(), basis.col.end(), VarStatus::Superbasic);
+    if (count > 0) env_.log("Superbasic variables: %d.\n", static_cast<int>(count));
   }
 
   // Available when the final basis is the one that the warm engine worked on.

@@ -44,11 +44,14 @@ void adjustObjectiveLimits(ParamScope &params, const Env &env, int objSense) {
 }
 
 // Defaults that other settings imply for one solve.
-void adjustDefaults(ParamScope &params, const Env &env, bool isMip) {
+void adjustDefaults(ParamScope &params, const Env &env, const ModelData &data) {
+  const bool isMip = data.isMip();
   const auto replace = [&](Int id, int from, int to) {
     if (env.get(id) == from) params.set(id, to);
   };
-  if (env.get(Int::Presolve) == 0 || env.get(Int::PoolSearchMode) > 1)
+  const bool lazy =
+      std::any_of(data.lazy.begin(), data.lazy.end(), [](int level) { return level; });
+  if (env.get(Int::Presolve) == 0 || env.get(Int::PoolSearchMode) > 1 || lazy)
     params.set(Int::DualReductions, 0);
   replace(Int::AggFill, -1, isMip ? 0 : 10);
   replace(Int::DegenMoves, -1, 5);
@@ -134,7 +137,7 @@ void solve(Model &model, CallbackRun &callbacks) {
   printStatistics(model);
   checkPwlObjectives(model);
   checkSupported(data);
-  adjustDefaults(params, env, data.isMip());
+  adjustDefaults(params, env, data);
   try {
     if (data.isMip())
       solveMipModel(model, clock.control());

@@ -1,5 +1,7 @@
 #include "opt/options.h"
 
+#include <algorithm>
+
 namespace tarvik {
 
 SimplexOptions simplexOptions(const Env &env) {
@@ -33,6 +35,10 @@ PresolveOptions presolveOptions(const Env &env) {
   options.preDual = env.get(Int::PreDual);
   options.depRows = env.get(Int::PreDepRow);
   options.sparsify = env.get(Int::PreSparsify);
+  options.singletonCols = env.get(Int::TARV_PAR_PRESINGLECOL) != 0;
+  options.parallel = env.get(Int::TARV_PAR_PREPARALLEL) != 0;
+  options.dominated = env.get(Int::TARV_PAR_PREDOMINATE) != 0;
+  options.multiplierLimit = env.get(Dbl::TARV_PAR_AGGMULTLIMIT);
   options.passes = env.get(Int::PrePasses);
   options.reductionLimit = env.get(Int::TARV_PAR_PRELIMIT);
   options.dualReductions = env.get(Int::DualReductions) != 0;
@@ -41,6 +47,13 @@ PresolveOptions presolveOptions(const Env &env) {
   options.dualTol = env.get(Dbl::OptimalityTol);
   options.zeroTol = env.get(Dbl::TARV_PAR_ZERO);
   return options;
+}
+
+BoundRules boundRules(const Env &env) {
+  BoundRules rules;
+  rules.infinite = std::min(env.get(Dbl::TARV_PAR_INFBOUND), kInfBound);
+  rules.fixTol = std::clamp(env.get(Dbl::TARV_PAR_FIXTOL), 0.0, env.get(Dbl::FeasibilityTol));
+  return rules;
 }
 
 Limits solveLimits(const Env &env) {

@@ -3,6 +3,7 @@
 
 #include "base/solve_control.h"
 #include "env/env.h"
+#include "opt/lp_from_model.h"
 #include "presolve/presolve.h"
 #include "simplex/simplex.h"
 
@@ -10,6 +11,8 @@ namespace tarvik {
 
 SimplexOptions simplexOptions(const Env &env);
 PresolveOptions presolveOptions(const Env &env);
+
+BoundRules boundRules(const Env &env);
 
 // Limits of a solve that starts now, its stop flags and its memory account.
 Limits solveLimits(const Env &env);

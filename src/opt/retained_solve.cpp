@@ -17,12 +17,13 @@ RetainedSolve &RetainedSolve::of(SolutionStore &store) {
   return static_cast<RetainedSolve &>(*store.solver);
 }
 
-void RetainedSolve::follow(const ModelData &data) {
+void RetainedSolve::follow(const ModelData &data, const BoundRules &rules) {
+  rules_ = rules;
   if (!filled_ || !sameColumns(data)) {
     engine_.drop();
     filled_ = false;
     coldIterations_ = 0;
-    lp_ = lpFromModel(data);
+    lp_ = lpFromModel(data, rules_);
     filled_ = true;
     return;
   }
@@ -87,7 +88,7 @@ void RetainedSolve::followRows(const ModelData &data) {
 void RetainedSolve::followVectors(const ModelData &data) {
   Simplex *simplex = engine_.get();
   for (int j = 0; j < lp_.numCols; ++j) {
-    const Bounds bounds = colBounds(data, j);
+    const Bounds bounds = colBounds(data, j, rules_);
     if (bounds.lower != lp_.colLower[j] || bounds.upper != lp_.colUpper[j]) {
       lp_.colLower[j] = bounds.lower;
       lp_.colUpper[j] = bounds.upper;
@@ -127,7 +128,7 @@ Simplex &RetainedSolve::factoredBasis(Model &model, SolveControl &control, bool 
   options.logging = false;
   options.quad = 0;
   Simplex &simplex =
-      engine_.open(lp_, options, basisFromCodes(model.data(), store.vbasis, store.cbasis),
+      engine_.open(lp_, options, basisFromCodes(model.data(), store.vbasis, store.cbasis, rules_),
                    store.x.empty() ? nullptr : &store.x);
   changed = !simplex.refresh(control);
   return simplex;

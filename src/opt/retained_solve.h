@@ -9,6 +9,7 @@
 #pragma once
 
 #include "model/model.h"
+#include "opt/lp_from_model.h"
 #include "opt/warm_engine.h"
 
 namespace tarvik {
@@ -20,7 +21,7 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
 
   const LpModel &lp() const { return lp_; }
   WarmEngine &engine() { return engine_; }
-  void follow(const ModelData &data);
+  void follow(const ModelData &data, const BoundRules &rules);
   // What the last solve of these columns to the optimum without a start has taken, else 0.
   double coldIterations() const { return coldIterations_; }
   void noteColdSolve(double iterations) { coldIterations_ = iterations; }
@@ -42,6 +43,7 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
   void followRows(const ModelData &data);
 
   LpModel lp_;
+  BoundRules rules_;  // that lp_ was made by
   bool filled_ = false;
   double coldIterations_ = 0;
   WarmEngine engine_;

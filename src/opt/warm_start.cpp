@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "opt/lp_from_model.h"
+#include "opt/options.h"
 #include "simplex/start_basis.h"
 
 namespace tarvik {
@@ -122,7 +123,7 @@ WarmStart takeWarmStart(Model &model, int method) {
   if (choice == Choice::Basis || choice == Choice::Both) {
     if (env.get(Int::LPWarmStart) == 2 && env.get(Int::Presolve) != 0)
       env.log("LP warm-start: get start vectors from basis, then crush them\n");
-    start.basis = basisFromCodes(data, store.vbasis, store.cbasis);
+    start.basis = basisFromCodes(data, store.vbasis, store.cbasis, boundRules(env));
     start.edgeWeights = knownWeights(store, data);
   }
   if (choice == Choice::Vectors || choice == Choice::Both) dropOtherSide(env, method, offer);

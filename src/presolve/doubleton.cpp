@@ -20,9 +20,11 @@ bool integral(double value) {
   return std::fabs(value - std::round(value)) <= 1e-9 * std::max(1.0, std::fabs(value));
 }
 
-bool mayGo(const WorkingModel &model, const Row &row, const Entry &gone, const Entry &kept) {
+bool mayGo(const Workspace &ws, const Row &row, const Entry &gone, const Entry &kept) {
+  const WorkingModel &model = ws.model;
   const double ratio = std::fabs(kept.value / gone.value);
-  if (ratio > kDoubletonRatio || ratio < 1 / kDoubletonRatio) return false;
+  if (ratio > std::min(kDoubletonRatio, ws.options.multiplierLimit) || ratio < 1 / kDoubletonRatio)
+    return false;
   if (model.col(gone.col).restricted) return false;
   if (!model.col(gone.col).integer) return true;
   return model.col(kept.col).integer && integral(kept.value / gone.value) &&
@@ -49,10 +51,10 @@ bool tryDoubletonEquation(Workspace &ws, int i) {
   int position = row.first;
   Entry gone = model.entry(position), kept = model.entry(gone.nextInRow);
   const bool firstLonger = model.col(gone.col).length > model.col(kept.col).length;
-  if (!mayGo(model, row, gone, kept) || (firstLonger && mayGo(model, row, kept, gone))) {
+  if (!mayGo(ws, row, gone, kept) || (firstLonger && mayGo(ws, row, kept, gone))) {
     position = gone.nextInRow;
     std::swap(gone, kept);
-    if (!mayGo(model, row, gone, kept)) return false;
+    if (!mayGo(ws, row, gone, kept)) return false;
   }
   const Col &goneCol = model.col(gone.col);
   const Col &keptCol = model.col(kept.col);

@@ -27,7 +27,12 @@ struct PresolveOptions {
   int preDual = -1;
   int depRows = -1;   // removal of dependent equations: -1 automatic, 0 off, 1 on
   int sparsify = -1;  // -1 automatic, 0 off, 1 on, 2 aggressive
-  int passes = -1;    // limit on the rounds of expensive reductions; negative: none
+  bool singletonCols = true;
+  bool parallel = true;   // rows and columns that are multiples of each other
+  bool dominated = true;  // columns that another one makes superfluous
+  // No column is replaced by more than so many times another one.
+  double multiplierLimit = 1e14;
+  int passes = -1;  // limit on the rounds of expensive reductions; negative: none
   // Limit on the number of single reductions, to bisect a wrong answer to the one at fault.
   int reductionLimit = kMaxInt;
   // When false, nothing is done that would confuse an infeasible with an unbounded model.

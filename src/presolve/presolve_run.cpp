@@ -74,7 +74,7 @@ void PresolveRun::reduceRow(int i) {
     if (!row.alive || ws.finished()) return;
   }
   if (tryDoubletonEquation(ws, i)) return;
-  if (row.singletons == 0) return;
+  if (row.singletons == 0 || !ws.options.singletonCols) return;
   for (const Entry &entry : ws.model.rowEntries(i))
     if (ws.model.col(entry.col).length == 1) ws.model.changedCols().push(entry.col);
 }
@@ -83,7 +83,8 @@ void PresolveRun::reduceCol(int j) {
   const Col &col = ws.model.col(j);
   if (!col.alive) return;
   if (tryFixedOrEmptyCol(ws, j) || tryDualFixing(ws, j)) return;
-  if (col.length == 1 && !tryFreeSingletonCol(ws, j)) trySlackCol(ws, j);
+  if (!ws.options.singletonCols || col.length != 1) return;
+  if (!tryFreeSingletonCol(ws, j)) trySlackCol(ws, j);
 }
 
 void PresolveRun::reduceCheaply() {
@@ -113,9 +114,9 @@ bool PresolveRun::runRound(int round) {
     if (ws.finished() || interrupted()) return;
     if (reduction(ws)) reduceCheaply();
   };
-  step(mergeParallelRows);
-  step(mergeParallelCols);
-  step(fixDominatedCols);
+  if (ws.options.parallel) step(mergeParallelRows);
+  if (ws.options.parallel) step(mergeParallelCols);
+  if (ws.options.dominated) step(fixDominatedCols);
   if (ws.options.aggregate > 0) step(substituteImpliedFree);
   const double removed = before - ws.model.rowsLeft() - ws.model.colsLeft();
   return !ws.finished() && removed > kPayingPart * before;

@@ -54,7 +54,7 @@ bool tryFreeSingletonCol(Workspace &ws, int j) {
         !col.hasUpper() || model.impliedUpper(entry) <= col.upper + ws.roundingTol(col.upper);
     if (!below || !above) return false;
   }
-  const double pivot = (free ? kFreeSingletonPivot : kImpliedFreePivot);
+  const double pivot = ws.relativePivot(free ? kFreeSingletonPivot : kImpliedFreePivot);
   if (std::fabs(entry.value) < pivot * largestInRow(model, entry.row)) return false;
 
   const double dual = col.cost / entry.value;

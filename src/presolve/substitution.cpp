@@ -99,13 +99,14 @@ int choosePivot(const Workspace &ws, int j) {
   for (const Entry &entry : model.colEntries(j))
     largestInCol = std::max(largestInCol, std::fabs(entry.value));
   int best = -1, bestLength = kMaxInt;
+  const double smallest = ws.relativePivot(kSubstitutionPivot);
   for (auto it = model.colEntries(j).begin(); it.position() >= 0; ++it) {
     const Row &row = model.row((*it).row);
     if (!row.isEquation() || row.length >= bestLength || row.length < 2) continue;
     const double pivot = std::fabs((*it).value);
-    if (pivot < kSubstitutionPivot * largestInCol) continue;
+    if (pivot < smallest * largestInCol) continue;
     if (expectedFill(row, col) > ws.options.aggFill) continue;
-    if (pivot < kSubstitutionPivot * largestInRow(model, (*it).row)) continue;
+    if (pivot < smallest * largestInRow(model, (*it).row)) continue;
     best = it.position();
     bestLength = row.length;
   }

@@ -30,6 +30,11 @@ struct Workspace {
   // Scratch: entry positions of one row by column, of one column by row, else -1.
   Vec<int> positionOf, positionOfRow;
 
+  // The smallest pivot, relative to the largest entry around it, that a reduction may divide by.
+  double relativePivot(double smallest) const {
+    return std::max(smallest, 1 / options.multiplierLimit);
+  }
+
   bool finished() const {
     return verdict != Verdict::None || stats.reductions >= options.reductionLimit;
   }

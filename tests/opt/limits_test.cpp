@@ -60,6 +60,72 @@ TEST(Optimize, BadBoundsEndTheSolveWithAWarning) {
   EXPECT_NEAR(touching.dblAttr("ObjVal"), 1, 1e-8);
 }
 
+TEST(Optimize, BoundsAreReadByTheirParameters) {
+  LoggedEnv env;
+  // The first variable may exceed the second, which has a large bound, by one.
+  const Spec tall{{1, 0}, {{{1, -1}, '<', 1}}, {}, {kInfinity, 1e7}, TVK_MAXIMIZE, 0};
+  for (const int presolve : {0, 1}) {
+    TinyModel model(env, tall);
+    model.set("Presolve", presolve);
+    model.set("DualReductions", 0);
+    EXPECT_EQ(model.solve(), TVK_OPTIMAL);
+    EXPECT_NEAR(model.dblAttr("ObjVal"), 1e7 + 1, 1e-3);
+    model.set("TARV_PAR_INFBOUND", 1e7);
+    EXPECT_EQ(model.solve(), TVK_UNBOUNDED);
+    model.set("TARV_PAR_INFBOUND", 2e7);
+    EXPECT_EQ(model.solve(), TVK_OPTIMAL);
+    ASSERT_EQ(TVKsetdblattrelement(model.get(), "LB", 0, 3e7), 0);
+    env.log().clear();
+    EXPECT_EQ(model.solve(), TVK_UNBOUNDED);
+    EXPECT_TRUE(
+        env.logged("Warning: variable C0 has bad bounds, lower = 3e+07 and upper = 1e+30\n"))
+        << env.log();
+  }
+  const Spec narrow{{1, 1}, {{{1, 1}, '>', 2}}, {1, 0}, {1 + 5e-7, 9}, TVK_MINIMIZE, 0};
+  for (const double tol : {-1.0, 1e-7, 1e-6}) {
+    TinyModel model(env, narrow);
+    model.set("TARV_PAR_FIXTOL", tol);
+    ASSERT_EQ(TVKsetdblattrelement(model.get(), "Obj", 0, 2), 0);
+    EXPECT_EQ(model.solve(), TVK_OPTIMAL);
+    EXPECT_NEAR(model.dblArray("X", 2)[0], tol == 1e-6 ? 1 + 2.5e-7 : 1, 1e-10) << tol;
+    EXPECT_NEAR(model.dblArray("X", 2)[0] + model.dblArray("X", 2)[1], 2, 1e-9);
+  }
+}
+
+// Each switch of presolve leaves something in some of these models, and the optimum as it is.
+TEST(Optimize, PresolveStagesHaveTheirSwitches) {
+  const char *const switches[] = {"TARV_PAR_PRESINGLECOL", "TARV_PAR_PREPARALLEL",
+                                  "TARV_PAR_PREDOMINATE", "Aggregate"};
+  std::mt19937 random(3);
+  const auto digit = [&](int n) { return static_cast<double>(random() % n); };
+  int differ[4] = {};
+  for (int trial = 0; trial < 40; ++trial) {
+    Spec spec;
+    for (int j = 0; j < 7; ++j) spec.obj.push_back(digit(4)), spec.ub.push_back(5);
+    for (int i = 0; i < 5; ++i) {
+      tiny::Row row{{}, i % 2 ? '=' : '>', 3};
+      for (int j = 0; j < 7; ++j) row.coef.push_back(digit(5) < 2 ? 1 + digit(2) : 0);
+      spec.rows.push_back(row);
+    }
+    spec.rows.push_back({spec.rows[0].coef, '<', 9});
+    const auto run = [&](const char *parameter, double &objective) {
+      LoggedEnv env;
+      TinyModel model(env, spec);
+      if (parameter) model.set(parameter, 0);
+      objective = model.solve() == TVK_OPTIMAL ? model.dblAttr("ObjVal") : -1;
+      const std::size_t at = env.log().find("Presolved:");
+      return at == std::string::npos ? std::string() : env.log().substr(at, 40);
+    };
+    double expected, found;
+    const std::string usual = run(nullptr, expected);
+    for (int k = 0; k < 4; ++k) {
+      differ[k] += run(switches[k], found) != usual;
+      EXPECT_NEAR(found, expected, 1e-8) << switches[k];
+    }
+  }
+  for (int k = 0; k < 4; ++k) EXPECT_GT(differ[k], 0) << switches[k];
+}
+
 TEST(Optimize, CutoffKeepsSolutionsThatEqualIt) {
   LoggedEnv env;
   const auto statusOf = [&](const Spec &spec, double cutoff) {

@@ -109,6 +109,18 @@ TEST(WarmStart, StartVectorsAreUsedOnce) {
   EXPECT_TRUE(env.logged("LP warm-start: use basis\n"));
 }
 
+TEST(WarmStart, SuperbasicVariablesOfABasisAreCounted) {
+  LoggedEnv env;
+  TinyModel model(env, kSpec);
+  ASSERT_EQ(TVKupdatemodel(model.get()), 0);
+  int vbasis[] = {0, 0, TVK_SUPERBASIC}, cbasis[] = {-1, -1};
+  ASSERT_EQ(TVKsetintattrarray(model.get(), "VBasis", 0, 3, vbasis), 0);
+  ASSERT_EQ(TVKsetintattrarray(model.get(), "CBasis", 0, 2, cbasis), 0);
+  ASSERT_EQ(model.solve(), TVK_OPTIMAL);
+  EXPECT_TRUE(env.logged("Superbasic variables: 1.\n")) << env.log();
+  EXPECT_NEAR(model.dblAttr("ObjVal"), 13, 1e-9);
+}
+
 TEST(WarmStart, NonbasicSlackOfAnInfiniteRowDiscardsTheBasis) {
   LoggedEnv env;
   Spec spec = kSpec;

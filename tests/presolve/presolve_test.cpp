@@ -76,6 +76,35 @@ TEST(Presolve, OptionsSwitchReductionsOff) {
   EXPECT_EQ(Presolved(doubleton, noAggregation).presolve.reduced().numRows, 3);
 }
 
+// A switch leaves what its reductions would have removed, and the rest stays exact.
+TEST(Presolve, EveryStageCanBeLeftOut) {
+  PresolveOptions variants[4];
+  variants[0].singletonCols = false;
+  variants[1].parallel = false;
+  variants[2].dominated = false;
+  variants[3].multiplierLimit = 1;
+  int larger[4] = {};
+  for (std::uint64_t seed = 510000; seed < 511000; ++seed) {
+    const LpModel lp = test::randomLp(seed);
+    if (test::solveReference(lp).status != LpStatus::Optimal) continue;
+    const auto size = [](const Presolved &run) {
+      return run.presolve.reduced().numRows + run.presolve.reduced().numCols;
+    };
+    const int usual = size(Presolved(lp));
+    for (int k = 0; k < 4; ++k) {
+      SCOPED_TRACE("seed " + std::to_string(seed) + " variant " + std::to_string(k));
+      Presolved run(lp, variants[k]);
+      ASSERT_TRUE(hasReduced(run.status));
+      larger[k] += size(run) > usual;
+      LpSolution full;
+      run.presolve.postsolve(test::solveReference(run.presolve.reduced()), full);
+      ASSERT_TRUE(test::isOptimal(lp, full, 1e-6));
+      ASSERT_TRUE(test::isBasicSolution(lp, full, 1e-6));
+    }
+  }
+  for (int k = 0; k < 4; ++k) EXPECT_GT(larger[k], 0) << k;
+}
+
 TEST(Presolve, CountsWhatItRemoves) {
   const LpModel lp = easyModel();
   Presolved run(lp);
