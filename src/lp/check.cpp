@@ -132,7 +132,7 @@ void checkPrimal(const LpModel &lp, const LpSolution &solution, const Vec<double
   CompensatedSum objective(lp.offset);
   for (int j = 0; j < lp.numCols; ++j) {
     const double value = solution.colValue[j];
-    if (lp.cost[j] != 0) objective.addProduct(lp.cost[j], value);
+    if (lp.cost[j] != 0 && value != 0) objective.addProduct(lp.cost[j], value);
     note(outside(value, lp.colLower[j], lp.colUpper[j]), quality.boundViolation,
          quality.boundViolationSum);
   }

@@ -84,23 +84,27 @@ void MatrixUpdate::appendColumns(SparseMatrix &a, const PendingColumns &cols,
 }
 
 // Columns move to the right, the last one first, so that each is followed by a gap of its size
-// in gap_; afterwards gap_ holds where the gaps begin.
+// in gap_; afterwards gap_ holds where the gaps begin. Neighbours without a gap between them move
+// as one block.
 void MatrixUpdate::openGaps(SparseMatrix &a) noexcept {
   NzIndex missing = std::accumulate(gap_.begin(), gap_.end(), NzIndex{0});
-  NzIndex end = a.numNz();
-  a.index.resize(end + missing);
-  a.value.resize(end + missing);
-  for (int j = a.numMajor - 1; j >= 0 && missing > 0; --j) {
-    const NzIndex begin = a.start[j], length = end - begin;
-    a.start[j + 1] = end + missing;
-    missing -= gap_[j];
-    if (missing > 0 && length > 0) {
-      std::memmove(&a.index[begin + missing], &a.index[begin], length * sizeof(int));
-      std::memmove(&a.value[begin + missing], &a.value[begin], length * sizeof(double));
+  const NzIndex oldSize = a.numNz();
+  a.index.resize(oldSize + missing);
+  a.value.resize(oldSize + missing);
+  for (int last = a.numMajor - 1; last >= 0 && missing > 0;) {
+    int first = last;
+    while (first > 0 && gap_[first - 1] == 0) --first;
+    const NzIndex begin = a.start[first], end = a.start[last + 1], shift = missing - gap_[last];
+    if (shift > 0 && end > begin) {
+      std::memmove(&a.index[begin + shift], &a.index[begin], (end - begin) * sizeof(int));
+      std::memmove(&a.value[begin + shift], &a.value[begin], (end - begin) * sizeof(double));
     }
-    gap_[j] = begin + missing + length;
-    end = begin;
-    work_ += static_cast<double>(length);
+    a.start[last + 1] = end + missing;
+    gap_[last] = end + shift;
+    for (int j = first; j < last; ++j) gap_[j] = a.start[j + 1] += shift;
+    missing = shift;
+    last = first - 1;
+    work_ += static_cast<double>(end - begin);
   }
 }
 

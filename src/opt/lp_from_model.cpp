@@ -15,12 +15,6 @@ bool rowIsImpossible(char sense, double rhs) {
   return isInf(rhs);
 }
 
-double clamped(double bound, double infinite) {
-  if (bound >= infinite) return kInf;
-  if (bound <= -infinite) return -kInf;
-  return bound;
-}
-
 }  // namespace
 
 BadBounds findBadBounds(const ModelData &data, double tol, const BoundRules &rules) {
@@ -35,19 +29,6 @@ BadBounds findBadBounds(const ModelData &data, double tol, const BoundRules &rul
   for (int i = 0; i < data.numConstrs(); ++i)
     if (rowIsImpossible(data.sense[i], data.rhs[i])) return {BadBounds::Kind::Row, i, false};
   return {};
-}
-
-Bounds colBounds(const ModelData &data, int col, const BoundRules &rules) {
-  const Bounds bounds{clamped(data.lb[col], rules.infinite), clamped(data.ub[col], rules.infinite)};
-  if (bounds.lower == bounds.upper || bounds.upper - bounds.lower > rules.fixTol) return bounds;
-  const double middle = 0.5 * (bounds.lower + bounds.upper);
-  return {middle, middle};
-}
-
-Bounds rowBounds(const ModelData &data, int row) {
-  const double rhs = clamped(data.rhs[row], kInfBound);
-  return {data.sense[row] == TVK_LESS_EQUAL ? -kInf : rhs,
-          data.sense[row] == TVK_GREATER_EQUAL ? kInf : rhs};
 }
 
 void requireSolvableSize(NzIndex nonzeros) {

@@ -10,6 +10,7 @@
 #include "lp/lp_model.h"
 #include "model/model_data.h"
 #include "model/solution_store.h"
+#include "tarvik.h"
 
 namespace tarvik {
 
@@ -35,8 +36,24 @@ BadBounds findBadBounds(const ModelData &data, double tol, const BoundRules &rul
 struct Bounds {
   double lower, upper;
 };
-Bounds colBounds(const ModelData &data, int col, const BoundRules &rules);
-Bounds rowBounds(const ModelData &data, int row);
+inline double clamped(double bound, double infinite) {
+  if (bound >= infinite) return kInf;
+  if (bound <= -infinite) return -kInf;
+  return bound;
+}
+
+inline Bounds colBounds(const ModelData &data, int col, const BoundRules &rules) {
+  const Bounds bounds{clamped(data.lb[col], rules.infinite), clamped(data.ub[col], rules.infinite)};
+  if (bounds.lower == bounds.upper || bounds.upper - bounds.lower > rules.fixTol) return bounds;
+  const double middle = 0.5 * (bounds.lower + bounds.upper);
+  return {middle, middle};
+}
+
+inline Bounds rowBounds(const ModelData &data, int row) {
+  const double rhs = clamped(data.rhs[row], kInfBound);
+  return {data.sense[row] == TVK_LESS_EQUAL ? -kInf : rhs,
+          data.sense[row] == TVK_GREATER_EQUAL ? kInf : rhs};
+}
 
 // Matrices with two billion entries are beyond the 32-bit positions that kernels keep them by.
 void requireSolvableSize(NzIndex nonzeros);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "opt/env_log.h"
 #include "opt/lp_from_model.h"
@@ -31,25 +32,33 @@ void RetainedSolve::follow(const ModelData &data, const BoundRules &rules) {
   followVectors(data);
 }
 
-// The same columns, or the same with entries of appended rows behind.
-bool RetainedSolve::sameColumns(const ModelData &data) const {
+// Whether the data has the columns of lp_, or these with entries of appended rows behind; then
+// added_ gets those entries. Columns between two with added entries are compared as one block.
+bool RetainedSolve::sameColumns(const ModelData &data) {
   const SparseMatrix &now = data.a, &then = lp_.a;
+  added_.clear();
   if (now.numMajor != then.numMajor || now.numMinor < then.numMinor) return false;
-  if (now.numMinor == then.numMinor)
-    return now.start == then.start && now.index == then.index && now.value == then.value;
+  const auto sameEntries = [&](NzIndex inNow, NzIndex inThen, NzIndex count) {
+    // Bit by bit is stricter than it need be, and fast.
+    const std::size_t size = static_cast<std::size_t>(count);
+    return std::memcmp(now.index.data() + inNow, then.index.data() + inThen, size * sizeof(int)) ==
+               0 &&
+           std::memcmp(now.value.data() + inNow, then.value.data() + inThen,
+                       size * sizeof(double)) == 0;
+  };
+  NzIndex begin = 0, shift = 0;  // of the block, in then; how much further it stands in now
   for (int j = 0; j < then.numMajor; ++j) {
-    const NzIndex length = then.start[j + 1] - then.start[j];
-    if (now.start[j + 1] - now.start[j] < length) return false;
-    const auto from = now.start[j], old = then.start[j];
-    if (!std::equal(now.index.begin() + from, now.index.begin() + from + length,
-                    then.index.begin() + old) ||
-        !std::equal(now.value.begin() + from, now.value.begin() + from + length,
-                    then.value.begin() + old))
-      return false;
-    for (NzIndex k = from + length; k < now.start[j + 1]; ++k)
+    const NzIndex end = then.start[j + 1], extra = now.start[j + 1] - end - shift;
+    if (extra == 0) continue;
+    if (extra < 0 || !sameEntries(begin + shift, begin, end - begin)) return false;
+    for (NzIndex k = end + shift; k < now.start[j + 1]; ++k) {
       if (now.index[k] < then.numMinor) return false;
+      added_.push_back({now.index[k], j, now.value[k]});
+    }
+    begin = end;
+    shift += extra;
   }
-  return true;
+  return sameEntries(begin + shift, begin, then.numNz() - begin);
 }
 
 void RetainedSolve::followRows(const ModelData &data) {
@@ -59,20 +68,16 @@ void RetainedSolve::followRows(const ModelData &data) {
   rows.numMajor = added;
   rows.numMinor = data.numVars();
   rows.start.assign(static_cast<std::size_t>(added) + 1, 0);
-  const auto forAdded = [&](auto &&visit) {
-    for (int j = 0; j < data.numVars(); ++j)
-      for (NzIndex k = data.a.start[j] + lp_.a.length(j); k < data.a.start[j + 1]; ++k)
-        visit(data.a.index[k] - oldRows, j, data.a.value[k]);
-  };
-  forAdded([&](int row, int, double) { ++rows.start[row + 1]; });
+  for (const Entry &entry : added_) ++rows.start[entry.row - oldRows + 1];
   for (int i = 0; i < added; ++i) rows.start[i + 1] += rows.start[i];
-  rows.index.resize(static_cast<std::size_t>(rows.start[added]));
-  rows.value.resize(rows.index.size());
+  rows.index.resize(added_.size());
+  rows.value.resize(added_.size());
   Vec<NzIndex> fill(rows.start.begin(), rows.start.end() - 1);
-  forAdded([&](int row, int col, double value) {
-    rows.index[fill[row]] = col;
-    rows.value[fill[row]++] = value;
-  });
+  for (const Entry &entry : added_) {
+    const NzIndex at = fill[entry.row - oldRows]++;
+    rows.index[at] = entry.col;
+    rows.value[at] = entry.value;
+  }
   for (int i = oldRows; i < data.numConstrs(); ++i) {
     const Bounds bounds = rowBounds(data, i);
     lp_.rowLower.push_back(bounds.lower);

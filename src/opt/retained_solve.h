@@ -38,13 +38,19 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
   double conditionTwoNorm(Model &model) override;
 
  private:
-  bool sameColumns(const ModelData &data) const;
+  struct Entry {
+    int row, col;
+    double value;
+  };
+
+  bool sameColumns(const ModelData &data);
   void followVectors(const ModelData &data);
   void followRows(const ModelData &data);
 
   LpModel lp_;
   BoundRules rules_;  // that lp_ was made by
   bool filled_ = false;
+  Vec<Entry> added_;  // entries of rows that the model has and lp_ has not
   double coldIterations_ = 0;
   WarmEngine engine_;
 };

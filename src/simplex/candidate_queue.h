@@ -54,6 +54,15 @@ class CandidateQueue {
   }
   int lastScan() const { return lastScan_; }
 
+  // Visits items from the best buckets down until visit says no.
+  template <class Visitor>
+  void descend(Visitor &&visit) const {
+    for (int word = kWords - 1; word >= 0; --word)
+      for (std::uint64_t left = occupied_[word]; left; left &= ~(std::uint64_t{1} << highest(left)))
+        for (int item = first_[(word << 6) + highest(left)]; item >= 0; item = next_[item])
+          if (!visit(item)) return;
+  }
+
  private:
   static constexpr int kExponents = 200;  // 2^-100 .. 2^100
   static constexpr int kBuckets = 4 * kExponents;
@@ -79,9 +88,10 @@ class CandidateQueue {
     if (next_[item] >= 0) previous_[next_[item]] = previous_[item];
     if (first_[bucket] < 0) occupied_[bucket >> 6] &= ~(std::uint64_t{1} << (bucket & 63));
   }
+  static int highest(std::uint64_t bits) { return 63 - std::countl_zero(bits); }
   int topBucket() const {
     for (int word = kWords - 1; word >= 0; --word)
-      if (occupied_[word]) return (word << 6) + 63 - std::countl_zero(occupied_[word]);
+      if (occupied_[word]) return (word << 6) + highest(occupied_[word]);
     return -1;
   }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/multiversion.h"
+#include "simplex/lu/row_norms.h"
 #include "simplex/tuning.h"
 
 namespace tarvik {
@@ -421,6 +422,7 @@ void DualSimplex<Real>::unblockAll() {
 template <class Real>
 void DualSimplex<Real>::fillQueue() {
   for (int i = 0; i < e_.lp.m; ++i) setInfeasibility(i);
+  checked_.assign(e_.lp.m, 0);
   e_.chargeWork(3.0 * e_.lp.m);
 }
 
@@ -451,10 +453,14 @@ RebuildReason DualSimplex<Real>::iterate() {
 // exact weight; a weight found to be far too small goes back to the queue with its true value.
 template <class Real>
 BasisPos DualSimplex<Real>::chooseRow() {
-  while (true) {
+  for (bool doubtful = false;; doubtful = true) {
     const BasisPos p = queue_.best();
     e_.chargeWork(queue_.lastScan());
     if (p < 0) return -1;
+    if (doubtful && !checked_[p] && e_.rhoDensity >= tuning::kRowNormsDensity) {
+      checkBestWeights();
+      continue;
+    }
     e_.unitBtran(p);
     if (!pricing_.steepest()) return p;
     double exact = 0;
@@ -464,9 +470,28 @@ BasisPos DualSimplex<Real>::chooseRow() {
     }
     const double kept = e_.rowWeight[p];
     e_.rowWeight[p] = exact;
+    checked_[p] = 1;
     if (kept >= tuning::kWeightAgreement * exact) return p;
     setInfeasibility(p);
     if (queue_.best() == p) return p;
+  }
+}
+
+// Where one weight was far off, its neighbours in the queue are likely to be as well.
+template <class Real>
+void DualSimplex<Real>::checkBestWeights() {
+  BasisPos rows[lu::kMaxRowNorms];
+  double exact[lu::kMaxRowNorms];
+  int count = 0;
+  queue_.descend([&](BasisPos p) {
+    if (!checked_[p]) rows[count++] = p;
+    return count < lu::kMaxRowNorms;
+  });
+  e_.factor.rowNorms(rows, count, exact, e_.control->work);
+  for (int k = 0; k < count; ++k) {
+    e_.rowWeight[rows[k]] = exact[k];
+    checked_[rows[k]] = 1;
+    setInfeasibility(rows[k]);
   }
 }
 

@@ -50,6 +50,7 @@ class DualSimplex {
   int correctDuals(bool mayShift);
 
   BasisPos chooseRow();
+  void checkBestWeights();
   VarIndex chooseColumn(BasisPos p);
   void collectCandidates(Real sign);
   int selectBreakGroup(Real slope);
@@ -78,6 +79,7 @@ class DualSimplex {
   Vec<Real> flipDelta_;
   Vec<char> blocked_;  // rows that may not leave until progress is made
   int blockedCount_ = 0;
+  Vec<char> checked_;  // rows whose weight has been exact since the queue was filled
   bool allowSmallPivots_ = false;
   bool resumed_ = false;
   double nextCutoffTest_ = 0;  // iterations; a test that failed is not repeated at once

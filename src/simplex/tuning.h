@@ -13,6 +13,10 @@ inline constexpr double kPivotAgreement = 1e-7;
 // An updated steepest-edge weight is believed while it is at least this share of the exact one.
 inline constexpr double kWeightAgreement = 0.25;
 
+// Exact weights are computed for several rows at once while rows of the inverse are at least so
+// dense; sparser ones are cheaper one by one.
+inline constexpr double kRowNormsDensity = 0.01;
+
 // Smallest entry of the dual pivot row that may become a pivot, by updates since factorization:
 // fresh factors allow smaller pivots.
 inline constexpr double kRowPivotTolFresh = 1e-9;

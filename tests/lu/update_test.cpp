@@ -2,9 +2,11 @@
 // factor again.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "lu/basis_cases.h"
+#include "simplex/lu/row_norms.h"
 
 namespace tarvik::test {
 namespace {
@@ -44,6 +46,31 @@ UpdateResult exchange(LoadedBasis<Real> &loaded, bool unitBtran, Random &random)
   return result;
 }
 
+// Largest relative difference between the norms of a group of rows of the inverse and those of the
+// rows by themselves.
+template <class Real>
+double rowNormError(LoadedBasis<Real> &loaded, int count, Random &random) {
+  BasisPos rows[lu::kMaxRowNorms];
+  double norms[lu::kMaxRowNorms];
+  for (int k = 0; k < count; ++k) {
+    do {
+      rows[k] = random.below(loaded.basis.m);
+    } while (std::find(rows, rows + k, rows[k]) != rows + k);
+  }
+  loaded.factor.rowNorms(rows, count, norms, loaded.work);
+  double error = 0;
+  for (int k = 0; k < count; ++k) {
+    SparseVec<Real> row;
+    row.resize(loaded.basis.m);
+    row.set(rows[k], Real(1));
+    loaded.factor.btran(row, 0.5, loaded.work);
+    double norm = 0;
+    for (const Real value : row.value) norm += static_cast<double>(value * value);
+    error = std::max(error, std::fabs(norms[k] - norm) / norm);
+  }
+  return error;
+}
+
 template <class Real>
 class UpdateTest : public ::testing::Test {};
 using Reals = ::testing::Types<double, long double>;
@@ -66,6 +93,7 @@ TYPED_TEST(UpdateTest, LongSequencesStayAccurate) {
       accepted += result != UpdateResult::RefactorNow;
       const double density = step % 2 == 0 ? 0.0 : 0.3;
       ASSERT_LT(solveError(loaded, density, density, random), 1e-8) << step;
+      ASSERT_LT(rowNormError(loaded, 1 + step % lu::kMaxRowNorms, random), 1e-8) << step;
       if (result == UpdateResult::RefactorNow) loaded.refactor();
     }
     EXPECT_GT(accepted, 140);

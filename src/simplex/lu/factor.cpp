@@ -7,6 +7,7 @@
 #include "simplex/lu/forrest_tomlin.h"
 #include "simplex/lu/lu_factors.h"
 #include "simplex/lu/nucleus.h"
+#include "simplex/lu/row_norms.h"
 #include "simplex/lu/singletons.h"
 #include "simplex/lu/triangular_solve.h"
 
@@ -27,6 +28,7 @@ struct Factor<Real>::Impl {
   lu::Nucleus<Real> nucleus;
   lu::TriangularSolver<Real> solver;
   lu::ForrestTomlin<Real> updates;
+  lu::RowNorms<Real> norms;
 
   void factor(Vec<VarIndex> &head, SingularRepair &repair);
   void repairRows(SingularRepair &repair);
@@ -209,6 +211,12 @@ void Factor<Real>::btran(SparseVec<Real> &y, double expectedDensity, WorkMeter &
 template <class Real>
 void Factor<Real>::btranListed(SparseVec<Real> &y, double expectedDensity, WorkMeter &work) {
   work.charge(impl_->btran(y, expectedDensity, 1.0));
+}
+
+template <class Real>
+void Factor<Real>::rowNorms(const BasisPos *p, int count, double *norm, WorkMeter &work) {
+  work.charge(lu::kUnitsRowNorms *
+              impl_->norms.compute(impl_->factors, impl_->updates, p, count, norm));
 }
 
 template <class Real>

@@ -69,6 +69,10 @@ class Factor {
   // The same with a list of the result's entries however many they are.
   void btranListed(SparseVec<Real> &y, double expectedDensity, WorkMeter &work);
 
+  // norm[k] becomes the squared norm of the row of the inverse at position p[k]; up to
+  // lu::kMaxRowNorms at once.
+  void rowNorms(const BasisPos *p, int count, double *norm, WorkMeter &work);
+
   // Replaces the column at position p by the one of the last ftran with keepSpike, whose result
   // has the entry alpha at p. Forrest-Tomlin.
   UpdateResult update(BasisPos p, Real alpha, WorkMeter &work);

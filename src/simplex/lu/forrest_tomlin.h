@@ -30,6 +30,14 @@ class ForrestTomlin {
   // The row transformations in FTRAN and BTRAN; return the number of entries touched.
   double applyForward(SparseVec<Real> &x) const;
   double applyBackward(SparseVec<Real> &y) const;
+  // Calls visit(row, index, value, length) in the order of BTRAN: what multiples of entry row of
+  // the vector are to be added to its other entries.
+  template <class Visitor>
+  void forEachBackward(Visitor &&visit) const {
+    for (int k = count() - 1; k >= 0; --k)
+      visit(row_[k], index_.data() + start_[k], value_.data() + start_[k],
+            static_cast<int>(start_[k + 1] - start_[k]));
+  }
 
   // Keeps a column transformed by L and the row transformations.
   void keepSpike(const SparseVec<Real> &x);

@@ -56,6 +56,7 @@ inline constexpr double kUnitsGather = 6.0;
 inline constexpr double kUnitsNucleus = 3.0;
 inline constexpr double kUnitsDense = 0.5;
 inline constexpr double kUnitsSolve = 1.5;
+inline constexpr double kUnitsRowNorms = 4.0;
 // In the nucleus, the price of a pivot's search and linking in entries, and that of an entry
 // passed by comparisons that vectorize.
 inline constexpr double kEntriesPerPivot = 20;
