@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "lp/check.h"
+#include "lp/scaling.h"
 #include "simplex/engine.h"
 #include "support/ill_conditioned_lp.h"
 #include "support/random_lp.h"
@@ -63,6 +64,30 @@ TEST(Verdict, ContradictionsWithinTheToleranceAreForgiven) {
   const LpModel lp = brokenChain(kGap);
   for (const auto method : {SimplexMethod::Dual, SimplexMethod::Primal})
     EXPECT_EQ(solveFromSpread(lp, kGap, method).status, LpStatus::Optimal);
+}
+
+// x = 0 and x = 3e-7 contradict each other within the tolerance; 10 y >= 7e-6 holds at y = 0 after
+// scaling only. The tolerance that makes y move leaves no point for x.
+TEST(Verdict, TighterTolerancesProveNoInfeasibility) {
+  const LpModel lp = denseLp({0, 1}, {{-kInf, kInf}, {0, 1}}, {{1, 0}, {1, 0}, {0, 10}},
+                             {{0, 0}, {3e-7, 3e-7}, {7e-6, kInf}});
+  const Basis basis{{VarStatus::Basic, VarStatus::AtLower},
+                    {VarStatus::AtLower, VarStatus::Basic, VarStatus::Basic}};
+  const Scaling scaling{{1, 1, 0.125}, {1, 1}};
+  for (const auto method : {SimplexMethod::Dual, SimplexMethod::Primal}) {
+    SimplexOptions options;
+    options.scaleFlag = 2;
+    Simplex simplex(options);
+    simplex.load(lp, basis, nullptr, &scaling);
+    SilentLog log;
+    SolveControl control;
+    control.log = &log;
+    control.limits.start();
+    EXPECT_EQ(simplex.solve(method, control), LpStatus::Optimal);
+    LpSolution solution;
+    simplex.getSolution(solution);
+    EXPECT_LE(checkSolution(lp, solution, 1e-6).rowViolation, 1e-6);
+  }
 }
 
 // Weights that have overflown make infeasible rows look as if there were nothing to choose.
