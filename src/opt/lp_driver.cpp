@@ -134,6 +134,8 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
 LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmStart) {
   Basis crushed;
   const bool warm = warmStart && presolve.crushBasis(*warmStart, crushed);
+  if (warmStart && !warm && options_.method == SimplexMethod::Primal)
+    control_.log->print("Warning: Primal crushed basis discarded.\n");
   if (!warm && options_.presolve.preDual > 0) {
     LpSolution solution;
     if (solveDualForm(presolve.reduced(), solution)) return solution;

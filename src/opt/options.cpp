@@ -1,8 +1,16 @@
 #include "opt/options.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace tarvik {
+
+namespace {
+
+// On, off and automatic as numbers of blocks.
+int pairLimit(int option) { return option > 0 ? 2000000000 : option == 0 ? -1 : 0; }
+
+}  // namespace
 
 SimplexOptions simplexOptions(const Env &env) {
   SimplexOptions options;
@@ -20,6 +28,19 @@ SimplexOptions simplexOptions(const Env &env) {
   options.luInterval = env.get(Int::TARV_PAR_LUINTERVAL);
   options.primalPartial = env.get(Int::TARV_PAR_PRIMALPARTIAL);
   options.quad = env.get(Int::Quad);
+  if (options.perturbValue > 0) options.perturbAfter = env.get(Int::TARV_PAR_PERTURBITER);
+  options.bigTol = env.get(Dbl::TARV_PAR_BIGTOL);
+  options.crash = env.get(Int::TARV_PAR_SIMPLEXCRASH);
+  options.warmBasis = env.get(Int::TARV_PAR_WARMBASIS);
+  options.pairLimit = pairLimit(env.get(Int::TARV_PAR_LU2X2BLOCK));
+  if (const int every = env.get(Int::TARV_PAR_SDISPINTERVAL); every > 0)
+    options.logInterval = every;
+  options.heldLimit = env.get(Int::TARV_PAR_STMPFIXES);
+  options.roomLevel = env.get(Int::TARV_PAR_SIMPLEXALLOCS);
+  options.exactNorms = env.get(Int::TARV_PAR_EXACTNORM) == 1 && std::abs(options.pricing) == 1;
+  options.flipBeyondStep = env.get(Int::TARV_PAR_NONDEGENFLIP) != 0;
+  options.symbolicL = env.get(Int::TARV_PAR_SPXLHEIGHT) != 0;
+  options.quitOnSingular = env.get(Int::TARV_PAR_REFACTORQUIT) != 0;
   options.endFactor = env.get(Int::TARV_PAR_SIMPLEXENDFAC);
   options.statistics = env.get(Int::TARV_PAR_LPSTATS);
   options.seed = env.get(Int::Seed);

@@ -35,6 +35,7 @@ void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) 
     for (int i = 0; i < m; ++i)
       if (e.position[n + i] < 0) add(n + i);
   }
+  e.held.clear();
   e.lower = e.lp.lower;
   e.upper = e.lp.upper;
   for (int j = 0; j < n + m; ++j) {
@@ -238,6 +239,7 @@ void SimplexCore<Real>::addRows(int count, const NzIndex *start, const int *inde
   engine.forgetValues();
   engine.lp.addRows(count, start, index, value, lower, upper);
   const int total = engine.lp.total();
+  engine.held.clear();
   engine.lower = engine.lp.lower;
   engine.upper = engine.lp.upper;
   engine.cost = engine.lp.cost;

@@ -190,6 +190,7 @@ VarIndex DualSimplex<Real>::chooseColumn(BasisPos p) {
     thetaD_ = 0;
   }
   flipGroupsBefore(group);
+  if (e_.options.flipBeyondStep && thetaD_ != Real(0)) flipWithin(group, best, fabs(delta));
   return q;
 }
 
@@ -199,6 +200,21 @@ void DualSimplex<Real>::flipGroupsBefore(int group) {
     const VarIndex j = candidates_[k].var;
     if (e_.move[j] == 0 || candidates_[k].range == kRealInf<Real>) continue;
     flipped_.push_back(j);
+  }
+}
+
+// Boxed variables that a step passes within the pivot's own group, as long as the slope of the dual
+// objective stays positive without them.
+template <class Real>
+void DualSimplex<Real>::flipWithin(int group, int pivot, Real slope) {
+  const Real step = fabs(thetaD_);
+  for (int k = 0; k < groupStart_[group]; ++k) slope -= candidates_[k].alpha * candidates_[k].range;
+  for (int k = groupStart_[group]; k < groupStart_[group + 1]; ++k) {
+    const Candidate &c = candidates_[k];
+    if (k == pivot || e_.move[c.var] == 0 || c.slack >= step * c.alpha) continue;
+    if (!(slope > c.alpha * c.range)) continue;
+    slope -= c.alpha * c.range;
+    flipped_.push_back(c.var);
   }
 }
 

@@ -32,6 +32,8 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   unblockAll();
   allowSmallPivots_ = false;
   nextCutoffTest_ = 0;
+  perturbAt_ = 1e100;
+  refusedCols_ = 0;
   resumed_ = resume();
   const bool prepared = e_.prepared;
   e_.forgetValues();
@@ -42,9 +44,11 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   } else {
     result = runFromBasis(perturb, prepared);
   }
+  if (Log *log = e_.warnings(); log && refusedCols_ > 0)
+    log->print("Numeric for %d cols\n", refusedCols_);
   const bool complete = result == PhaseResult::Optimal || result == PhaseResult::Infeasible ||
                         result == PhaseResult::Cutoff || result == PhaseResult::Stopped;
-  e_.current = complete && !phaseOne_ && e_.factored && !e_.costsPerturbed &&
+  e_.current = complete && !phaseOne_ && e_.factored && !e_.costsPerturbed && e_.held.empty() &&
                e_.costShift == ShiftState::None && static_cast<int>(queue_.size()) == e_.lp.m;
   return result;
 }
@@ -114,10 +118,13 @@ PhaseResult DualSimplex<Real>::runFromBasis(bool perturb, bool prepared) {
   width_.resize(e_.lp.total());
   choosePricing();
   if (!e_.factored && !e_.refactor()) return e_.troubleResult();
+  if (wantsExactWeights()) e_.computeExactWeights();
   if (!prepared) e_.computeDual();
   primalFresh_ = prepared;
   freshFlips_ = flips_;
-  if (perturb && wantsPerturbation()) {
+  const int after = e_.options.perturbAfter;
+  if (perturb && after > e_.iterations) perturbAt_ = after;
+  if (perturb && (after < 0 ? wantsPerturbation() : e_.iterations >= after)) {
     perturbCosts();
     e_.computeDual();
   }
@@ -152,6 +159,12 @@ void DualSimplex<Real>::choosePricing() {
   pricing_.start(rule, e_.lp.m, e_.lp.n);
 }
 
+template <class Real>
+bool DualSimplex<Real>::wantsExactWeights() const {
+  const bool asked = e_.options.exactNorms || e_.options.warmBasis > 1;
+  return asked && !e_.rowWeightsValid && pricing_.steepest();
+}
+
 // Perturbation pays on the long way from the slack basis; a warm basis with few infeasibilities
 // left would be spoilt by it.
 template <class Real>
@@ -159,6 +172,7 @@ bool DualSimplex<Real>::wantsPerturbation() {
   int structurals = 0, primal = 0, dual = 0;
   for (const VarIndex j : e_.head) structurals += j < e_.lp.n;
   if (structurals == 0) return true;
+  if (e_.options.warmBasis >= 0) return (e_.options.warmBasis & 1) != 0;
   if (!primalFresh_) {
     e_.loadBasicBounds();
     e_.computePrimal();
@@ -172,7 +186,9 @@ bool DualSimplex<Real>::wantsPerturbation() {
 // Removes perturbation and shifts at an optimum of the working costs.
 template <class Real>
 PhaseResult DualSimplex<Real>::finishPhaseTwo() {
-  if (!e_.costsPerturbed && e_.costShift == ShiftState::None) return PhaseResult::Optimal;
+  if (!e_.costsPerturbed && e_.costShift == ShiftState::None && e_.held.empty())
+    return PhaseResult::Optimal;
+  if (!e_.held.empty()) e_.resetWorkingBounds();
   e_.resetWorkingCosts();
   e_.computeDual();
   int count = 0;
@@ -261,8 +277,15 @@ template <class Real>
 bool DualSimplex<Real>::rebuild(RebuildReason reason, bool phaseOne) {
   const bool verdictPending =
       reason == RebuildReason::PossiblyOptimal || reason == RebuildReason::PossiblyInfeasible;
-  const bool refactor = !e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
-                                         !(verdictPending && e_.updates < kRecomputeUpdates));
+  if (e_.iterations >= perturbAt_) {
+    perturbAt_ = 1e100;
+    perturbCosts();
+    e_.valuesFollowed = false;
+  }
+  const bool refactor =
+      !e_.factored ||
+      (e_.updates > 0 && reason != RebuildReason::None &&
+       !(verdictPending && e_.options.endFactor < 2 && e_.updates < kRecomputeUpdates));
   const bool check = refactor && e_.updates > 0 && e_.valuesFollowed;
   if (refactor) {
     if (reason == RebuildReason::UnsafeUpdate || reason == RebuildReason::PivotDisagreement)
@@ -412,6 +435,13 @@ void DualSimplex<Real>::block(BasisPos p) {
   setInfeasibility(p);
 }
 
+// Not even fresh factors make a good pivot of the row's column.
+template <class Real>
+void DualSimplex<Real>::refuse(BasisPos p) {
+  ++refusedCols_;
+  block(p);
+}
+
 template <class Real>
 void DualSimplex<Real>::unblockAll() {
   if (static_cast<int>(blocked_.size()) == e_.lp.m && blockedCount_ == 0) return;
@@ -429,7 +459,8 @@ void DualSimplex<Real>::fillQueue() {
 template <class Real>
 RebuildReason DualSimplex<Real>::iterate() {
   while (true) {
-    if (!e_.poll()) return RebuildReason::Limit;
+    if (!e_.pollAndLog()) return RebuildReason::Limit;
+    if (e_.iterations >= perturbAt_) return RebuildReason::UpdateLimit;
     const BasisPos p = chooseRow();
     if (p < 0) return RebuildReason::PossiblyOptimal;
     const double before = e_.control->work.counted();
@@ -504,7 +535,7 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   if (difference > Real(tuning::kPivotAgreement) *
                        std::max(Real(1e-2), std::min(fabs(alpha), fabs(alphaRow))) &&
       (e_.updates > 0 || fabs(alpha) < Real(1e-9))) {
-    if (e_.updates == 0) block(p);
+    if (e_.updates == 0) refuse(p);
     return RebuildReason::PivotDisagreement;
   }
   const int side = e_.xB[p] < e_.lB[p] ? -1 : 1;
@@ -524,7 +555,7 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   const VarIndex out = e_.head[p];
   const UpdateResult updated = e_.changeBasis(q, p, side, alpha);
   if (updated == UpdateResult::RefactorNow) {
-    if (e_.updates == 0) block(p);
+    if (e_.updates == 0) refuse(p);
     return RebuildReason::UnsafeUpdate;
   }
   e_.updatedObjective += thetaD_ * delta;

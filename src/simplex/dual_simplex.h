@@ -43,6 +43,7 @@ class DualSimplex {
   RebuildReason pivot(BasisPos p, VarIndex q);
 
   bool wantsPerturbation();
+  bool wantsExactWeights() const;
   void perturbCosts();
   void installPhaseOneBoxes();
   // Nonbasic variables to the side their reduced cost asks for; what no flip can mend is shifted
@@ -55,6 +56,7 @@ class DualSimplex {
   void collectCandidates(Real sign);
   int selectBreakGroup(Real slope);
   void flipGroupsBefore(int group);
+  void flipWithin(int group, int pivot, Real slope);
   void applyFlips();
   void updatePrimal(BasisPos p, Real thetaP);
   void updateDuals(Real thetaD);
@@ -65,6 +67,7 @@ class DualSimplex {
   void setInfeasibility(BasisPos i);
   void fillQueue();
   void block(BasisPos p);
+  void refuse(BasisPos p);
   void unblockAll();
 
   Engine<Real> &e_;
@@ -82,6 +85,7 @@ class DualSimplex {
   Vec<char> checked_;  // rows whose weight has been exact since the queue was filled
   bool allowSmallPivots_ = false;
   bool resumed_ = false;
+  double perturbAt_ = 1e100;   // iterations from which on costs are perturbed
   double nextCutoffTest_ = 0;  // iterations; a test that failed is not repeated at once
   bool retry_ = false;         // the verdict asks for another try without the row it blocked
   double flips_ = 0;           // of reduced costs mended by a change of side
@@ -93,6 +97,7 @@ class DualSimplex {
   BasisPos troubleRow_ = -1;
   bool phaseOne_ = false;
   int disagreements_ = 0;
+  int refusedCols_ = 0;  // pivots that even fresh factors refused
 };
 
 extern template class DualSimplex<double>;

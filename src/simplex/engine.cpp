@@ -10,6 +10,11 @@ namespace tarvik {
 
 using std::fabs;
 
+namespace {
+// Entries of factors count as zero below this share of the zero tolerance: many add up.
+constexpr double kDropShare = 0.1;
+}  // namespace
+
 template <class Real>
 void Engine<Real>::loadProblem(const LpModel &model, Scaling scaling) {
   lp.load(model, std::move(scaling));
@@ -89,6 +94,7 @@ void Engine<Real>::convertFrom(const Engine<Other> &other) {
 template <class Real>
 void Engine<Real>::slackBasis() {
   forgetValues();
+  held.clear();
   const int total = lp.total(), m = lp.m;
   lower = lp.lower;
   upper = lp.upper;
@@ -167,6 +173,9 @@ template <class Real>
 void Engine<Real>::resetWorkingBounds() {
   lower = lp.lower;
   upper = lp.upper;
+  if (!held.empty() && control)
+    if (Log *log = warnings()) log->print("Release temp fixing\n");
+  held.clear();
   for (int j = 0; j < lp.total(); ++j) {
     placeNonbasic(j);
     syncActive(j);
@@ -217,18 +226,46 @@ bool Engine<Real>::applyRepair(const SingularRepair &repair) {
   }
   const auto answer =
       stability.noteRepair(static_cast<int>(repair.dropped.size()), iterations > 0, warnings());
-  if (answer != Stability::Repair::RestartFromSlackBasis) return answer == Stability::Repair::GoOn;
+  if (answer == Stability::Repair::Stop) return false;
+  if (answer == Stability::Repair::GoOn) return hold(repair.dropped);
   slackBasis();
   SingularRepair none;
   factor.factor(head, none, control->work);
   return true;
 }
 
+// What made a basis singular would soon be chosen again: it is fixed until the working bounds are
+// reset. False when too many are.
+template <class Real>
+bool Engine<Real>::hold(const Vec<VarIndex> &dropped) {
+  if (static_cast<int>(held.size() + dropped.size()) > options.heldLimit) return false;
+  for (const VarIndex j : dropped) {
+    if (move[j] == 0) continue;
+    lower[j] = upper[j] = value[j];
+    held.push_back(j);
+  }
+  return true;
+}
+
+template <class Real>
+void Engine<Real>::computeExactWeights() {
+  for (int i = 0; i < lp.m && poll(); ++i) {
+    unitBtran(i);
+    double sum = 0;
+    rho.forEach([&](int, Real x) { sum += static_cast<double>(x) * static_cast<double>(x); });
+    rowWeight[i] = sum;
+  }
+  rowWeightsValid = true;
+}
+
 template <class Real>
 bool Engine<Real>::refactor() {
   factor.options().markowitzTol = stability.markowitz();
   factor.options().pivotTol = options.pivotTol;
+  factor.options().dropTol = kDropShare * options.zeroTol;
   factor.options().maxUpdates = stability.updateLimit();
+  factor.options().pairLimit = options.pairLimit;
+  factor.options().symbolicL = options.symbolicL;
   Vec<VarIndex> oldHead = head;
   SingularRepair repair;
   factor.factor(head, repair, control->work);
@@ -582,6 +619,12 @@ bool Engine<Real>::poll() {
 }
 
 template <class Real>
+bool Engine<Real>::pollAndLog() {
+  if (poll() && iterations >= nextLogLook) log(false);
+  return stop == StopReason::None;
+}
+
+template <class Real>
 void Engine<Real>::logHeader() {
   if (headerPrinted || !options.logging) return;
   headerPrinted = true;
@@ -590,6 +633,7 @@ void Engine<Real>::logHeader() {
 
 template <class Real>
 void Engine<Real>::log(bool force) {
+  nextLogLook = iterations + options.logInterval;
   const bool heard = options.logging && control->log->enabled();
   const double seconds = heard ? control->limits.seconds() : 0;
   const bool due = heard && iterations != lastLogIteration && (force || seconds >= nextLogSeconds);

@@ -67,6 +67,9 @@ struct EngineState {
   ShiftState boundShift = ShiftState::None;
   bool costsPerturbed = false, boundsPerturbed = false;
   Vec<double> randomValue;  // n + m, in [0, 1); fixed for the engine's life
+  // Nonbasic variables fixed where they are in the working bounds, since they were dependent in a
+  // basis; resetWorkingBounds() lets them go.
+  Vec<VarIndex> held;
 
   // --- run state ---
   SolveControl *control = nullptr;
@@ -76,7 +79,7 @@ struct EngineState {
   VarIndex provingVar = -1;  // of a verdict other than optimal; see LpSolution
   SimplexProgress progress;
   double logSign = 1;
-  double lastLogIteration = -1, nextLogSeconds = 0;
+  double lastLogIteration = -1, nextLogSeconds = 0, nextLogLook = 0;
   bool headerPrinted = false;
 };
 
@@ -139,6 +142,8 @@ class Engine : public EngineState {
   void placeNonbasic(VarIndex j);
   void resetWorkingBounds();  // true bounds into lower/upper; nonbasics follow
   void resetWorkingCosts();
+  // The squared norms of the rows of the inverse basis as edge weights, by one solve a row.
+  void computeExactWeights();
   void rebuildRows();
   void needRows() {
     if (!rows.built() || rows.loose()) buildRows();
@@ -212,7 +217,8 @@ class Engine : public EngineState {
   void shiftCost(VarIndex j, Real amount);
   // Checks that y'(A x + s) = 0 cannot hold within the true bounds; keeps y as the certificate.
   bool proveInfeasible(const SparseVec<Real> &y);
-  bool poll();  // false: stop (reason in `stop`)
+  bool poll();        // false: stop (reason in `stop`)
+  bool pollAndLog();  // the same in an iteration, which may be due for a log line
   void chargeWork(double entries) { control->work.charge(entries * workRate); }
   void log(bool force);
   void logHeader();
@@ -220,7 +226,7 @@ class Engine : public EngineState {
   void restartCounting() {
     iterations = 0;
     lastLogIteration = -1;
-    nextLogSeconds = 0;
+    nextLogSeconds = nextLogLook = 0;
     headerPrinted = false;
   }
   void updateDensity(double &average, const SparseVec<Real> &x) const;
@@ -240,6 +246,7 @@ class Engine : public EngineState {
   void refineRow(Vec<Real> &y);
   void permuteWeights(const Vec<VarIndex> &oldHead);
   bool applyRepair(const SingularRepair &repair);
+  bool hold(const Vec<VarIndex> &dropped);
   // How many more pivot rows may be formed column by column before the row-wise copy is made.
   int columnPrices_ = 0;
   int loosePrices_ = 0;   // before the loose row-wise copy becomes a partitioned one

@@ -42,7 +42,8 @@ PhaseResult PrimalSimplex<Real>::run(bool perturb, bool keepBounds) {
     }
     if (reason == RebuildReason::Limit) return finish(PhaseResult::Stopped);
     if (e_.iterations != before) continue;
-    if (e_.boundsPerturbed && (phaseOne_ || reason == RebuildReason::PossiblyUnbounded)) {
+    if (!e_.held.empty() ||
+        (e_.boundsPerturbed && (phaseOne_ || reason == RebuildReason::PossiblyUnbounded))) {
       // A verdict other than "optimal" must hold for the true bounds.
       e_.resetWorkingBounds();
       continue;
@@ -98,8 +99,10 @@ template <class Real>
 bool PrimalSimplex<Real>::rebuild(RebuildReason reason) {
   const bool verdictPending =
       reason == RebuildReason::PossiblyOptimal || reason == RebuildReason::PossiblyUnbounded;
-  const bool refactor = !e_.factored || (e_.updates > 0 && reason != RebuildReason::None &&
-                                         !(verdictPending && e_.updates < kRecomputeUpdates));
+  const bool refactor =
+      !e_.factored ||
+      (e_.updates > 0 && reason != RebuildReason::None &&
+       !(verdictPending && e_.options.endFactor < 2 && e_.updates < kRecomputeUpdates));
   const bool check = refactor && e_.updates > 0 && e_.valuesFollowed;
   if (refactor) {
     if (reason == RebuildReason::UnsafeUpdate || reason == RebuildReason::PivotDisagreement)
@@ -187,7 +190,7 @@ void PrimalSimplex<Real>::perturbBounds() {
 template <class Real>
 RebuildReason PrimalSimplex<Real>::iterate() {
   while (true) {
-    if (!e_.poll()) return RebuildReason::Limit;
+    if (!e_.pollAndLog()) return RebuildReason::Limit;
     const VarIndex q = chooseColumn();
     if (q < 0) return RebuildReason::PossiblyOptimal;
     e_.ftranColumn(q, e_.column, true);
@@ -197,7 +200,8 @@ RebuildReason PrimalSimplex<Real>::iterate() {
     }
     const RebuildReason reason = step(q);
     if (reason != RebuildReason::None) return reason;
-    if (!e_.boundsPerturbed && stalled_ > kStalledIterations) {
+    const int patience = e_.options.perturbAfter;
+    if (!e_.boundsPerturbed && stalled_ > (patience < 0 ? kStalledIterations : patience)) {
       stalled_ = 0;
       perturbBounds();
       return RebuildReason::UpdateLimit;

@@ -58,6 +58,7 @@ void Stability::startSolve(const SimplexOptions &options, int numRows) {
   numRows_ = numRows;
   quad_ = options.quad;
   endFactor_ = options.endFactor;
+  quitOnSingular_ = options.quitOnSingular;
   fixedInterval_ = options.luInterval > 0;
   if (fixedInterval_) {
     updateLimit_ = options.luInterval;
@@ -91,7 +92,8 @@ Stability::Repair Stability::noteRepair(int dropped, bool moved, Log *log) {
   ++repairs_;
   statistics.repairs.add(dropped);
   if (log) log->print("Warning: %d variables dropped from basis\n", dropped);
-  if (repairs_ > kMaxRepairs || (endFactor_ == 0 && repairs_ > kMaxHastyRepairs)) {
+  if (quitOnSingular_ || repairs_ > kMaxRepairs ||
+      (endFactor_ == 0 && repairs_ > kMaxHastyRepairs)) {
     hopeless_ = true;
     return Repair::Stop;
   }

@@ -69,6 +69,7 @@ class Stability {
   int numRows_ = 0;
   int quad_ = -1;
   int endFactor_ = 1;
+  bool quitOnSingular_ = false;
   int repairs_ = 0;
   int troubles_ = 0;  // refactorizations asked for by trouble
   bool forced_ = false;

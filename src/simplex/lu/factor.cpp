@@ -59,10 +59,10 @@ void Factor<Real>::Impl::factor(Vec<VarIndex> &head, SingularRepair &repair) {
   singletons.run(matrix, head, pivotTol, factors);
   stats.kernelDim = static_cast<int>(singletons.left().size());
   if (stats.kernelDim > 0)
-    nucleus.factor(
-        matrix, singletons.left(),
-        {static_cast<Real>(options.markowitzTol), pivotTol, static_cast<Real>(options.dropTol)},
-        factors);
+    nucleus.factor(matrix, singletons.left(),
+                   {static_cast<Real>(options.markowitzTol), pivotTol,
+                    static_cast<Real>(options.dropTol), options.pairLimit},
+                   factors);
   repairRows(repair);
   factors.finish();
   for (int i = 0; i < m; ++i) head[i] = factors.basicVar[i];
@@ -94,7 +94,8 @@ void Factor<Real>::Impl::startStats(const Vec<VarIndex> &head) {
 template <class Real>
 double Factor<Real>::Impl::ftran(SparseVec<Real> &x, double expectedDensity, bool keepSpike) {
   const Real dropTol = static_cast<Real>(options.dropTol);
-  double lWork = solver.template solve<Sweep::Forward>(factors.lCols, nullptr, dropTol, 0.0, x);
+  double lWork = solver.template solve<Sweep::Forward>(factors.lCols, nullptr, dropTol,
+                                                       options.symbolicL ? 0.0 : 1.0, x);
   const double rWork = updates.applyForward(x);
   if (keepSpike) {
     updates.keepSpike(x);
@@ -120,8 +121,8 @@ double Factor<Real>::Impl::btran(SparseVec<Real> &y, double expectedDensity, dou
     lWork += y.valid() ? y.count : m;
   }
   const double rWork = updates.applyBackward(y);
-  lWork +=
-      solver.template solve<Sweep::Backward>(factors.lRows, nullptr, dropTol, expectedDensity, y);
+  lWork += solver.template solve<Sweep::Backward>(factors.lRows, nullptr, dropTol,
+                                                  options.symbolicL ? expectedDensity : 1.0, y);
   settle(y, lWork, listDensity);
   return chargeSolve(lWork, rWork, uWork);
 }

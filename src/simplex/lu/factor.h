@@ -19,6 +19,8 @@ struct FactorOptions {
   double pivotTol = 3e-8;           // smaller pivots count as zero
   double dropTol = 1e-14;           // entries of factors and results below it are dropped
   int maxUpdates = 100;             // a refactorization is forced after so many
+  int pairLimit = 0;                // pairs of columns with the same two rows pivoted first
+  bool symbolicL = true;            // solves with L may follow the pattern of the right-hand side
 };
 
 enum class UpdateResult {

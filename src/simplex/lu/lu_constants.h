@@ -9,6 +9,9 @@ namespace tarvik::lu {
 // found: more search, less fill (Suhl and Suhl, 1990, advise 4).
 inline constexpr int kSearchLimit = 4;
 
+// Columns with two entries looked at for a partner, where such pairs are wanted.
+inline constexpr int kPairSearch = 32;
+
 // With so few multipliers, their rows are looked for in a column one by one, by comparisons
 // that vectorize; with more, the column is scanned once.
 inline constexpr std::size_t kFewMultipliers = 3;

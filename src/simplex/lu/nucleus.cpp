@@ -15,6 +15,7 @@ void Nucleus<Real>::factor(const BasisMatrix<Real> &matrix, const Vec<VarIndex> 
   var_.assign(vars.begin(), vars.end());
   colsLeft_ = static_cast<int>(var_.size());
   touched_ = 0;
+  pairs_ = 0;
   load(matrix);
   while (colsLeft_ > 0) {
     if (worthDense()) {
@@ -99,6 +100,10 @@ bool Nucleus<Real>::choosePivot() {
   choice_ = Choice();
   int searched = 0;
   for (int col = colLists_.first(0); col >= 0; col = colLists_.first(0)) colLists_.unlink(col);
+  if (pairs_ < tol_.pairLimit && choosePair()) {
+    ++pairs_;
+    return true;
+  }
   for (int count = 1; count <= maxCount_; ++count) {
     const double least = double(count - 1) * (count - 1);
     if (choice_.row >= 0 && choice_.merit <= least) return true;
@@ -125,6 +130,39 @@ bool Nucleus<Real>::choosePivot() {
     }
   }
   return choice_.row >= 0;
+}
+
+// Two columns with nothing but the same two rows are pivoted one after the other without fill: the
+// first with its larger entry, the second is a singleton then.
+template <class Real>
+bool Nucleus<Real>::choosePair() {
+  int tried = 0;
+  for (int col = colLists_.first(2); col >= 0 && tried < kPairSearch; col = colLists_.next(col)) {
+    ++tried;
+    if (!refreshMax(col)) continue;
+    const Column &column = column_[col];
+    if (column.end - column.active != 2) continue;
+    const int rows[2] = {index_[column.active], index_[column.active + 1]};
+    const Row &r = row_[row_[rows[0]].count <= row_[rows[1]].count ? rows[0] : rows[1]];
+    for (int n = 0; n < r.count; ++n) {
+      const int other = rowCol_[r.begin + n];
+      touched_ += 2;
+      if (other == col || !isPair(other, rows)) continue;
+      const NzIndex second = column.active + 1;
+      const bool swap = std::abs(value_[second]) > std::abs(value_[column.active]);
+      choice_ = {0, largest_[col], rows[swap], col};
+      return true;
+    }
+  }
+  return false;
+}
+
+template <class Real>
+bool Nucleus<Real>::isPair(int col, const int *rows) const {
+  const Column &column = column_[col];
+  if (column.count != 2) return false;
+  const NzIndex first = find(column, rows[0]), second = find(column, rows[1]);
+  return first < column.end && second < column.end;
 }
 
 template <class Real>

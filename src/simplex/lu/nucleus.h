@@ -28,6 +28,7 @@ class Nucleus {
  public:
   struct Tolerances {
     Real markowitz, pivot, drop;
+    int pairLimit;  // of columns that share their only two rows, pivoted before all others
   };
   // Pivots the given structural variables on rows without pivot, as far as they go.
   void factor(const BasisMatrix<Real> &matrix, const Vec<VarIndex> &vars,
@@ -59,6 +60,8 @@ class Nucleus {
   void load(const BasisMatrix<Real> &matrix);
   void loadRows(int numRows);
   bool choosePivot();
+  bool choosePair();
+  bool isPair(int col, const int *rows) const;
   void searchColumn(int col);
   bool searchRow(int row);
   void consider(int row, int col, double merit, Real size);
@@ -93,6 +96,7 @@ class Nucleus {
   CountLists colLists_, rowLists_;
   int colsLeft_ = 0;
   int maxCount_ = 0;
+  int pairs_ = 0;  // chosen so far
   NzIndex activeNz_ = 0;
   double touched_ = 0;  // entries looked at
 
