@@ -67,6 +67,7 @@ LpOutcome LpDriver::run(const Basis *warmStart, const Vec<double> *superbasicVal
                         const Vec<double> *edgeWeights) {
   if (lp_.numRows == 0) return settle(solveWithoutRows());
   if (!warmStart) return settle(solveFromScratch());
+  options_.simplex.exactNorms = false;
   if (options_.presolve.level != 0 && options_.presolveWarmStart)
     return settle(solvePresolved(warmStart));
   // The check of the result is the proof: values updated through a few steps need no second look.
@@ -208,8 +209,8 @@ LpSolution LpDriver::runEngine(Simplex &simplex, SimplexMethod method, bool from
   // Engines count their own iterations; the limit is on all of them together.
   const double iterationLimit = control_.limits.iterationLimit;
   control_.limits.iterationLimit = iterationLimit - iterations_;
-  if (fromScratch && options_.mayChangeMethod && simplex.crash(control_))
-    method = SimplexMethod::Primal;
+  const bool mayCrash = options_.mayChangeMethod || options_.simplex.crash > 1;
+  if (fromScratch && mayCrash && simplex.crash(control_)) method = SimplexMethod::Primal;
   LpStatus status = simplex.solve(method, control_);
   if (status == LpStatus::InfeasibleOrUnbounded)
     status = simplex.solve(SimplexMethod::Primal, control_);

@@ -36,9 +36,9 @@ SimplexOptions simplexOptions(const Env &env) {
   if (const int every = env.get(Int::TARV_PAR_SDISPINTERVAL); every > 0)
     options.logInterval = every;
   options.heldLimit = env.get(Int::TARV_PAR_STMPFIXES);
-  options.roomLevel = env.get(Int::TARV_PAR_SIMPLEXALLOCS);
   options.exactNorms = env.get(Int::TARV_PAR_EXACTNORM) == 1 && std::abs(options.pricing) == 1;
   options.flipBeyondStep = env.get(Int::TARV_PAR_NONDEGENFLIP) != 0;
+  options.weighRatios = env.get(Int::TARV_PAR_SIMPLEXPWRATIO) != 0;
   options.symbolicL = env.get(Int::TARV_PAR_SPXLHEIGHT) != 0;
   options.quitOnSingular = env.get(Int::TARV_PAR_REFACTORQUIT) != 0;
   options.endFactor = env.get(Int::TARV_PAR_SIMPLEXENDFAC);

@@ -166,6 +166,54 @@ int DualSimplex<Real>::selectBreakGroup(Real slope) {
   return 0;
 }
 
+// The score of a candidate: logicals count half, those of added rows a little less; types that
+// would put continuous columns first are not known here.
+template <class Real>
+Real DualSimplex<Real>::ratioWeight(VarIndex j) const {
+  if (j < e_.lp.n) return Real(1);
+  const Real w = j - e_.lp.n < e_.loadedRows ? Real(1) : Real(0.9375);
+  return (Real(0.3) * w + Real(0.7)) * Real(0.5);
+}
+
+// The pivot in a group of ties: the largest one, or the smallest relaxed ratio by score among the
+// pivots that are not much smaller than the largest.
+template <class Real>
+int DualSimplex<Real>::choosePivot(int group) const {
+  const int first = groupStart_[group], end = groupStart_[group + 1];
+  int best = first;
+  for (int k = first; k < end; ++k) {
+    const Candidate &c = candidates_[k], &b = candidates_[best];
+    if (c.alpha > b.alpha || (c.alpha == b.alpha && e_.randomValue[c.var] > e_.randomValue[b.var]))
+      best = k;
+  }
+  if (!e_.options.weighRatios) return best;
+  const Real least = Real(tuning::kTiedPivotShare) * candidates_[best].alpha;
+  const auto cost = [&](const Candidate &c) {
+    return (std::max(c.slack, Real(0)) + e_.dualTol) / (c.alpha * ratioWeight(c.var));
+  };
+  Real lowest = cost(candidates_[best]);
+  for (int k = first; k < end; ++k) {
+    if (candidates_[k].alpha < least) continue;
+    if (const Real own = cost(candidates_[k]); own < lowest) {
+      lowest = own;
+      best = k;
+    }
+  }
+  return best;
+}
+
+// The entering variable is infeasible within the tolerance: a shift makes the step positive, not
+// longer than the ratio test allows, instead of negative.
+template <class Real>
+void DualSimplex<Real>::makeStepPositive(VarIndex q, int group, Real alpha) {
+  const Real violation = fabs(e_.dual[q]);
+  const bool small = e_.smallViolation(q, violation);
+  const Real longest = std::max(suffixTheta_[groupStart_[group]], Real(0)) * alpha;
+  const Real target = std::min(e_.shiftExcess(q, small) * violation, longest);
+  e_.shiftCost(q, target * Real(e_.move[q]) - e_.dual[q],
+               small ? ShiftState::Small : ShiftState::Large);
+}
+
 template <class Real>
 VarIndex DualSimplex<Real>::chooseColumn(BasisPos p) {
   flipped_.clear();
@@ -175,20 +223,10 @@ VarIndex DualSimplex<Real>::chooseColumn(BasisPos p) {
   collectCandidates(sign);
   if (candidates_.empty()) return -1;
   const int group = selectBreakGroup(fabs(delta));
-  int best = groupStart_[group];
-  for (int k = best; k < groupStart_[group + 1]; ++k) {
-    const Candidate &c = candidates_[k], &b = candidates_[best];
-    if (c.alpha > b.alpha || (c.alpha == b.alpha && e_.randomValue[c.var] > e_.randomValue[b.var]))
-      best = k;
-  }
+  const int best = choosePivot(group);
   const VarIndex q = candidates_[best].var;
-  if (candidates_[best].slack > 0) {
-    thetaD_ = e_.dual[q] / e_.rowEntry(q);
-  } else {
-    // Infeasible within the tolerance: a shift makes the step zero instead of negative.
-    e_.shiftCost(q, -e_.dual[q]);
-    thetaD_ = 0;
-  }
+  if (candidates_[best].slack <= 0) makeStepPositive(q, group, candidates_[best].alpha);
+  thetaD_ = e_.dual[q] / e_.rowEntry(q);
   flipGroupsBefore(group);
   if (e_.options.flipBeyondStep && thetaD_ != Real(0)) flipWithin(group, best, fabs(delta));
   return q;

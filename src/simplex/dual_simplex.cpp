@@ -34,6 +34,7 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   nextCutoffTest_ = 0;
   perturbAt_ = 1e100;
   refusedCols_ = 0;
+  bestRejected_ = 0;
   resumed_ = resume();
   const bool prepared = e_.prepared;
   e_.forgetValues();
@@ -221,6 +222,7 @@ PhaseResult DualSimplex<Real>::phase(bool phaseOne) {
       continue;
     }
     if (reason == RebuildReason::Limit) return PhaseResult::Stopped;
+    if (reason == RebuildReason::TinyPivots) return PhaseResult::NeedsPrimal;
     // A verdict needs values computed from scratch: it counts only right after a rebuild, or where
     // the caller is content with less.
     if (e_.iterations != before && !trusts(reason)) continue;
@@ -340,8 +342,19 @@ void DualSimplex<Real>::recompute(bool phaseOne, bool compare) {
 }
 
 template <class Real>
+double DualSimplex<Real>::perturbationSize() const {
+  const double value = e_.options.perturbValue;
+  if (value > tuning::kDefaultPerturbValue) return value;
+  if (value == tuning::kDefaultPerturbValue && e_.iterations == 0 && e_.lp.offset == Real(0) &&
+      e_.lp.m > tuning::kSomeRows)
+    return tuning::kPerturbFromScratch;
+  return value *
+         (e_.lp.m <= tuning::kManyRows ? tuning::kPerturbFactor : tuning::kPerturbFactorManyRows);
+}
+
+template <class Real>
 void DualSimplex<Real>::perturbCosts() {
-  const double size = e_.options.perturbValue / tuning::kDefaultPerturbValue;
+  const double size = perturbationSize() / tuning::kPerturbFromScratch;
   if (size == 0) return;
   const int n = e_.lp.n, total = e_.lp.total();
   double largest = 0;
@@ -401,8 +414,7 @@ int DualSimplex<Real>::correctDuals(bool mayShift) {
       e_.updatedObjective += e_.dual[j] * (e_.value[j] - from);
       ++flips_;
     } else if (mayShift) {
-      const Real target = Real(1 + e_.randomValue[j]) * e_.dualTol;
-      const Real wanted = e_.move[j] > 0 ? target : e_.move[j] < 0 ? -target : Real(0);
+      const Real wanted = e_.shiftExcess(j, false) * violation * Real(e_.move[j]);
       e_.shiftCost(j, wanted - e_.dual[j]);
     } else {
       ++remaining;
@@ -471,10 +483,15 @@ RebuildReason DualSimplex<Real>::iterate() {
       troubleRow_ = p;
       return RebuildReason::PossiblyInfeasible;
     }
-    if (fabs(e_.rowEntry(q)) < Real(tuning::kSmallPivot) && !allowSmallPivots_) {
+    const Real size = fabs(e_.rowEntry(q));
+    if (size < Real(e_.options.bigTol) && !allowSmallPivots_) {
+      bestRejected_ = std::max(bestRejected_, size);
       block(p);
       continue;
     }
+    if (e_.options.primalDualSwitch && size >= Real(0.1) * bestRejected_ &&
+        size < Real(tuning::kTinyPivots * e_.options.pivotTol))
+      return RebuildReason::TinyPivots;
     const RebuildReason reason = pivot(p, q);
     if (reason != RebuildReason::None) return reason;
   }

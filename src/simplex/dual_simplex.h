@@ -44,6 +44,7 @@ class DualSimplex {
 
   bool wantsPerturbation();
   bool wantsExactWeights() const;
+  double perturbationSize() const;
   void perturbCosts();
   void installPhaseOneBoxes();
   // Nonbasic variables to the side their reduced cost asks for; what no flip can mend is shifted
@@ -55,6 +56,9 @@ class DualSimplex {
   VarIndex chooseColumn(BasisPos p);
   void collectCandidates(Real sign);
   int selectBreakGroup(Real slope);
+  int choosePivot(int group) const;
+  Real ratioWeight(VarIndex j) const;
+  void makeStepPositive(VarIndex q, int group, Real alpha);
   void flipGroupsBefore(int group);
   void flipWithin(int group, int pivot, Real slope);
   void applyFlips();
@@ -84,6 +88,7 @@ class DualSimplex {
   int blockedCount_ = 0;
   Vec<char> checked_;  // rows whose weight has been exact since the queue was filled
   bool allowSmallPivots_ = false;
+  Real bestRejected_ = 0;  // largest of the pivots put off
   bool resumed_ = false;
   double perturbAt_ = 1e100;   // iterations from which on costs are perturbed
   double nextCutoffTest_ = 0;  // iterations; a test that failed is not repeated at once

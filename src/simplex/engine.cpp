@@ -23,6 +23,8 @@ void Engine<Real>::loadProblem(const LpModel &model, Scaling scaling) {
   Random random(static_cast<std::uint64_t>(options.seed) + 1);
   for (double &r : randomValue) r = random.uniform();
   iterations = 0;
+  setupEntries = static_cast<double>(lp.cols.numNz());
+  loadedRows = lp.m;
   setWorkRate();
 }
 
@@ -526,13 +528,11 @@ Real Engine<Real>::rowPivotTol() const {
 }
 
 template <class Real>
-void Engine<Real>::shiftCost(VarIndex j, Real amount) {
+void Engine<Real>::shiftCost(VarIndex j, Real amount, ShiftState state) {
   if (amount == Real(0)) return;
   cost[j] += amount;
   dual[j] += amount;
   updatedObjective += amount * value[j];
-  const ShiftState state =
-      fabs(amount) < Real(0.05) * dualTol ? ShiftState::Small : ShiftState::Large;
   if (static_cast<int>(state) > static_cast<int>(costShift)) costShift = state;
 }
 

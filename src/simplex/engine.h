@@ -8,6 +8,8 @@
 // superbasic. Basic values live in xB by basis position, their working bounds in lB and uB.
 #pragma once
 
+#include <cmath>
+
 #include "base/random.h"
 #include "simplex/candidate_queue.h"
 #include "simplex/lu/factor.h"
@@ -27,6 +29,7 @@ enum class RebuildReason {
   PossiblyUnbounded,   // primal: no blocking variable
   PivotDisagreement,   // row and column disagree on the pivot
   UnsafeUpdate,        // the factor refused the update
+  TinyPivots,          // dual: nothing but tiny pivots is left
   Cutoff,
   Limit,  // a limit or a stop request; see Engine::stop
 };
@@ -58,6 +61,7 @@ struct EngineState {
   Vec<signed char> move;   // n + m
   Vec<double> rowWeight;   // m, dual steepest-edge weights
   bool rowWeightsValid = false;
+  int loadedRows = 0;  // rows beyond have been added since the load
 
   // --- running densities ---
   double rhoDensity = 0, rowDensity = 0, columnDensity = 0, weightDensity = 0, flipDensity = 0;
@@ -214,7 +218,17 @@ class Engine : public EngineState {
   // Smallest entry of a pivot row or column that a ratio test may take: what the factorization
   // treats as zero at least, more with the age of the factors.
   Real rowPivotTol() const;
-  void shiftCost(VarIndex j, Real amount);
+  void shiftCost(VarIndex j, Real amount, ShiftState state = ShiftState::Large);
+  // A wrong sign of this size is small: a shift that mends it may go beyond by as much again.
+  bool smallViolation(VarIndex j, Real violation) const {
+    return violation < Real(0.0005) * dualTol ||
+           (violation < Real(0.05) * dualTol &&
+            (upper[j] - lower[j]) * violation < Real(0.1) * dualTol);
+  }
+  // By how much a shift goes beyond zero, as a share of what it mends.
+  Real shiftExcess(VarIndex j, bool small) const {
+    return small ? Real(randomValue[j]) : Real((std::floor(500 * randomValue[j]) + 111) / 1000);
+  }
   // Checks that y'(A x + s) = 0 cannot hold within the true bounds; keeps y as the certificate.
   bool proveInfeasible(const SparseVec<Real> &y);
   bool poll();        // false: stop (reason in `stop`)
@@ -232,6 +246,7 @@ class Engine : public EngineState {
   void updateDensity(double &average, const SparseVec<Real> &x) const;
 
   double workRate = 1.3;
+  double setupEntries = 0;  // of the load that no solve has been charged for
 
  private:
   void loadProblem(const LpModel &model, Scaling scaling);

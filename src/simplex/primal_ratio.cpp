@@ -37,6 +37,7 @@ typename PrimalSimplex<Real>::Choice PrimalSimplex<Real>::ratioTest(VarIndex q, 
     return choice;
   }
   if (relaxed == kRealInf<Real>) return choice;
+  choice.longest = std::max(relaxed, Real(0));
   Real largest = 0;
   for (int k = 0; k < count; ++k) {
     const int i = column.valid() ? column.index[k] : k;
@@ -118,19 +119,30 @@ typename PrimalSimplex<Real>::Choice PrimalSimplex<Real>::phaseOneRatioTest(VarI
   return choice;
 }
 
-// The working bound that a blocking row has passed within the tolerance moves to the row's value,
-// so that the pivot makes no backward step.
+// The working bound that a blocking row has passed within the tolerance moves a little beyond the
+// row's value, so that the pivot makes a short step forward instead of a backward one; those of a
+// fixed variable only onto its value (crashed models took four times as many iterations). Returns
+// the step.
 template <class Real>
-void PrimalSimplex<Real>::shiftBoundTo(BasisPos p, int side, Real target) {
+Real PrimalSimplex<Real>::shiftBound(const Choice &choice, Real alpha) {
+  const BasisPos p = choice.row;
   const VarIndex j = e_.head[p];
-  Real &bound = side < 0 ? e_.lower[j] : e_.upper[j];
-  if (bound == target) return;
-  if ((side < 0 && target > bound) || (side > 0 && target < bound)) return;
-  if (e_.lower[j] == e_.upper[j])
+  const Real sign = Real(choice.side);  // of the way out of the bounds
+  Real &bound = choice.side < 0 ? e_.lower[j] : e_.upper[j];
+  const Real passed = (e_.xB[p] - bound) * sign;
+  if (!(passed > 0)) return 0;
+  const bool fixed = e_.lower[j] == e_.upper[j];
+  const Real excess = fixed ? Real(0) : Real(std::floor(200 * e_.randomValue[j]) / 1000);
+  const Real step = std::min(excess * passed / fabs(alpha), choice.longest);
+  const Real target = e_.xB[p] + sign * step * fabs(alpha);
+  if (fixed)
     e_.lower[j] = e_.upper[j] = e_.lB[p] = e_.uB[p] = target;
   else
-    bound = (side < 0 ? e_.lB[p] : e_.uB[p]) = target;
-  if (e_.boundShift == ShiftState::None) e_.boundShift = ShiftState::Small;
+    bound = (choice.side < 0 ? e_.lB[p] : e_.uB[p]) = target;
+  const ShiftState state =
+      passed < Real(0.001) * e_.primalTol ? ShiftState::Small : ShiftState::Large;
+  if (static_cast<int>(state) > static_cast<int>(e_.boundShift)) e_.boundShift = state;
+  return step;
 }
 
 template class PrimalSimplex<double>;

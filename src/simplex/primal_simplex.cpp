@@ -14,6 +14,8 @@ constexpr int kMaxDisagreements = 200;
 constexpr int kRecomputeUpdates = 10;
 // Iterations without a step before the bounds are perturbed.
 constexpr int kStalledIterations = 300;
+// The stability threshold that a tiny pivot asks for.
+constexpr double kTinyPivotThreshold = 0.03125;
 }  // namespace
 
 template <class Real>
@@ -255,14 +257,17 @@ RebuildReason PrimalSimplex<Real>::step(VarIndex q) {
       e_.updates > 0)
     return RebuildReason::PivotDisagreement;
   const VarIndex out = e_.head[p];
-  if (choice.step == Real(0)) {
-    shiftBoundTo(p, choice.side, e_.xB[p]);
+  Real length = choice.step;
+  if (length == Real(0)) {
+    length = shiftBound(choice, alpha);
     ++stalled_;
   } else {
     stalled_ = 0;
   }
-  const Real entering = e_.value[q] + direction * choice.step;
-  movePrimal(q, direction * choice.step);
+  if (fabs(alpha) < Real(tuning::kTinyPivots * e_.options.pivotTol))
+    e_.stability.tighten(kTinyPivotThreshold, e_.warnings());
+  const Real entering = e_.value[q] + direction * length;
+  movePrimal(q, direction * length);
   if (phaseOne_) updatePhaseOneCosts(p);
   updateDuals(q, p, alpha);
   updateWeights(q, p, alpha, out);

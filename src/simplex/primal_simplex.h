@@ -30,6 +30,7 @@ class PrimalSimplex {
     BasisPos row = -1;  // -1: none blocks
     int side = 0;
     Real step = 0;
+    Real longest = 0;   // within the tolerances of all rows
     bool flip = false;  // the entering variable reaches its other bound first
   };
 
@@ -57,7 +58,7 @@ class PrimalSimplex {
   bool enteringDualAgrees(VarIndex q);
   Choice ratioTest(VarIndex q, Real direction);
   Choice phaseOneRatioTest(VarIndex q, Real direction);
-  void shiftBoundTo(BasisPos p, int side, Real target);
+  Real shiftBound(const Choice &choice, Real alpha);
   void movePrimal(VarIndex q, Real signedStep);
   void updatePhaseOneCosts(BasisPos leavingRow);
   void updateDuals(VarIndex q, BasisPos p, Real alpha);

@@ -34,6 +34,8 @@ bool SimplexCore<Real>::start(SolveControl &control) {
   engine.primalTol = engine.options.primalTol;
   engine.dualTol = engine.options.dualTol;
   engine.stability.startSolve(engine.options, engine.lp.m);
+  engine.chargeWork(3 * engine.setupEntries);
+  engine.setupEntries = 0;
   engine.certificateRow.clear();
   engine.rayDirection.clear();
   engine.provingVar = -1;

@@ -22,15 +22,15 @@ struct SimplexOptions {
   int endFactor = 1;   // 0 gives up after few repairs of singular bases, 2 factors before verdicts
   int statistics = 0;  // LP statistics report: 1 of what is seen anyway, 2 with condition numbers
   int seed = 0;
-  int crash = -1;           // Simplex::crash: 0 never, 1 on any model, -1 where it promises to pay
+  int crash = -1;  // Simplex::crash: 0 never, 1 and 2 on any model, -1 where it promises to pay
   int perturbAfter = -1;    // iterations (dual) or idle ones (primal) before it; -1 automatic
   int warmBasis = -1;       // of a given basis: bit 0 perturbs, bit 1 computes exact edge weights
   int pairLimit = 0;        // 2 x 2 blocks that a factorization looks for first; none up to 0
   int logInterval = 100;    // iterations between looks at the clock of the log
   int heldLimit = 100;      // dependent variables kept out of the basis for a while
-  int roomLevel = 5;        // room made for factors in advance
   bool exactNorms = false;  // dual simplex: steepest edge begins with exact norms
   bool flipBeyondStep = false;  // dual simplex: boxed variables tied with the pivot flip too
+  bool weighRatios = true;      // dual simplex: structurals before logicals among ties
   bool symbolicL = true;        // sparse solves with L
   bool quitOnSingular = false;  // the first singular basis ends the solve
   bool primalDualSwitch = true;

@@ -24,15 +24,24 @@ inline constexpr double kRowPivotTolUsed = 3e-8;
 inline constexpr double kRowPivotTolOld = 1e-6;
 inline constexpr int kUsedUpdates = 10, kOldUpdates = 20;
 
-// A dual pivot smaller than this is put off: its row may not leave while other rows can.
-inline constexpr double kSmallPivot = 1e-5;
+// A pivot of fewer times the pivot tolerance is tiny: the primal simplex asks for more stable
+// factors after one, the dual gives up to the primal when it has nothing better left.
+inline constexpr double kTinyPivots = 10;
+// Among tied candidates of the dual ratio test, pivots below this share of the largest do not
+// count.
+inline constexpr double kTiedPivotShare = 0.1;
 
 // Base of the cost perturbation relative to the (damped) largest cost; larger values remove more
 // degeneracy and leave more clean-up work. Smaller than some ten times the dual tolerance it is
 // lost in the ratio test's own tolerance.
 inline constexpr double kCostPerturbation = 1.5e-5;
-// PerturbValue at which the base applies unchanged.
+// PerturbValue up to which it is multiplied, by how much (models with more rows than kManyRows, the
+// others), and the working size of solves from scratch with more than kSomeRows rows. The base
+// applies to that size unchanged.
 inline constexpr double kDefaultPerturbValue = 2e-4;
+inline constexpr int kSomeRows = 1000, kManyRows = 10000;
+inline constexpr double kPerturbFactor = 10, kPerturbFactorManyRows = 25;
+inline constexpr double kPerturbFromScratch = 0.005;
 
 // Bounds of the phase-1 problem: [-kFreeBox, kFreeBox] for free variables, [0, 1] and [-1, 0] for
 // one-sided ones.

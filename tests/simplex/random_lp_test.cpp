@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <initializer_list>
 
 #include "lp/check.h"
 #include "simplex/simplex.h"
@@ -206,6 +207,51 @@ TEST(RandomLp, EveryPricingRuleAgrees) {
       SCOPED_TRACE(rule);
       expectSame(lp, solveFresh(lp, SimplexMethod::Dual, options), reference, "dual");
       expectSame(lp, solveFresh(lp, SimplexMethod::Primal, options), reference, "primal");
+    }
+  }
+}
+
+// Whatever is switched on or off, and however little patience a solve is given.
+SimplexOptions anyOptions(Random &random) {
+  SimplexOptions options;
+  const auto maybe = [&] { return random.below(2) == 0; };
+  const auto oneOf = [&](std::initializer_list<int> values) {
+    return values.begin()[random.below(static_cast<int>(values.size()))];
+  };
+  options.pricing = oneOf({-1, 1});
+  options.bigTol = maybe() ? 1e-4 : 1e-9;
+  options.perturbAfter = oneOf({-1, 0, 1, 3});
+  options.warmBasis = oneOf({-1, 0, 1, 2, 3});
+  options.pairLimit = oneOf({-1, 1, 2000000000});
+  options.logInterval = oneOf({1, 100});
+  options.heldLimit = oneOf({0, 1, 100});
+  options.endFactor = oneOf({1, 2});
+  options.exactNorms = maybe();
+  options.flipBeyondStep = maybe();
+  options.weighRatios = maybe();
+  options.symbolicL = maybe();
+  options.primalDualSwitch = maybe();
+  return options;
+}
+
+TEST(RandomLp, NoOptionChangesTheResult) {
+  for (int seed = 1; seed <= modelCount() && !::testing::Test::HasFailure(); ++seed) {
+    const LpModel lp = randomLp(seed);
+    const LpSolution reference = solveReference(lp);
+    Random random(seed + 4000000);
+    SCOPED_TRACE(seed);
+    for (const auto method : {SimplexMethod::Dual, SimplexMethod::Primal}) {
+      Simplex simplex(anyOptions(random));
+      simplex.load(lp);
+      expectSame(lp, solveWith(simplex, method), reference, "fresh");
+      // From a basis that may be singular, short or long.
+      Basis basis;
+      for (int j = 0; j < lp.numCols; ++j)
+        basis.col.push_back(static_cast<VarStatus>(random.below(4)));
+      for (int i = 0; i < lp.numRows; ++i)
+        basis.row.push_back(static_cast<VarStatus>(random.below(4)));
+      simplex.setBasis(basis);
+      expectSame(lp, solveWith(simplex, method), reference, "from a basis");
     }
   }
 }
