@@ -25,7 +25,10 @@ struct PresolveOptions {
   // Solve the dual form when positive. Automatic stays with the model: over 130 models, tall ones
   // among them, no rule on the shape told the few that gain from the many that lose.
   int preDual = -1;
-  int depRows = -1;   // removal of dependent equations: -1 automatic, 0 off, 1 on
+  // Removal of dependent equations: -1 automatic, 0 off, 1 on. Automatic leaves pure LPs alone: the
+  // simplex method does not mind dependent rows, and finding them takes as long as the other
+  // rounds.
+  int depRows = -1;
   int sparsify = -1;  // -1 automatic, 0 off, 1 on, 2 aggressive
   bool singletonCols = true;
   bool parallel = true;   // rows and columns that are multiples of each other

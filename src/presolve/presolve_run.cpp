@@ -124,8 +124,13 @@ bool PresolveRun::runRound(int round) {
 
 void PresolveRun::reduceInRounds() {
   reduceCheaply();
-  for (int round = 0; round < ws.options.passes && !ws.finished(); ++round)
-    if (!runRound(round)) break;
+  bool dependentRows = true;
+  for (int round = 0; round < ws.options.passes && !ws.finished(); ++round) {
+    if (runRound(round)) continue;
+    if (!dependentRows || interrupted() || !removeDependentRows(ws)) break;
+    dependentRows = false;
+    reduceCheaply();
+  }
 }
 
 bool PresolveRun::interrupted() {

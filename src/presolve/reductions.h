@@ -75,6 +75,9 @@ bool mergeParallelCols(Workspace &ws);
 void undoParallelCols(RecordReader record, PostsolveState &state);
 bool crushParallelCols(RecordReader record, RowImage &image);
 
+// dependent_rows.cpp
+bool removeDependentRows(Workspace &ws);
+
 // dominated_col.cpp
 bool fixDominatedCols(Workspace &ws);
 void undoEquationSide(RecordReader record, PostsolveState &state);

@@ -117,6 +117,50 @@ TEST(Presolve, CountsWhatItRemoves) {
   EXPECT_NEAR(full.objective, test::solveReference(lp).objective, 1e-9);
 }
 
+// Five supplies and six demands, all met exactly, in units of their own: any of the rows follows
+// from the others if the totals agree.
+LpModel transportation(double excess) {
+  constexpr int kFrom = 5, kTo = 6;
+  LpModel lp;
+  lp.numCols = kFrom * kTo;
+  lp.numRows = kFrom + kTo;
+  const auto unit = [](int row) { return 1.0 / (1 + row % 3); };
+  for (int i = 0; i < lp.numRows; ++i) {
+    const double side = unit(i) * ((i < kFrom ? kTo : kFrom) + (i == 0 ? excess : 0));
+    lp.rowLower.push_back(side);
+    lp.rowUpper.push_back(side);
+  }
+  lp.a.clear(lp.numRows);
+  for (int j = 0; j < lp.numCols; ++j) {
+    const int rows[] = {j / kTo, kFrom + j % kTo};
+    const double values[] = {unit(rows[0]), unit(rows[1])};
+    lp.a.append(2, rows, values);
+    lp.cost.push_back(1 + j * 7 % 11);
+    lp.colLower.push_back(0);
+    lp.colUpper.push_back(4);
+  }
+  return lp;
+}
+
+TEST(Presolve, RemovesDependentEquations) {
+  PresolveOptions options;
+  options.aggregate = 0;
+  options.depRows = 1;
+  const LpModel agreeing = transportation(0), close = transportation(1e-6);
+  const LpModel contradicting = transportation(1e-2);
+  Presolved run(agreeing, options);
+  EXPECT_EQ(run.presolve.stats().rowsRemoved, 1);
+  EXPECT_EQ(run.presolve.stats().colsRemoved, 0);
+  // Neither a consequence of the others nor clearly a contradiction to them.
+  Presolved unclear(close, options);
+  EXPECT_EQ(unclear.status, PresolveStatus::Unchanged);
+  Presolved contradiction(contradicting, options);
+  EXPECT_EQ(contradiction.status, PresolveStatus::Infeasible);
+  EXPECT_GT(farkasViolation(contradicting, contradiction.presolve.farkas()), 0);
+  options.depRows = 0;
+  EXPECT_EQ(Presolved(contradicting, options).status, PresolveStatus::Unchanged);
+}
+
 TEST(Presolve, ContradictingBoundsAreInfeasible) {
   LpModel rows = easyModel();
   rows.rowLower[1] = 2, rows.rowUpper[1] = 1;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
@@ -172,6 +173,50 @@ class RandomLp {
 
 inline LpModel randomLp(std::uint64_t seed, const RandomLpOptions &options = {}) {
   return RandomLp(seed, options).generate();
+}
+
+// Makes equations of more rows and appends rows that are combinations of equations and perhaps one
+// other row: dependent equations, consistent, nearly so or not at all, and rows from which
+// an equation can be taken away again. Some differ in one entry.
+inline LpModel withCombinedRows(const LpModel &lp, std::uint64_t seed) {
+  Random random(seed * 2 + 1);
+  LpModel result = lp;
+  SparseMatrix rows = transpose(lp.a);
+  Vec<int> equations;
+  for (int i = 0; i < lp.numRows; ++i) {
+    double &low = result.rowLower[i], &up = result.rowUpper[i];
+    if (isInf(low) && isInf(up)) continue;
+    if (random.uniform() < 0.6) (isInf(low) ? low : up) = isInf(low) ? up : low;
+    if (low == up) equations.push_back(i);
+  }
+  const int added = equations.empty() || lp.numCols == 0 ? 0 : random.below(4);
+  for (int k = 0; k < added; ++k) {
+    Vec<double> dense(static_cast<std::size_t>(lp.numCols), 0.0);
+    double low = 0, up = 0;
+    const auto add = [&](int row, double factor) {
+      for (NzIndex at = rows.start[row]; at < rows.start[row + 1]; ++at)
+        dense[rows.index[at]] += factor * rows.value[at];
+      low += factor * (factor > 0 ? result.rowLower[row] : result.rowUpper[row]);
+      up += factor * (factor > 0 ? result.rowUpper[row] : result.rowLower[row]);
+    };
+    const double factors[] = {1, -1, 2, -0.5, 1 / 3.0, 37};
+    for (int terms = 1 + random.below(3); terms > 0; --terms)
+      add(equations[random.below(static_cast<int>(equations.size()))], factors[random.below(6)]);
+    if (random.uniform() < 0.3) add(random.below(lp.numRows), 1);
+    if (random.uniform() < 0.3) dense[random.below(lp.numCols)] += random.below(3) - 1.5;
+    const double slips[] = {0, 0, 0, 0, 1e-14, 1, -2};
+    const double slip = slips[random.below(7)];
+    result.rowLower.push_back(low <= -kInfBound ? -kInf : low + slip);
+    result.rowUpper.push_back(up >= kInfBound ? kInf : up + slip);
+    Vec<int> index;
+    Vec<double> value;
+    for (int j = 0; j < lp.numCols; ++j)
+      if (std::fabs(dense[j]) > 1e-9) index.push_back(j), value.push_back(dense[j]);
+    rows.append(static_cast<int>(index.size()), index.data(), value.data());
+    ++result.numRows;
+  }
+  result.a = transpose(rows);
+  return result;
 }
 
 // A readable dump for failure messages.
