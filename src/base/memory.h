@@ -20,6 +20,7 @@
 #include <cstdint>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarvik {
@@ -129,8 +130,31 @@ struct AccountAllocator {
   }
 };
 
+// The same, but elements made without a value are left as they are.
+template <class T>
+struct RawAllocator : AccountAllocator<T> {
+  RawAllocator() = default;
+  template <class U>
+  RawAllocator(const RawAllocator<U> &) {}
+  template <class U>
+  struct rebind {
+    using other = RawAllocator<U>;
+  };
+  template <class U>
+  void construct(U *place) noexcept {
+    ::new (static_cast<void *>(place)) U;
+  }
+  template <class U, class... Args>
+  void construct(U *place, Args &&...args) {
+    ::new (static_cast<void *>(place)) U(std::forward<Args>(args)...);
+  }
+};
+
 template <class T>
 using Vec = std::vector<T, AccountAllocator<T>>;
+// Numbers that resize() does not set: for large arrays that are filled right away.
+template <class T>
+using RawVec = std::vector<T, RawAllocator<T>>;
 using AccountString = std::basic_string<char, std::char_traits<char>, AccountAllocator<char>>;
 
 }  // namespace tarvik

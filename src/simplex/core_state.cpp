@@ -177,7 +177,7 @@ void SimplexCore<Real>::getSolution(LpStatus status, LpSolution &solution) const
   solution.colDual.resize(n);
   solution.rowActivity.resize(m);
   solution.rowDual.resize(m);
-  Vec<Real> multiplier(m);
+  RawVec<Real> multiplier(m);
   for (int i = 0; i < m; ++i) {
     multiplier[i] = engine.position[n + i] >= 0 ? Real(0) : engine.dual[n + i];
     solution.rowActivity[i] = clean(-x(n + i) / lp.rowScale[i]);

@@ -47,11 +47,11 @@ class RowMatrix {
   const ScaledLp<Real> *lp_ = nullptr;
   bool loose_ = false;
   Vec<NzIndex> start_, activeEnd_;  // per row: begin, and end of its active part
-  Vec<int> col_;
-  Vec<Real> value_;
+  RawVec<int> col_;
+  RawVec<Real> value_;
   // 32 bits suffice: an interface error stops models with two billion entries long before.
-  Vec<std::uint32_t> place_;   // column-wise entry -> row-wise entry
-  Vec<std::uint32_t> origin_;  // row-wise entry -> column-wise entry
+  RawVec<std::uint32_t> place_;   // column-wise entry -> row-wise entry
+  RawVec<std::uint32_t> origin_;  // row-wise entry -> column-wise entry
   Vec<char> active_;
 };
 

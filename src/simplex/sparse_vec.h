@@ -13,7 +13,7 @@ struct SparseVec {
   int size = 0;
   int count = 0;  // entries of the list, or -1 when it is unknown
   Vec<Real> value;
-  Vec<int> index;
+  RawVec<int> index;
 
   // A result that cancels to (near) zero is stored as kTiny, so that "value != 0" says whether
   // a position is in the list.

@@ -116,8 +116,8 @@ class PackedVectors {
 
   Vec<Slice> slice_;
   Vec<char> filled_;
-  Vec<int> index_;
-  Vec<Real> value_;
+  RawVec<int> index_;
+  RawVec<Real> value_;
   NzIndex used_ = 0;   // end of the occupied part of the pool
   NzIndex numNz_ = 0;  // live entries
 };

@@ -36,7 +36,7 @@ class RowNorms {
   // Zero between calls, but for the pattern.
   Vec<Lanes> value_;
   Vec<char> mark_;
-  Vec<int> pattern_;  // reached entries; one spare place, as reach() writes before it knows
+  RawVec<int> pattern_;  // reached entries; one spare place, as reach() writes before it knows
   int count_ = 0;
 };
 

@@ -46,8 +46,8 @@ class TriangularSolver {
   double solvePlain(const Triangle<Real> &triangle, const Real *pivot, Real dropTol,
                     SparseVec<Real> &x);
 
-  Vec<char> mark_;    // positions found by the current search
-  Vec<int> pattern_;  // filled from the end, so that it reads in topological order
+  Vec<char> mark_;       // positions found by the current search
+  RawVec<int> pattern_;  // filled from the end, so that it reads in topological order
   int patternBegin_ = 0;
   Vec<OpenNode> stack_;
   int depth_ = 0;
