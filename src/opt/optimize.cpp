@@ -95,25 +95,6 @@ void logFingerprint(Model &model) {
   model.env().log("Model fingerprint: 0x%08x\n", static_cast<unsigned>(fingerprint(model)));
 }
 
-// Refuses what this version has no algorithm for, before anything of the model is touched.
-void checkSupported(const ModelData &data) {
-  const char *feature = nullptr;
-  if (data.numGenConstrs() > 0)
-    feature = "general constraints";
-  else if (data.numQConstrs() > 0 || !data.cones.empty())
-    feature = "quadratic constraints";
-  else if (data.q.count() > 0)
-    feature = "a quadratic objective";
-  else if (!data.pwl.empty())
-    feature = "piecewise-linear objective terms";
-  else if (data.objectives.size() > 1)
-    feature = "several objectives";
-  else if (!data.scenarios.empty())
-    feature = "scenarios";
-  if (feature)
-    throw Error(TVK_ERROR_NOT_SUPPORTED, "This version cannot solve models with %s", feature);
-}
-
 void checkSolution(Model &model) {
   const SolutionStore &store = model.solution();
   const bool isSolution = store.status == TVK_OPTIMAL || store.status == TVK_SUBOPTIMAL ||
@@ -136,7 +117,7 @@ void solve(Model &model, CallbackRun &callbacks) {
   logFingerprint(model);
   printStatistics(model);
   checkPwlObjectives(model);
-  checkSupported(data);
+  requireSolvable(data);
   adjustDefaults(params, env, data);
   try {
     if (data.isMip())
@@ -151,6 +132,24 @@ void solve(Model &model, CallbackRun &callbacks) {
 }
 
 }  // namespace
+
+void requireSolvable(const ModelData &data) {
+  const char *feature = nullptr;
+  if (data.numGenConstrs() > 0)
+    feature = "general constraints";
+  else if (data.numQConstrs() > 0 || !data.cones.empty())
+    feature = "quadratic constraints";
+  else if (data.q.count() > 0)
+    feature = "a quadratic objective";
+  else if (!data.pwl.empty())
+    feature = "piecewise-linear objective terms";
+  else if (data.objectives.size() > 1)
+    feature = "several objectives";
+  else if (!data.scenarios.empty())
+    feature = "scenarios";
+  if (feature)
+    throw Error(TVK_ERROR_NOT_SUPPORTED, "This version cannot solve models with %s", feature);
+}
 
 void solveRunning(Model &model) {
   const LocaleScope locale(model.env().get(Int::TARV_PAR_KEEPLOCALE) == 0);

@@ -11,4 +11,7 @@ void optimize(Model &model);
 // The solve alone, for a model that is marked as running; results are not written to files.
 void solveRunning(Model &model);
 
+// Refuses what this version has no algorithm for, before anything of the model is touched.
+void requireSolvable(const ModelData &data);
+
 }  // namespace tarvik

@@ -19,9 +19,6 @@ int TVKpresolvemodel(TVKmodel *model, TVKmodel **) {
 int TVKiismodel(TVKmodel *model, TVKmodel **) {
   return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKiismodel"); });
 }
-int TVKstrongbranch(TVKmodel *model, int, const int *, double *, double *, int *) {
-  return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKstrongbranch"); });
-}
 int TVKcomputeIIS(TVKmodel *model) {
   return tarvik::modelCall(model, nullptr, [](tarvik::Model &) { unavailable("TVKcomputeIIS"); });
 }
