@@ -124,30 +124,62 @@ bool simplexValue(const SimplexProgress &progress, double objSense, int what, vo
   }
 }
 
+// False where there is no point.
+bool storePoint(const MipCallbackValues &mip, void *result) {
+  if (!mip.point) return false;
+  const Vec<double> &point = mip.point();
+  std::copy(point.begin(), point.end(), static_cast<double *>(result));
+  return !point.empty();
+}
+
+// What is told everywhere in a search, under a code of its own for each place.
+bool commonMipValue(const CallbackContext &context, int what, void *result) {
+  const MipCallbackValues &mip = *context.mip;
+  switch (what) {
+    case TVK_CB_MIP_BESTOBJ:
+    case TVK_CB_MIPSOL_BESTOBJ:
+    case TVK_CB_MIPNODE_BESTOBJ:
+      return storeDouble(result, context.objSense * mip.bestObjective);
+    case TVK_CB_MIP_BESTBOUND:
+    case TVK_CB_MIPSOL_BESTBOUND:
+    case TVK_CB_MIPSOL_BESTBOUND2:
+    case TVK_CB_MIPNODE_BESTBOUND:
+    case TVK_CB_MIPNODE_BESTBOUND2:
+      return storeDouble(result, context.objSense * mip.bestBound);
+    case TVK_CB_MIP_NODECOUNT:
+    case TVK_CB_MIPSOL_NODECOUNT:
+    case TVK_CB_MIPNODE_NODECOUNT:
+      return storeDouble(result, mip.explored);
+    case TVK_CB_MIP_SOLCOUNT:
+    case TVK_CB_MIPSOL_SOLCOUNT:
+    case TVK_CB_MIPNODE_SOLCOUNT:
+      return storeInt(result, mip.solutions);
+    case TVK_CB_MIP_OPENSCENARIOS:
+    case TVK_CB_MIPSOL_OPENSCENARIOS:
+    case TVK_CB_MIPNODE_OPENSCENARIOS:
+      return storeInt(result, 0);
+    case TVK_CB_MIP_PHASE:
+    case TVK_CB_MIPSOL_PHASE:
+    case TVK_CB_MIPNODE_PHASE:
+      return storeInt(result, mip.phase);
+    case TVK_CB_MIP_PROGRESSTIME:
+    case TVK_CB_MIPSOL_PROGRESSTIME:
+      return storeDouble(result, context.progressTime);
+    default:
+      return false;
+  }
+}
+
 bool mipValue(const CallbackContext &context, int what, void *result) {
   const MipCallbackValues &mip = *context.mip;
   const double sense = context.objSense;
   switch (what) {
-    case TVK_CB_MIP_BESTOBJ:
-      return storeDouble(result, sense * mip.bestObjective);
-    case TVK_CB_MIP_BESTBOUND:
-      return storeDouble(result, sense * mip.bestBound);
-    case TVK_CB_MIP_NODECOUNT:
-      return storeDouble(result, mip.explored);
-    case TVK_CB_MIP_SOLCOUNT:
-      return storeInt(result, mip.solutions);
     case TVK_CB_MIP_CUTCOUNT:
       return storeInt(result, mip.cuts);
     case TVK_CB_MIP_OPENNODECOUNT:
       return storeDouble(result, mip.unexplored);
     case TVK_CB_MIP_ITERCOUNT:
       return storeDouble(result, mip.iterations);
-    case TVK_CB_MIP_OPENSCENARIOS:
-      return storeInt(result, 0);
-    case TVK_CB_MIP_PHASE:
-      return storeInt(result, mip.phase);
-    case TVK_CB_MIP_PROGRESSTIME:
-      return storeDouble(result, context.progressTime);
     case TVK_CB_MIP_COUNTER1:
       return storeDouble(result, context.calls);
     case TVK_CB_MIP_COUNTER2:
@@ -157,79 +189,23 @@ bool mipValue(const CallbackContext &context, int what, void *result) {
     case TVK_CB_MIP_NODEBOUND:
       return storeDouble(result, sense * mip.nodeBound);
     case TVK_CB_MIP_COUNTER5:
+    case TVK_CB_MIPNODE_BRANCH:
       return storeInt(result, mip.infeasibilities);
     case TVK_CB_MIP_COUNTER6:
       return storeInt(result, mip.workers);
     case TVK_CB_MIP_OBJVAL:
       return storeDouble(result, sense * std::max(mip.nodeBound, mip.bestBound));
-    default:
-      return false;
-  }
-}
-
-// False where there is no point.
-bool storePoint(const MipCallbackValues &mip, void *result) {
-  if (!mip.point) return false;
-  const Vec<double> &point = mip.point();
-  std::copy(point.begin(), point.end(), static_cast<double *>(result));
-  return !point.empty();
-}
-
-bool mipSolutionValue(const CallbackContext &context, int what, void *result) {
-  const MipCallbackValues &mip = *context.mip;
-  const double sense = context.objSense;
-  switch (what) {
     case TVK_CB_MIPSOL_SOL:
+    case TVK_CB_MIPNODE_SOL:
       return storePoint(mip, result);
     case TVK_CB_MIPSOL_OBJ:
       return storeDouble(result, sense * mip.objective);
-    case TVK_CB_MIPSOL_BESTOBJ:
-      return storeDouble(result, sense * mip.bestObjective);
-    case TVK_CB_MIPSOL_BESTBOUND:
-    case TVK_CB_MIPSOL_BESTBOUND2:
-      return storeDouble(result, sense * mip.bestBound);
-    case TVK_CB_MIPSOL_NODECOUNT:
-      return storeDouble(result, mip.explored);
-    case TVK_CB_MIPSOL_SOLCOUNT:
-      return storeInt(result, mip.solutions);
-    case TVK_CB_MIPSOL_OPENSCENARIOS:
-      return storeInt(result, 0);
-    case TVK_CB_MIPSOL_PHASE:
-      return storeInt(result, mip.phase);
     case TVK_CB_MIPSOL_COUNTER:
       return storeInt(result, mip.solutionsTold);
-    case TVK_CB_MIPSOL_PROGRESSTIME:
-      return storeDouble(result, context.progressTime);
-    default:
-      return false;
-  }
-}
-
-bool mipNodeValue(const CallbackContext &context, int what, void *result) {
-  const MipCallbackValues &mip = *context.mip;
-  const double sense = context.objSense;
-  switch (what) {
     case TVK_CB_MIPNODE_STATUS:
       return storeInt(result, mip.nodeStatus);
-    case TVK_CB_MIPNODE_SOL:
-      return storePoint(mip, result);
-    case TVK_CB_MIPNODE_BESTOBJ:
-      return storeDouble(result, sense * mip.bestObjective);
-    case TVK_CB_MIPNODE_BESTBOUND:
-    case TVK_CB_MIPNODE_BESTBOUND2:
-      return storeDouble(result, sense * mip.bestBound);
-    case TVK_CB_MIPNODE_NODECOUNT:
-      return storeDouble(result, mip.explored);
-    case TVK_CB_MIPNODE_SOLCOUNT:
-      return storeInt(result, mip.solutions);
-    case TVK_CB_MIPNODE_BRANCH:
-      return storeInt(result, mip.infeasibilities);
-    case TVK_CB_MIPNODE_OPENSCENARIOS:
-      return storeInt(result, 0);
-    case TVK_CB_MIPNODE_PHASE:
-      return storeInt(result, mip.phase);
     default:
-      return false;
+      return commonMipValue(context, what, result);
   }
 }
 
@@ -253,10 +229,7 @@ bool callbackValue(CallbackContext &context, int what, void *result) {
       *static_cast<char **>(result) = context.message;
       return true;
     default:
-      if (context.mip && context.where == TVK_CB_MIP) return mipValue(context, what, result);
-      if (context.mip && context.where == TVK_CB_MIPSOL)
-        return mipSolutionValue(context, what, result);
-      if (context.mip) return mipNodeValue(context, what, result);
+      if (context.mip) return mipValue(context, what, result);
       if (context.presolve) return presolveValue(*context.presolve, what, result);
       return context.simplex && simplexValue(*context.simplex, context.objSense, what, result);
   }

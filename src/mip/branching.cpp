@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace tarvik {
 
@@ -22,17 +23,6 @@ constexpr double kRounding = 1e-8;
 double fractionality(double x) { return std::fabs(x - std::round(x)); }
 
 }  // namespace
-
-void Brancher::fractionalColumns(const Domain &domain, const Vec<double> &x, Vec<int> &cols) const {
-  cols.clear();
-  const double tolerance = problem_.tolerances().integral;
-  for (const int j : problem_.integers())
-    if (!domain.isFixed(j) && fractionality(x[j]) > tolerance) cols.push_back(j);
-  // A semi-integral column may be zero or integral within its range.
-  for (const int j : problem_.semis())
-    if (problem_.isIntegral(j) && !domain.isFixed(j) && fractionality(x[j]) > tolerance)
-      cols.push_back(j);
-}
 
 void Brancher::keepHighestPriority(Vec<int> &cols) const {
   const Vec<int> &priority = problem_.model().branchPriority;
@@ -83,54 +73,19 @@ Branching Brancher::split(int col, double x) const {
   return branching;
 }
 
-Brancher::Probe Brancher::probe(int col, bool up, double x, Domain &domain, Relaxation &lp,
-                                const NodeBasis &basis, const Vec<double> &weights,
-                                SolutionSink &sink, SolveControl &control) {
-  Probe result;
-  const int level = domain.level();
-  const double before = lp.iterations();
-  const Vec<BoundChange> change{
-      {col, up ? BoundSide::Lower : BoundSide::Upper, up ? std::floor(x) + 1 : std::floor(x)}};
-  if (!domain.decide(change) || !domain.propagate(control.work)) {
-    result.infeasible = true;
-    if (conflicts_) conflicts_->learnFromDomain(control.work);
-    domain.backtrackTo(level);
-    return result;
+// The node itself takes the bound of the branch that is left, or becomes one of two children the
+// other of which is never looked at.
+Branching Brancher::oneBranchLeft(Branching branching, bool up, Domain &domain) const {
+  if (!options_.fixByStrongBranching) {
+    (up ? branching.downBound : branching.upBound) = kUserInf;
+    branching.upFirst = up;
+    return branching;
   }
-  lp.follow(domain);
-  const LpStatus status = lp.solve(control, iterationsPerProbe());
-  strongIterations_ += lp.iterations() - before;
-  result.objective = lp.objective();
-  switch (status) {
-    case LpStatus::Optimal: {
-      result.exact = true;
-      Vec<int> fractional;
-      fractionalColumns(domain, lp.x(), fractional);
-      if (fractional.empty() && result.objective < sink.cutoff())
-        sink.submit(Vec<double>(lp.x()), SolutionSource::Node);
-      result.infeasible = result.objective >= sink.cutoff();
-      break;
-    }
-    case LpStatus::Infeasible:
-    case LpStatus::Cutoff:
-      result.infeasible = true;
-      break;
-    case LpStatus::IterationLimit:
-      break;
-    default:
-      result.stopped = status != LpStatus::Numeric && status != LpStatus::Unbounded;
-      result.objective = -kUserInf;
-  }
-  if (conflicts_ && result.infeasible)
-    conflicts_->learnFromRelaxation(lp, status != LpStatus::Infeasible, sink.cutoff(),
-                                    control.work);
-  if (proofs_ && result.infeasible)
-    proofs_->take(lp, status != LpStatus::Infeasible, sink.cutoff(), control.work);
-  domain.backtrackTo(level);
-  lp.follow(domain);
-  lp.setBasis(basis);
-  if (!weights.empty()) lp.simplex().setEdgeWeights(weights);
-  return result;
+  const BoundChange &left = up ? branching.up.front() : branching.down.front();
+  branching.result = domain.tighten(left.col, left.side, left.value, {Reason::Other, -1})
+                         ? Branching::Tightened
+                         : Branching::Pruned;
+  return branching;
 }
 
 Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink &sink,
@@ -151,11 +106,12 @@ Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink 
   const int reliable = options_.varBranch < 0    ? reliability()
                        : options_.varBranch == 3 ? kMaxInt
                                                  : 0;
+  const int most =
+      options_.strongBranchCandidates < 0 ? kMaxCandidates : options_.strongBranchCandidates;
   Branching best;
   double bestScore = -1;
   int probed = 0, sinceBetter = 0;
-  std::shared_ptr<const NodeBasis> basis;
-  Vec<double> weights;
+  std::optional<BranchProbe> probe;
   for (const Candidate &candidate : order) {
     const int j = candidate.col;
     double downGain = pseudoCosts_.down(j, x[j]), upGain = pseudoCosts_.up(j, x[j]);
@@ -163,14 +119,15 @@ Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink 
     double score = candidate.score;
     const bool unsure =
         std::min(pseudoCosts_.count(j, false), pseudoCosts_.count(j, true)) < reliable;
-    if (unsure && probed < kMaxCandidates && sinceBetter < kLookAhead) {
-      if (!basis) {
-        basis = lp.basis();
-        weights = lp.simplex().edgeWeights();
-      }
+    if (unsure && probed < most && sinceBetter < kLookAhead) {
+      if (!probe) probe.emplace(domain, lp, sink, control, conflicts_, proofs_);
       ++probed;
-      const Probe down = probe(j, false, x[j], domain, lp, *basis, weights, sink, control);
-      const Probe up = probe(j, true, x[j], domain, lp, *basis, weights, sink, control);
+      const double before = probe->iterations(), limit = iterationsPerProbe();
+      const BranchProbe::Result down =
+          probe->evaluate({j, BoundSide::Upper, std::floor(x[j])}, limit);
+      const BranchProbe::Result up =
+          probe->evaluate({j, BoundSide::Lower, std::floor(x[j]) + 1}, limit);
+      strongIterations_ += probe->iterations() - before;
       sink.alive();
       if (down.stopped || up.stopped) {
         best.result = Branching::Stopped;
@@ -185,13 +142,8 @@ Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink 
         best.result = Branching::Pruned;
         return best;
       }
-      if (down.infeasible || up.infeasible) {
-        const BoundSide side = down.infeasible ? BoundSide::Lower : BoundSide::Upper;
-        const double bound = std::floor(x[j]) + (down.infeasible ? 1 : 0);
-        best.result = domain.tighten(j, side, bound, {Reason::Other, -1}) ? Branching::Tightened
-                                                                          : Branching::Pruned;
-        return best;
-      }
+      if (down.infeasible || up.infeasible)
+        return oneBranchLeft(split(j, x[j]), down.infeasible, domain);
       downBound = std::max(down.objective, objective);
       upBound = std::max(up.objective, objective);
       downGain = downBound - objective;
@@ -271,6 +223,29 @@ Branching Brancher::splitSet(const SosSet &set, const Domain &domain, const Vec<
   return branching;
 }
 
+void Brancher::setBranchSets(const BranchSetList &sets) {
+  branchSets_ = &sets;
+  setOf_.clear();
+  if (sets.count() == 0) return;
+  setOf_.assign(problem_.numCols(), -1);
+  for (int k = 0; k < sets.count(); ++k)
+    for (int m = sets.start[k]; m < sets.start[k + 1]; ++m) setOf_[sets.member[m]] = k;
+}
+
+// Splits the chain of the column instead, where enough of its members are fractional for that to
+// decide more.
+Branching Brancher::orSet(Branching branching, const Domain &domain, const Vec<double> &x) const {
+  if (branching.result != Branching::Split || setOf_.empty() || setOf_[branching.col] < 0)
+    return branching;
+  const SosSet set = branchSets_->set(setOf_[branching.col]);
+  const auto open = std::count_if(set.cols.begin(), set.cols.end(), [&](int j) {
+    return fractionality(x[j]) > problem_.tolerances().integral;
+  });
+  if (static_cast<double>(open) <= options_.setBranchRatio) return branching;
+  Branching split = splitSet(set, domain, x);
+  return split.result == Branching::Split ? split : branching;
+}
+
 Branching Brancher::chooseSos(const Domain &domain, const Vec<double> &x) const {
   Branching best;
   std::size_t most = 0;
@@ -308,7 +283,10 @@ Branching Brancher::choose(Domain &domain, Relaxation &lp, SolutionSink &sink,
                            SolveControl &control) {
   fractionalColumns(domain, lp.x(), candidates_);
   keepHighestPriority(candidates_);
-  if (!candidates_.empty()) return chooseIntegral(domain, lp, sink, control);
+  if (!candidates_.empty()) {
+    const Vec<double> x(lp.x());
+    return orSet(chooseIntegral(domain, lp, sink, control), domain, x);
+  }
   Branching branching = chooseSemi(domain, lp.x());
   if (branching.result == Branching::None) branching = chooseSos(domain, lp.x());
   if (branching.result != Branching::None) return branching;

@@ -5,9 +5,8 @@
 // Literature: Achterberg, Koch and Martin (2005); Linderoth and Savelsbergh (1999).
 #pragma once
 
-#include "mip/conflict/conflict_analysis.h"
-#include "mip/cuts/proof_cuts.h"
-#include "mip/heuristics/heuristic.h"
+#include "mip/branch_probe.h"
+#include "mip/branch_sets.h"
 #include "mip/node_queue.h"
 #include "mip/pseudo_costs.h"
 
@@ -43,12 +42,12 @@ class Brancher {
   // The same on holes and sets only: these may be what bounds an unbounded relaxation.
   Branching chooseWithoutPoint(const Domain &domain) const;
 
-  // Integral columns that are fractional at x.
-  void fractionalColumns(const Domain &domain, const Vec<double> &x, Vec<int> &cols) const;
   // The point at which the root relaxation was solved, for the choice of the first child.
   void setRootPoint(const Vec<double> &x) { rootX_ = x; }
   // Learns from infeasible branches, and prefers columns that conflicts are about a little.
   void setConflicts(ConflictAnalysis *conflicts) { conflicts_ = conflicts; }
+  // Chains of binaries that may be branched on as sets; they outlive the brancher.
+  void setBranchSets(const BranchSetList &sets);
   // Hands the proofs of infeasible branches on.
   void setProofs(ProofCuts *proofs) { proofs_ = proofs; }
   const Vec<double> &rootPoint() const { return rootX_; }
@@ -59,11 +58,6 @@ class Brancher {
   }
 
  private:
-  struct Probe {
-    double objective = 0;  // lower bound of the branch
-    bool infeasible = false, exact = false, stopped = false;
-  };
-
   Branching chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink &sink,
                            SolveControl &control);
   void keepHighestPriority(Vec<int> &cols) const;
@@ -71,11 +65,11 @@ class Brancher {
   Branching chooseSemi(const Domain &domain, const Vec<double> &x) const;
   Branching chooseSos(const Domain &domain, const Vec<double> &x) const;
   Branching splitSet(const SosSet &set, const Domain &domain, const Vec<double> &x) const;
+  Branching orSet(Branching branching, const Domain &domain, const Vec<double> &x) const;
   Branching chooseOpenSet(const Domain &domain) const;
   Branching chooseAny(const Domain &domain, const Vec<double> &x) const;
-  Probe probe(int col, bool up, double x, Domain &domain, Relaxation &lp, const NodeBasis &basis,
-              const Vec<double> &weights, SolutionSink &sink, SolveControl &control);
   Branching split(int col, double x) const;
+  Branching oneBranchLeft(Branching branching, bool up, Domain &domain) const;
   bool upFirst(int col, double x, double downGain, double upGain) const;
   int reliability() const;
   double iterationsPerProbe() const;
@@ -86,6 +80,8 @@ class Brancher {
   PseudoCosts &pseudoCosts_;
   ConflictAnalysis *conflicts_ = nullptr;
   ProofCuts *proofs_ = nullptr;
+  const BranchSetList *branchSets_ = nullptr;
+  Vec<int> setOf_;  // by column, the chain that it is in, or -1; empty: there are none
   Vec<double> rootX_;
   Vec<int> candidates_;
   double nodeIterations_ = 0, nodeSolves_ = 0, strongIterations_ = 0;

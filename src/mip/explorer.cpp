@@ -178,7 +178,7 @@ void Explorer::branch(const Node &node, const NodeResult &result, Report &report
   const auto basis = worker_.lp().basis();
   Vec<int> fractional;
   if (result.branching.col >= 0 && worker_.lp().status() == LpStatus::Optimal)
-    worker_.brancher().fractionalColumns(worker_.domain(), worker_.lp().x(), fractional);
+    fractionalColumns(worker_.domain(), worker_.lp().x(), fractional);
   const bool upFirst = result.branching.upFirst;
   std::shared_ptr<Node> first = makeChild(node, result, basis, fractional, upFirst);
   std::shared_ptr<Node> second = makeChild(node, result, basis, fractional, !upFirst);

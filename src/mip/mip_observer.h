@@ -16,9 +16,14 @@ class UserSpace;
 // What a search is about.
 enum class MipPhase { Searching, Improving, CompletingPool };
 
-struct MipProgress {
+// The counters of a search, as a line of the node log shows them.
+struct SearchState {
+  double explored = 0, unexplored = 0;
   double incumbent = kUserInf, bound = -kUserInf;
-  double explored = 0, unexplored = 0, iterations = 0;
+  double iterations = 0, rootIterations = 0;
+};
+
+struct MipProgress : SearchState {
   int solutions = 0, cuts = 0, depth = 0, workers = 1;
   MipPhase phase = MipPhase::Searching;
   // Of the node that was processed last.

@@ -67,6 +67,9 @@ struct MipOptions {
   int partitionPlace = 15;  // bits, see PartitionPlace
   int relaxAndFix = 0;      // 0 to 3
   int varBranch = -1, branchDir = 0;
+  int strongBranchCandidates = -1;  // the most that are probed at one place; -1: automatic
+  bool fixByStrongBranching = true;
+  double setBranchRatio = 2;  // chains with more fractional members are split as sets
   int symmetry = -1;
   int infProof = -1;  // above 0: learn from infeasible nodes
   int degenMoves = -1;

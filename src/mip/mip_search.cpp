@@ -63,13 +63,8 @@ SearchState MipSearch::state() {
 }
 
 MipProgress MipSearch::progress() {
-  const SearchState now = state();
-  MipProgress progress;
+  MipProgress progress{state()};
   progress.incumbent = incumbentObjective_;
-  progress.bound = now.bound;
-  progress.explored = now.explored;
-  progress.unexplored = now.unexplored;
-  progress.iterations = now.iterations;
   progress.solutions = solutionCount_;
   if (!roundState_) {
     cutsTold_ = 0;

@@ -93,6 +93,8 @@ class MipSearch {
   bool rootPointIsFeasible();
   void rememberRoot();
   void runRootHeuristics();
+  void fixNonbasicColumns();
+  void moveOnFace();
   void findSymmetries();
   int reportLurkingBounds() const;
   bool isWorthRestart();
@@ -153,6 +155,7 @@ class MipSearch {
   int cutsTold_ = 0;
   double lastNodeBound_ = -kUserInf;
   Vec<std::unique_ptr<Separator>> separators_;
+  BranchSetList branchSets_;
   std::unique_ptr<SymmetryGroup> symmetries_;
   bool symmetriesSought_ = false;
 

@@ -5,18 +5,12 @@
 #pragma once
 
 #include "base/solve_control.h"
+#include "mip/mip_observer.h"
 #include "mip/mip_options.h"
 
 namespace tarvik {
 
 class NodeQueue;
-
-// What a line shows; objectives in the minimization sense.
-struct SearchState {
-  double explored = 0, unexplored = 0;
-  double incumbent = kUserInf, bound = -kUserInf;
-  double iterations = 0, rootIterations = 0;
-};
 
 // Stands for a number of infeasibilities that nobody has counted.
 inline constexpr int kUnknownCount = 2000000000;

@@ -1,8 +1,16 @@
 #include "mip/relaxation.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tarvik {
+
+namespace {
+
+// Reduced costs above this share of the tolerance count.
+constexpr double kFaceShare = 1e-3;
+
+}  // namespace
 
 Relaxation::Relaxation(const Problem &problem, const SimplexOptions &options)
     : problem_(&problem),
@@ -63,6 +71,55 @@ LpStatus Relaxation::solve(SolveControl &control, double iterationLimit) {
   }
   simplex_.getPoint(x_, reducedCost_, objective_);
   return status_;
+}
+
+// What has a reduced cost stays where it is in every optimum. The statuses that this hides come
+// back.
+Basis Relaxation::fixOptimalFace() {
+  const LpSolution &optimum = solution();
+  Basis at = simplex_.basis();
+  const double tolerance = problem_->tolerances().dual * kFaceShare;
+  for (int j = 0; j < problem_->numCols(); ++j) {
+    if (at.col[j] == VarStatus::Basic || std::fabs(optimum.colDual[j]) <= tolerance)
+      at.col[j] = VarStatus::Basic;
+    else
+      simplex_.setColBounds(j, optimum.colValue[j], optimum.colValue[j]);
+  }
+  for (int i = 0; i < numRows(); ++i) {
+    const double side = at.row[i] == VarStatus::AtLower ? rowLower(i) : rowUpper(i);
+    if (at.row[i] == VarStatus::Basic || std::fabs(optimum.rowDual[i]) <= tolerance)
+      at.row[i] = VarStatus::Basic;
+    else
+      simplex_.setRowBounds(i, side, side);
+  }
+  return at;
+}
+
+bool Relaxation::moveOnOptimalFace(const Vec<double> &cost, double iterationLimit,
+                                   SolveControl &control) {
+  const Basis fixed = fixOptimalFace();
+  const double cutoff = simplex_.options().cutoff, before = simplex_.iterations();
+  simplex_.options().cutoff = kUserInf;
+  for (int j = 0; j < problem_->numCols(); ++j) simplex_.setCost(j, cost[j]);
+  simplex_.setIterationCap(before + iterationLimit);
+  simplex_.solve(SimplexMethod::Primal, control);
+  totalIterations_ += simplex_.iterations() - before;
+  Basis basis = simplex_.basis();
+  const auto release = [](VarStatus &now, VarStatus then, auto &&giveBounds) {
+    if (then == VarStatus::Basic) return;
+    giveBounds();
+    if (now != VarStatus::Basic) now = then;
+  };
+  for (int j = 0; j < problem_->numCols(); ++j) {
+    simplex_.setCost(j, problem_->lp().cost[j]);
+    release(basis.col[j], fixed.col[j], [&] { simplex_.setColBounds(j, lower_[j], upper_[j]); });
+  }
+  for (int i = 0; i < numRows(); ++i)
+    release(basis.row[i], fixed.row[i],
+            [&] { simplex_.setRowBounds(i, rowLower(i), rowUpper(i)); });
+  simplex_.setBasis(basis);
+  simplex_.options().cutoff = cutoff;
+  return solve(control) == LpStatus::Optimal;
 }
 
 void Relaxation::ageCuts() {

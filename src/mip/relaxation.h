@@ -31,6 +31,10 @@ class Relaxation {
 
   // Dual simplex from the current basis, at most iterationLimit iterations.
   LpStatus solve(SolveControl &control, double iterationLimit = 1e100);
+  // From an optimum: primal simplex with other costs over the optimal solutions alone, then back to
+  // the true costs. Another optimum, if there is one that is better for those costs; False: it is
+  // not solved any more.
+  bool moveOnOptimalFace(const Vec<double> &cost, double iterationLimit, SolveControl &control);
   LpStatus status() const { return status_; }
   double objective() const { return objective_; }
   double iterations() const { return totalIterations_; }  // of all solves
@@ -65,6 +69,8 @@ class Relaxation {
   void setBasis(const NodeBasis &basis);
 
  private:
+  Basis fixOptimalFace();
+
   struct Active {
     std::shared_ptr<const Cut> cut;
     CutId id;

@@ -45,12 +45,13 @@ void MipSearch::employAll() {
         [&own] { return own.limits.pollNow(own.work, 0) == StopReason::None; });
     explorer->numberNodes(firstNodeId_ + static_cast<std::int64_t>(explorers_.size()), count);
     explorer->worker().followRootOf(worker());
+    explorer->worker().brancher().setBranchSets(branchSets_);
     if (symmetries_) explorer->worker().useSymmetry(*symmetries_);
+    // Ids of their own, far enough apart.
+    explorer->worker().numberCutsFrom(++sideExplorers_ * kCutIdStep);
     if (worker().treeSeparation()) {
-      // Ids of their own, far enough apart.
       explorer->worker().separateInTree(
-          implications_, [this](CutFamily family) { return levelOf(family); }, cutPool_,
-          ++sideExplorers_ * kCutIdStep);
+          implications_, [this](CutFamily family) { return levelOf(family); }, cutPool_);
     }
     explorer->learnIncumbent(incumbentObjective_, incumbent_);
     explorer->learnPool(pool_);

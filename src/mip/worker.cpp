@@ -41,17 +41,14 @@ void Worker::returnToRoot() {
 }
 
 void Worker::separateInTree(const ImplicationTable &implications,
-                            const std::function<int(CutFamily)> &levelOf, const CutPool &pool,
-                            CutId firstCutId) {
+                            const std::function<int(CutFamily)> &levelOf, const CutPool &pool) {
   treeSeparation_ =
-      std::make_unique<TreeSeparation>(problem_, domain_, implications, levelOf, pool, firstCutId);
-  nextCutId_ = firstCutId;
+      std::make_unique<TreeSeparation>(problem_, domain_, implications, levelOf, pool, nextCutId_);
 }
 
-void Worker::cutByProofs(int level, CutId firstCutId) {
+void Worker::cutByProofs(int level) {
   proofCuts_ = std::make_unique<ProofCuts>(problem_, domain_, level);
   brancher_.setProofs(proofCuts_.get());
-  nextCutId_ = firstCutId;
 }
 
 void Worker::useSymmetry(const SymmetryGroup &group) {
@@ -239,7 +236,7 @@ NodeResult Worker::process(Node &node) {
     if (pointIsCutOff()) continue;
     if (keepsPoints_) result.x = lp_.x();
     Vec<int> fractional;
-    brancher_.fractionalColumns(domain_, lp_.x(), fractional);
+    fractionalColumns(domain_, lp_.x(), fractional);
     result.fractional = static_cast<int>(fractional.size());
     if (separates && !fractional.empty() &&
         treeSeparation_->round(lp_, control_.work, nextCutId_) > 0)

@@ -39,15 +39,15 @@ class Worker {
   // What it has learned from conflicts; null: it does not.
   ConflictStore *conflicts() { return conflicts_ ? &conflicts_->store() : nullptr; }
 
-  // From now on nodes get cuts, fresh ones and those of a copy of the pool, with ids from the given
-  // one on. The domain is at level 0; the table outlives the worker.
+  // The id of its first cut; to be called before it is told to make cuts.
+  void numberCutsFrom(CutId first) { nextCutId_ = first; }
+  // From now on nodes get cuts, fresh ones and those of a copy of the pool. The domain is at level
+  // 0; the table outlives the worker.
   void separateInTree(const ImplicationTable &implications,
-                      const std::function<int(CutFamily)> &levelOf, const CutPool &pool,
-                      CutId firstCutId);
+                      const std::function<int(CutFamily)> &levelOf, const CutPool &pool);
   const TreeSeparation *treeSeparation() const { return treeSeparation_.get(); }
-  // From now on proofs of infeasible relaxations become cuts, with the same ids. The domain is at
-  // level 0.
-  void cutByProofs(int level, CutId firstCutId);
+  // From now on proofs of infeasible relaxations become cuts. The domain is at level 0.
+  void cutByProofs(int level);
   const ProofCuts *proofCuts() const { return proofCuts_.get(); }
 
   // Whether results come with the points of their relaxations.

@@ -12,6 +12,7 @@
 #include "opt/mip_from_model.h"
 #include "opt/mip_log.h"
 #include "opt/mip_options.h"
+#include "opt/param_scope.h"
 
 namespace tarvik {
 
@@ -224,6 +225,10 @@ class MipRun {
 
 }  // namespace
 
-void solveMipModel(Model &model, SolveControl &control) { MipRun(model, control).run(); }
+void solveMipModel(Model &model, SolveControl &control) {
+  ParamScope params(model.env());
+  params.set(Int::TARV_PAR_NLTARGET, -1);
+  MipRun(model, control).run();
+}
 
 }  // namespace tarvik

@@ -92,6 +92,9 @@ MipOptions randomOptions(std::uint64_t seed) {
   }
   options.presolve.affine = random.uniform() < 0.2;
   options.presolve.keepPoints = random.uniform() < 0.1;
+  options.degenMoves = random.below(4);
+  options.fixByStrongBranching = random.uniform() < 0.7;
+  options.strongBranchCandidates = random.below(4) - 1;
   return options;
 }
 

@@ -64,7 +64,10 @@ HeurResult heurMinRel(HeuristicContext &context, int nodes, bool limitWork) {
     log.lines().print("Solution found by MinRel heuristic did not satisfy tolerances\n");
   } else {
     result.objective = context.sink->incumbentObjective();
-    log.lines().print("Feasible solution found by MinRel heuristic at node %.0f\n",
+    // Lazy constraints may still refuse it.
+    log.lines().print(context.options->presolve.keepPoints
+                          ? "Solution candidate found by MinRel heuristic at node %.0f\n"
+                          : "Feasible solution found by MinRel heuristic at node %.0f\n",
                       outcome.explored);
   }
   return result;
