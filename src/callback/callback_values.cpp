@@ -229,7 +229,8 @@ bool callbackValue(CallbackContext &context, int what, void *result) {
       *static_cast<char **>(result) = context.message;
       return true;
     default:
-      if (context.mip) return mipValue(context, what, result);
+      // Each place has a thousand codes of its own.
+      if (context.mip) return what / 1000 == context.where && mipValue(context, what, result);
       if (context.presolve) return presolveValue(*context.presolve, what, result);
       return context.simplex && simplexValue(*context.simplex, context.objSense, what, result);
   }

@@ -240,10 +240,28 @@ void Explorer::takeUp(Report &report) {
   give(std::move(node));
 }
 
+int Explorer::openNodes() const {
+  return static_cast<int>(next_ != nullptr) + static_cast<int>(inWork_ != nullptr) +
+         (report_ ? static_cast<int>(report_->open.size()) : 0);
+}
+
+double Explorer::openBound() const {
+  double bound = kUserInf;
+  if (next_) bound = std::min(bound, next_->bound);
+  if (inWork_) bound = std::min(bound, inWork_->bound);
+  if (report_) {
+    bound = std::min(bound, report_->unsolvedBound);
+    for (const auto &node : report_->open) bound = std::min(bound, node->bound);
+  }
+  return bound;
+}
+
 void Explorer::step(const Share &share, Report &report) {
   const std::shared_ptr<Node> node = takeNode();
   if (node->bound >= cutoff_) return;
+  inWork_ = node;
   NodeResult result = worker_.process(*node);
+  inWork_.reset();
   if (result.stopped) {
     next_ = node;
     report.stopped = true;
@@ -259,6 +277,19 @@ void Explorer::step(const Share &share, Report &report) {
 }
 
 void Explorer::explore(const Share &share, Report &report) {
+  struct Reporting {
+    Explorer &explorer;
+    ~Reporting() {
+      explorer.report_ = nullptr;
+      explorer.inWork_.reset();
+    }
+  };
+  const Reporting scope{*this};
+  report_ = &report;
+  work(share, report);
+}
+
+void Explorer::work(const Share &share, Report &report) {
   const double end = control_.work.counted() + share.work;
   while (next_) {
     if (!applyCutoff()) report.exhausted = true;

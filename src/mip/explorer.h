@@ -103,6 +103,10 @@ class Explorer : public SolutionSink {
 
   bool hasNode() const { return next_ != nullptr; }
   double nodeBound() const { return next_->bound; }
+  // The nodes that it answers for, with the one in work and those that wait to be collected, and
+  // the least of their bounds. Only while it does not run on another thread.
+  int openNodes() const;
+  double openBound() const;
   void give(std::shared_ptr<Node> node);
   std::shared_ptr<Node> takeNode();
   // Whether the plunge is worth going on with.
@@ -129,6 +133,7 @@ class Explorer : public SolutionSink {
   void lowerCutoff();
   bool accept(const Vec<double> &point, SolutionSource source);
   void step(const Share &share, Report &report);
+  void work(const Share &share, Report &report);
   void handle(const Node &node, const NodeResult &result, Report &report);
   void branch(const Node &node, const NodeResult &result, Report &report);
   std::shared_ptr<Node> makeChild(const Node &node, const NodeResult &result,
@@ -147,6 +152,9 @@ class Explorer : public SolutionSink {
   HeuristicSchedule heuristics_;
   PointRepair repair_;
   std::shared_ptr<Node> next_;
+  // Solutions found on the way are judged by what is left, with these.
+  std::shared_ptr<Node> inWork_;
+  const Report *report_ = nullptr;
   int plungeDepth_ = 0;
   std::int64_t nextId_, idStep_;
   double incumbentObjective_ = kUserInf, cutoff_ = kUserInf;

@@ -134,7 +134,7 @@ void MipSearch::alive() {
 
 double MipSearch::unexplored() const {
   double count = queue_.size();
-  for (const auto &explorer : explorers_) count += explorer->hasNode();
+  for (const auto &explorer : explorers_) count += explorer->openNodes();
   return count;
 }
 
@@ -167,8 +167,7 @@ double MipSearch::bestBound() {
   double bound = rootBound_;
   if (rootDone_) {
     bound = std::min(queue_.bestBound(), unsolvedBound_);
-    for (const auto &explorer : explorers_)
-      if (explorer->hasNode()) bound = std::min(bound, explorer->nodeBound());
+    for (const auto &explorer : explorers_) bound = std::min(bound, explorer->openBound());
     bound = std::max(std::min(bound, proven), std::min(rootBound_, goal));
   }
   // At or above the cutoff there is nothing to be found.

@@ -134,7 +134,8 @@ class MipSearch {
   std::shared_ptr<Node> nextNode();
   void exploreSide(const Explorer::Share &share);
   void shareConflicts();
-  void collect(Explorer &explorer, Explorer::Report &report);
+  void collectNodes(Explorer::Report &report);
+  void collect(Explorer &explorer, const Explorer::Report &report);
 
   const Problem &problem_;
   MipOptions options_;

@@ -117,17 +117,22 @@ void MipSearch::shareConflicts() {
   }
 }
 
-void MipSearch::collect(Explorer &explorer, Explorer::Report &report) {
+// Nodes of all explorers come before the solutions of any: what is told with a solution includes
+// the bound of what is left.
+void MipSearch::collectNodes(Explorer::Report &report) {
+  for (std::shared_ptr<Node> &node : report.open)
+    if (node->bound < cutoff_) queue_.push(std::move(node));
+  if (report.unsolvedBound < kUserInf) someUnsolved_ = true;
+  unsolvedBound_ = std::min(unsolvedBound_, report.unsolvedBound);
+}
+
+void MipSearch::collect(Explorer &explorer, const Explorer::Report &report) {
   for (FoundSolution &found : explorer.takeFound()) take(std::move(found));
   for (const Explorer::Processed &node : report.processed) {
     ++explored_;
     observe(node);
   }
   maxDepth_ = std::max(maxDepth_, report.maxDepth);
-  for (std::shared_ptr<Node> &node : report.open)
-    if (node->bound < cutoff_) queue_.push(std::move(node));
-  if (report.unsolvedBound < kUserInf) someUnsolved_ = true;
-  unsolvedBound_ = std::min(unsolvedBound_, report.unsolvedBound);
   if (report.unbounded) status_ = MipStatus::Unbounded;
 }
 
@@ -159,6 +164,7 @@ void MipSearch::treeSearch() {
       main().onFound = listener;
     }
     bool stopped = false, exhausted = false, memory = false;
+    for (Explorer::Report &report : reports_) collectNodes(report);
     for (std::size_t k = 0; k < explorers_.size(); ++k) {
       collect(*explorers_[k], reports_[k]);
       stopped = stopped || reports_[k].stopped;

@@ -6,14 +6,6 @@
 
 namespace tarvik {
 
-namespace {
-
-// What the automatic setting has become by now. Over the benchmark set with three seeds the moves
-// save as much work as they cost.
-constexpr int kAutomaticDegenMoves = 5;
-
-}  // namespace
-
 CutSettings resolveCutSettings(const Env &env) {
   const int cuts = env.get(Int::Cuts), common = std::min(cuts, 2);
   const auto level = [&](Int parameter, int automatic) {
@@ -117,7 +109,6 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.symmetry = env.get(Int::DualReductions) == 1 ? env.get(Int::Symmetry) : 0;
   options.infProof = env.get(Int::TARV_PAR_INFPROOF);
   options.degenMoves = env.get(Int::DegenMoves);
-  if (options.degenMoves == kAutomaticDegenMoves) options.degenMoves = 0;
   options.nodeMethod = env.get(Int::NodeMethod);
   options.poolSearchMode = env.get(Int::PoolSearchMode);
   options.poolSolutions = env.get(Int::PoolSolutions);
