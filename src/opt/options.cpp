@@ -55,6 +55,8 @@ PresolveOptions presolveOptions(const Env &env) {
   options.aggFill = env.get(Int::AggFill);
   options.preDual = env.get(Int::PreDual);
   options.depRows = env.get(Int::PreDepRow);
+  const int preBound = env.get(Int::TARV_PAR_PREBOUND);
+  options.derivedBounds = preBound == 1 ? -1 : preBound / 2;
   options.sparsify = env.get(Int::PreSparsify);
   options.singletonCols = env.get(Int::TARV_PAR_PRESINGLECOL) != 0;
   options.parallel = env.get(Int::TARV_PAR_PREPARALLEL) != 0;

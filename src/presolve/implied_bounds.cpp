@@ -1,6 +1,8 @@
 // Column bounds that rows imply, given the bounds of the other columns: such a bound may be
-// removed, which leaves the feasible points as they are and needs no undoing.
+// removed, which leaves the feasible points as they are and needs no undoing. What several rows
+// imply together is shown without either bound of the column, so that both may go.
 
+#include "presolve/derived_bounds.h"
 #include "presolve/reductions.h"
 
 namespace tarvik::presolve {
@@ -10,7 +12,7 @@ bool lowerImplied(const Workspace &ws, int j) {
   if (!col.hasLower()) return true;
   for (const Entry &entry : ws.model.colEntries(j))
     if (ws.model.impliedLower(entry) >= col.lower - ws.roundingTol(col.lower)) return true;
-  return false;
+  return ws.derived && ws.derived->impliesBound(j, false);
 }
 
 bool upperImplied(const Workspace &ws, int j) {
@@ -18,7 +20,7 @@ bool upperImplied(const Workspace &ws, int j) {
   if (!col.hasUpper()) return true;
   for (const Entry &entry : ws.model.colEntries(j))
     if (ws.model.impliedUpper(entry) <= col.upper + ws.roundingTol(col.upper)) return true;
-  return false;
+  return ws.derived && ws.derived->impliesBound(j, true);
 }
 
 bool canOpenAbove(const Workspace &ws, int j) {

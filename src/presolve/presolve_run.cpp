@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+
+#include "presolve/derived_bounds.h"
 
 namespace tarvik {
 
@@ -116,13 +119,21 @@ bool PresolveRun::runRound(int round) {
   };
   if (ws.options.parallel) step(mergeParallelRows);
   if (ws.options.parallel) step(mergeParallelCols);
+  std::optional<DerivedBounds> derived;
+  if (deriveBounds_ && !ws.finished() && derived.emplace(ws).propagate()) {
+    ws.derived = &*derived;
+    step(dropImpliedRows);
+  }
   if (ws.options.dominated) step(fixDominatedCols);
   if (ws.options.aggregate > 0) step(substituteImpliedFree);
+  if (derived) deriveBounds_ = derived->conclusions() > 0;
+  ws.derived = nullptr;
   const double removed = before - ws.model.rowsLeft() - ws.model.colsLeft();
   return !ws.finished() && removed > kPayingPart * before;
 }
 
 void PresolveRun::reduceInRounds() {
+  deriveBounds_ = ws.options.derivedBounds > 0 && !ws.options.integer;
   reduceCheaply();
   bool dependentRows = true;
   for (int round = 0; round < ws.options.passes && !ws.finished(); ++round) {

@@ -38,6 +38,7 @@ class PresolveRun {
   const LpModel *lp_ = nullptr;
   double startSeconds_ = 0;
   double printedSecond_ = 0;
+  bool deriveBounds_ = false;  // until a round has nothing from them
 };
 
 }  // namespace tarvik

@@ -11,7 +11,7 @@
 namespace tarvik::presolve {
 
 // implied_bounds.cpp
-// The column has no such bound, or a row implies it.
+// The column has no such bound, or rows imply it even if both its bounds go.
 bool lowerImplied(const Workspace &ws, int col);
 bool upperImplied(const Workspace &ws, int col);
 // The bound is absent or implied, and the column keeps its other one: columns do not become free,
@@ -32,6 +32,7 @@ bool crushFixedCol(RecordReader record, RowImage &image);
 // redundant_row.cpp
 void dropRow(Workspace &ws, int row);
 bool tryRedundantRow(Workspace &ws, int row);
+bool dropImpliedRows(Workspace &ws);  // by ws.derived
 void undoRedundantRow(RecordReader record, PostsolveState &state);
 
 // singleton_row.cpp

@@ -47,13 +47,7 @@ bool tryFreeSingletonCol(Workspace &ws, int j) {
   const Entry entry = model.entry(col.first);
   const Row &row = model.row(entry.row);
   const bool free = !col.hasLower() && !col.hasUpper();
-  if (!free) {
-    const bool below =
-        !col.hasLower() || model.impliedLower(entry) >= col.lower - ws.roundingTol(col.lower);
-    const bool above =
-        !col.hasUpper() || model.impliedUpper(entry) <= col.upper + ws.roundingTol(col.upper);
-    if (!below || !above) return false;
-  }
+  if (!free && (!lowerImplied(ws, j) || !upperImplied(ws, j))) return false;
   const double pivot = ws.relativePivot(free ? kFreeSingletonPivot : kImpliedFreePivot);
   if (std::fabs(entry.value) < pivot * largestInRow(model, entry.row)) return false;
 

@@ -13,6 +13,8 @@ namespace tarvik::presolve {
 
 enum class Verdict { None, Infeasible, Unbounded, InfeasibleOrUnbounded, Stopped };
 
+class DerivedBounds;
+
 struct Workspace {
   WorkingModel model;
   PostsolveStack stack;
@@ -26,7 +28,8 @@ struct Workspace {
   // Multipliers of rows (as they are now) that prove infeasibility.
   Vec<int> proofRows;
   Vec<double> proofMultipliers;
-  int substitutionVisit = 0;  // clock of the last search for substitutions
+  DerivedBounds *derived = nullptr;  // during a round: what several rows together imply
+  int substitutionVisit = 0;         // clock of the last search for substitutions
   // Scratch: entry positions of one row by column, of one column by row, else -1.
   Vec<int> positionOf, positionOfRow;
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "lp/check.h"
 #include "support/lp_checks.h"
 #include "support/random_lp.h"
 #include "support/reference_lp.h"
@@ -159,6 +160,47 @@ TEST(Presolve, RemovesDependentEquations) {
   EXPECT_GT(farkasViolation(contradicting, contradiction.presolve.farkas()), 0);
   options.depRows = 0;
   EXPECT_EQ(Presolved(contradicting, options).status, PresolveStatus::Unchanged);
+}
+
+// Bounds that several rows imply together: x1 <= x0 <= 1 and x2 <= x1 + y <= 2 leave nothing to the
+// last row, unless its side is smaller, and contradict a lower side above 3.
+TEST(Presolve, ConcludesFromDerivedBounds) {
+  PresolveOptions options;
+  options.parallel = options.dominated = options.singletonCols = false;
+  options.aggregate = 0;
+  const auto chain = [](double lower, double upper) {
+    return test::denseLp({1, -1, -2, 1}, {{0, 1}, {0, kInf}, {0, kInf}, {0, 1}},
+                         {{-1, 1, 0, 0}, {0, -1, 1, -1}, {0, 1, 1, 0}},
+                         {{-kInf, 0}, {-kInf, 0}, {lower, upper}});
+  };
+  const auto rowsLeft = [&](double upper, int derivedBounds) {
+    options.derivedBounds = derivedBounds;
+    return Presolved(chain(-kInf, upper), options).presolve.reduced().numRows;
+  };
+  EXPECT_EQ(rowsLeft(3, 0), 3);
+  EXPECT_LT(rowsLeft(3, 1), 3);
+  EXPECT_EQ(rowsLeft(2.9, 1), 3);
+
+  const LpModel contradiction = chain(3.1, kInf);
+  Presolved run(contradiction, options);
+  ASSERT_EQ(run.status, PresolveStatus::Infeasible);
+  EXPECT_GT(farkasViolation(contradiction, run.presolve.farkas()), 0);
+}
+
+// y >= 2 x and x >= y / 3 make x's bound follow from itself by way of y's; without it no optimum is
+// left.
+TEST(Presolve, DerivedBoundsDoNotSupportThemselves) {
+  const LpModel lp =
+      test::denseLp({1, 1, 0}, {{0, kInf}, {-kInf, kInf}, {-1, 1}},
+                    {{-2, 1, 0}, {3, -1, 0}, {1, 1, 1}}, {{0, kInf}, {0, kInf}, {-kInf, 5}});
+  PresolveOptions options;
+  options.derivedBounds = 1;
+  Presolved run(lp, options);
+  ASSERT_TRUE(hasReduced(run.status));
+  LpSolution full;
+  run.presolve.postsolve(test::solveReference(run.presolve.reduced()), full);
+  EXPECT_TRUE(test::isOptimal(lp, full, 1e-9));
+  EXPECT_EQ(full.objective, 0);
 }
 
 TEST(Presolve, ContradictingBoundsAreInfeasible) {

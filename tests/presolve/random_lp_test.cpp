@@ -108,6 +108,15 @@ Counts compareMany(std::uint64_t first, int count, const test::RandomLpOptions &
   return counts;
 }
 
+NzIndex entriesLeft(const LpModel &lp, const PresolveOptions &options) {
+  SilentLog log;
+  SolveControl control;
+  control.log = &log;
+  Presolve presolve;
+  presolve.run(lp, options, control);
+  return presolve.reduced().a.numNz();
+}
+
 TEST(RandomLp, TinyModels) {
   const Counts counts = compareMany(1, test::randomLpCount(30000), {}, {});
   EXPECT_GT(counts.optimal, 5000);
@@ -144,6 +153,30 @@ TEST(RandomLp, CombinedRows) {
   }
   EXPECT_GT(counts.optimal, 2000);
   EXPECT_GT(counts.infeasible, 1000);
+}
+
+// Bounds that follow in several steps, some only from what they would make superfluous.
+TEST(RandomLp, ChainsOfBounds) {
+  test::RandomLpOptions shape;
+  shape.maxRows = 4;
+  shape.maxCols = 5;
+  shape.plantFeasible = 0.9;
+  PresolveOptions with, without;
+  with.derivedBounds = 1;
+  without.derivedBounds = 0;
+  Counts counts;
+  const int count = test::randomLpCount(5000);
+  int gained = 0;
+  for (std::uint64_t seed = 400001; seed < 400001u + count; ++seed) {
+    const LpModel lp = test::withChains(test::randomLp(seed, shape), seed);
+    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + test::describe(lp));
+    compare(lp, with, counts);
+    gained += entriesLeft(lp, with) < entriesLeft(lp, without);
+    if (::testing::Test::HasFailure()) break;
+  }
+  EXPECT_GT(counts.optimal, 1000);
+  EXPECT_GT(counts.infeasible, 500);
+  EXPECT_GT(gained, 100);
 }
 
 TEST(RandomLp, KeepsInfeasibleAndUnboundedApart) {

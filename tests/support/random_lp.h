@@ -219,6 +219,72 @@ inline LpModel withCombinedRows(const LpModel &lp, std::uint64_t seed) {
   return result;
 }
 
+// Adds columns that hang on the others by chains of short rows, some of them closed to cycles,
+// rows that such chains make superfluous, or nearly, or contradict, and rows that follow from each
+// other but not from the rest.
+inline LpModel withChains(const LpModel &lp, std::uint64_t seed) {
+  Random random(seed * 2 + 1);
+  LpModel result = lp;
+  SparseMatrix rows = transpose(lp.a);
+  const auto addRow = [&](std::initializer_list<std::pair<int, double>> terms, double low,
+                          double up) {
+    Vec<double> dense(static_cast<std::size_t>(result.numCols), 0.0);
+    for (const auto &[col, value] : terms) dense[col] += value;
+    Vec<int> index;
+    Vec<double> value;
+    for (int j = 0; j < result.numCols; ++j)
+      if (dense[j] != 0) index.push_back(j), value.push_back(dense[j]);
+    const int at = random.below(2);  // either side
+    if (at)
+      for (double &v : value) v = -v;
+    rows.append(static_cast<int>(index.size()), index.data(), value.data());
+    result.rowLower.push_back(at ? -up : low);
+    result.rowUpper.push_back(at ? -low : up);
+    ++result.numRows;
+  };
+  const auto addCol = [&] {
+    const double kind = random.uniform();
+    result.cost.push_back(random.uniform() < 0.4 ? 0 : random.below(9) - 4);
+    result.colLower.push_back(kind < 0.4 ? 0 : -kInf);
+    result.colUpper.push_back(kind > 0.2 && kind < 0.5 ? 1 + random.below(8) : kInf);
+    return result.numCols++;
+  };
+  const double factors[] = {1, 1, 1, 2, -1, 0.5, 1 / 3.0};
+  for (int j = 0; j < lp.numCols; ++j) {  // bounds to begin with
+    if (isInf(result.colUpper[j]) && random.uniform() < 0.4)
+      result.colUpper[j] = isInf(result.colLower[j]) ? 3 : result.colLower[j] + 3;
+  }
+  for (int chains = 1 + random.below(3); chains > 0; --chains) {
+    const int first = random.below(result.numCols);
+    int last = first;
+    for (int length = 1 + random.below(4); length > 0; --length) {
+      const int next = addCol();
+      const double shift = random.below(7) - 3;
+      // next <= factor last + shift, or the same from below, or both.
+      const double kind = random.uniform();
+      const int beside = random.below(next);
+      const double second = random.uniform() < 0.6 ? -factors[random.below(7)] : 0;
+      addRow({{next, 1}, {last, -factors[random.below(7)]}, {beside, second}},
+             kind < 0.4 ? -kInf : shift, kind < 0.75 ? shift + (kind < 0.4 ? 0 : kInf) : shift);
+      last = next;
+    }
+    const double kind = random.uniform();
+    const double side = random.below(9) - 3;
+    if (kind < 0.3) addRow({{first, 1}, {last, -1}}, -kInf, side);
+    if (kind < 0.15) addRow({{last, 1}, {first, -1}}, -kInf, random.below(3));
+    if (kind > 0.25 && kind < 0.6)
+      addRow({{last, 1}, {random.below(result.numCols), 1}}, -kInf, 3 * side);
+    if (kind > 0.5 && kind < 0.8) addRow({{first, 1}, {last, 2}}, side - 6, kInf);
+    if (kind > 0.75) {  // each follows from the other
+      addRow({{first, 1}, {last, 1}}, -kInf, side);
+      addRow({{first, 2}, {last, 2}}, -kInf, 2 * side + random.below(2));
+    }
+  }
+  rows.numMinor = result.numCols;
+  result.a = transpose(rows);
+  return result;
+}
+
 // A readable dump for failure messages.
 inline std::string describe(const LpModel &lp) {
   std::string text = "min";
