@@ -6,6 +6,7 @@
 
 #include "mip/gap_rules.h"
 #include "mip/presolve/network_structure.h"
+#include "presolve/presolve_log.h"
 
 namespace tarvik {
 
@@ -109,6 +110,8 @@ void MipSolve::logPresolved(const MipModel &model, double seconds) const {
   const int rows = model.lp.numRows - reduced.lp.numRows;
   const int cols = model.lp.numCols - reduced.lp.numCols;
   Log &log = *control_.log;
+  const MipPresolveStats &stats = lastPresolve().stats();
+  logSparsified(stats.sparsified, stats.sparsifiedFrom, log);
   if (rows < 0 || cols < 0)
     log.print("Presolve added %d rows and %d columns\n", std::max(-rows, 0), std::max(-cols, 0));
   if (rows > 0 || cols > 0)

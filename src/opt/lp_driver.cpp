@@ -118,7 +118,7 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
     reduced.status = LpStatus::Optimal;
   else
     reduced = solveReduced(presolve, warmStart);
-  presolve.postsolve(reduced, full);
+  const bool basisFits = presolve.postsolve(reduced, full);
   full.status = reduced.status;
   full.ray.clear();
   full.farkas.clear();
@@ -129,7 +129,22 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
   } else if (reduced.status == LpStatus::Infeasible && !reduced.farkas.empty()) {
     presolve.postsolveFarkas(reduced.farkas, full.farkas);
   }
+  if (full.status == LpStatus::Optimal && !basisFits) fitBasis(full);
   return full;
+}
+
+// The solution is optimal, its basis only leads to one that is. If it does not lead there before a
+// limit the solution is as good without.
+void LpDriver::fitBasis(LpSolution &solution) {
+  const double before = iterations_;
+  LpSolution fitted = solveFull(SimplexMethod::Primal, &solution.basis, nullptr, nullptr);
+  if (fitted.status == LpStatus::Optimal) solution = std::move(fitted);
+  logExtraIterations(iterations_ - before);
+}
+
+void LpDriver::logExtraIterations(double iterations) const {
+  if (iterations > 0)
+    control_.log->print("Extra simplex iterations after uncrush: %.0f\n", iterations);
 }
 
 LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmStart) {
@@ -347,9 +362,7 @@ LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
     }
     if (stopped || lastVerdict.proven) break;
   }
-  if (presolved_ && iterations_ > iterationsBefore)
-    control_.log->print("Extra simplex iterations after uncrush: %.0f\n",
-                        iterations_ - iterationsBefore);
+  if (presolved_) logExtraIterations(iterations_ - iterationsBefore);
   if (bestVerdict.proven || bestVerdict.nearlyProven) return best;
   best.suboptimal = best.solution.status == LpStatus::Optimal && bestVerdict.primalFeasible;
   if (!best.suboptimal) best.solution.status = LpStatus::Numeric;

@@ -59,6 +59,8 @@ class LpDriver {
   LpSolution solveFromScratch();
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);
+  void fitBasis(LpSolution &solution);
+  void logExtraIterations(double iterations) const;
   // Keeps the reduced model's factors for the day when the full model is loaded.
   void passOn(const Scaling &reduced, const Presolve &presolve);
   // By way of the dual form, when that has an optimum; false leaves nothing but a starting basis.

@@ -39,6 +39,8 @@ Undo undoOf(RecordKind kind) {
       return undoParallelRows;
     case RecordKind::ParallelCols:
       return undoParallelCols;
+    case RecordKind::AddedEquation:
+      return undoAddedEquation;
   }
   return nullptr;
 }
@@ -61,6 +63,18 @@ Vec<double> activities(const LpModel &lp, const Vec<double> &x) {
   return activity;
 }
 
+// Logicals become basic for those that undoing has taken out: the same if it can be, any otherwise.
+void completeBasis(PostsolveState &state) {
+  std::size_t missing = state.missingBasic.size();
+  const auto enter = [&](VarStatus &status) {
+    if (missing == 0 || status == VarStatus::Basic) return;
+    status = VarStatus::Basic;
+    --missing;
+  };
+  for (const int row : state.missingBasic) enter(state.rowStatus[row]);
+  for (VarStatus &status : state.rowStatus) enter(status);
+}
+
 }  // namespace
 
 void PresolveRun::undoAll(PostsolveState &state) const {
@@ -68,7 +82,7 @@ void PresolveRun::undoAll(PostsolveState &state) const {
     undoOf(ws.stack.kind(record))(ws.stack.read(record), state);
 }
 
-void PresolveRun::postsolve(const LpSolution &reducedSolution, LpSolution &full) const {
+bool PresolveRun::postsolve(const LpSolution &reducedSolution, LpSolution &full) const {
   const std::size_t numRows = static_cast<std::size_t>(lp_->numRows);
   const std::size_t numCols = static_cast<std::size_t>(lp_->numCols);
   PostsolveState state;
@@ -98,10 +112,12 @@ void PresolveRun::postsolve(const LpSolution &reducedSolution, LpSolution &full)
     scatter(reducedSolution.basis.row, rows, state.rowStatus);
   }
   undoAll(state);
+  completeBasis(state);
   full = LpSolution{};
   full.status = reducedSolution.status;
   full.iterations = reducedSolution.iterations;
   completeSolution(state, full);
+  return state.basisFits;
 }
 
 // Activities, reduced costs and the objective afresh from the full model.

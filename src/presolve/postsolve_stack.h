@@ -24,6 +24,7 @@ enum class RecordKind : int {
   EquationSide,
   ParallelRows,
   ParallelCols,
+  AddedEquation,
 };
 
 // Entries (of a row or a column) as they stand in a record.
@@ -116,6 +117,8 @@ struct PostsolveState {
   bool hasPrimal = false;
   bool hasDual = false;
   bool hasBasis = false;
+  bool basisFits = true;     // the basis has these duals
+  Vec<int> missingBasic;     // rows whose logicals are to complete the basis in the end
   bool ignoreCosts = false;  // restoring a Farkas certificate: duals of a zero objective
 
   double cost(double value) const { return ignoreCosts ? 0 : value; }

@@ -16,8 +16,8 @@ PresolveStatus Presolve::run(const LpModel &lp, const PresolveOptions &options,
 
 const LpModel &Presolve::reduced() const { return run_->reduced; }
 
-void Presolve::postsolve(const LpSolution &reducedSolution, LpSolution &full) const {
-  run_->postsolve(reducedSolution, full);
+bool Presolve::postsolve(const LpSolution &reducedSolution, LpSolution &full) const {
+  return run_->postsolve(reducedSolution, full);
 }
 
 void Presolve::postsolveFarkas(const Vec<double> &reducedFarkas, Vec<double> &full) const {

@@ -33,7 +33,11 @@ struct PresolveOptions {
   // -1 automatic, 0 off, 1 on. Automatic is off: over 155 models the search for them costs what
   // the smaller models save.
   int derivedBounds = -1;
-  int sparsify = -1;  // -1 automatic, 0 off, 1 on, 2 aggressive
+  // Equations added to rows of dense models to cancel entries: -1 automatic, 0 off, 1 on, 2
+  // aggressive.
+  int sparsify = -1;
+  int sparsifyMinSize = 10;       // of rows and of columns that such a model must have
+  double sparsifyMinLength = 40;  // of its rows and of its columns, on average
   bool singletonCols = true;
   bool parallel = true;   // rows and columns that are multiples of each other
   bool dominated = true;  // columns that another one makes superfluous
@@ -109,8 +113,10 @@ class Presolve {
 
   // Maps a solution of the reduced model back. Absent vectors (duals, basis) stay absent; after
   // Solved the reduced solution may be empty. Status, iteration count, ray and certificate are
-  // copied as far as they make sense; objective and activities are recomputed in full scale.
-  void postsolve(const LpSolution &reducedSolution, LpSolution &full) const;
+  // copied as far as they make sense; objective and activities are recomputed in full scale. False
+  // when the restored basis may have other duals than those restored, or be singular: then it is a
+  // start for the simplex, close to the optimum (see sparsify.h).
+  bool postsolve(const LpSolution &reducedSolution, LpSolution &full) const;
   // Maps a Farkas certificate of the reduced model back; the result must be checked with
   // farkasViolation, since a proof may dissolve in tolerances.
   void postsolveFarkas(const Vec<double> &reducedFarkas, Vec<double> &full) const;

@@ -135,11 +135,14 @@ bool PresolveRun::runRound(int round) {
 void PresolveRun::reduceInRounds() {
   deriveBounds_ = ws.options.derivedBounds > 0 && !ws.options.integer;
   reduceCheaply();
-  bool dependentRows = true;
+  // Tried once each when the rounds have ended, which then begin anew.
+  bool (*const finals[])(Workspace &) = {removeDependentRows, sparsifyRows};
+  std::size_t next = 0;
   for (int round = 0; round < ws.options.passes && !ws.finished(); ++round) {
     if (runRound(round)) continue;
-    if (!dependentRows || interrupted() || !removeDependentRows(ws)) break;
-    dependentRows = false;
+    bool found = false;
+    while (!found && next < std::size(finals) && !interrupted()) found = finals[next++](ws);
+    if (!found) break;
     reduceCheaply();
   }
 }

@@ -10,7 +10,7 @@ namespace tarvik {
 class PresolveRun {
  public:
   PresolveStatus run(const LpModel &lp, const PresolveOptions &options, SolveControl &control);
-  void postsolve(const LpSolution &reducedSolution, LpSolution &full) const;
+  bool postsolve(const LpSolution &reducedSolution, LpSolution &full) const;
   void postsolveFarkas(const Vec<double> &reducedFarkas, Vec<double> &full) const;
   Vec<double> farkas() const;
   bool crushBasis(const Basis &full, Basis &reducedBasis) const;

@@ -79,6 +79,10 @@ bool crushParallelCols(RecordReader record, RowImage &image);
 // dependent_rows.cpp
 bool removeDependentRows(Workspace &ws);
 
+// sparsify.cpp
+bool sparsifyRows(Workspace &ws);
+void undoAddedEquation(RecordReader record, PostsolveState &state);
+
 // dominated_col.cpp
 bool fixDominatedCols(Workspace &ws);
 void undoEquationSide(RecordReader record, PostsolveState &state);

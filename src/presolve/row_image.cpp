@@ -37,6 +37,7 @@ bool crush(RecordKind kind, RecordReader record, RowImage &image) {
     case RecordKind::ForcingRow:
     case RecordKind::EquationSide:
     case RecordKind::ParallelRows:
+    case RecordKind::AddedEquation:
       break;
   }
   return true;

@@ -25,6 +25,7 @@ struct Road {
   int scaleFlag;
   int preDual = 0;
   bool crash = false;
+  bool sparsify = false;  // models of any size
 };
 constexpr Road kRoads[] = {
     {"dual", SimplexMethod::Dual, 0, true, -1},
@@ -45,6 +46,12 @@ LpOutcome drive(const LpModel &lp, const Road &road, const Basis *start = nullpt
   options.method = road.method;
   options.presolve.level = road.presolve;
   options.presolve.preDual = road.preDual;
+  if (road.sparsify) {
+    options.presolve.sparsify = 2;
+    options.presolve.sparsifyMinSize = 2;
+    options.presolve.sparsifyMinLength = 1;
+    options.presolve.aggregate = 0;
+  }
   options.presolveWarmStart = presolveWarmStart;
   options.warmIterationLimit = patience;
   options.wantCertificates = road.certificates;
@@ -132,6 +139,29 @@ TEST(LpDriver, AnyWarmStartLeadsToTheSameResult) {
 }
 
 // Known answers of badly conditioned and badly scaled models, in every precision.
+// Bases that postsolve cannot restore are found by the simplex.
+TEST(LpDriver, CancelledEntriesLeaveAnOptimalBasis) {
+  const Road roads[] = {
+      {"cancel", SimplexMethod::Dual, -1, false, -1, 0, false, true},
+      {"cancel, certificates", SimplexMethod::Primal, -1, true, -1, 0, false, true}};
+  test::RandomLpOptions shape;
+  shape.plantFeasible = 0.9;
+  shape.fractional = 0;
+  shape.maxCols = 14;
+  const int count = test::randomLpCount(2000);
+  for (int seed = 0; seed < count && !::testing::Test::HasFailure(); ++seed) {
+    const LpModel lp = test::withCombinedRows(test::randomLp(seed, shape), seed);
+    const LpSolution expected = test::solveReference(lp);
+    const Basis start = randomBasis(lp, seed);
+    for (const Road &road : roads) {
+      SCOPED_TRACE(std::string(road.name) + ", seed " + std::to_string(seed) + "\n" +
+                   test::describe(lp));
+      expectResult(lp, expected, drive(lp, road), road);
+      expectResult(lp, expected, drive(lp, road, &start, true), road);
+    }
+  }
+}
+
 TEST(LpDriver, IllConditionedModelsOnEveryRoad) {
   for (int seed = 1; seed <= 40; ++seed) {
     double objective = 0;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "lp/check.h"
 #include "support/lp_checks.h"
@@ -201,6 +202,62 @@ TEST(Presolve, DerivedBoundsDoNotSupportThemselves) {
   run.presolve.postsolve(test::solveReference(run.presolve.reduced()), full);
   EXPECT_TRUE(test::isOptimal(lp, full, 1e-9));
   EXPECT_EQ(full.objective, 0);
+}
+
+// Row i is the sum of the first i + 1 of as many vectors with one half of the entries each, whose
+// sides are those at the point of ones; all but some are equations.
+LpModel sumsOfVectors(int rows, int cols) {
+  Random random(rows);
+  Vec<double> sum(static_cast<std::size_t>(cols), 0.0);
+  SparseMatrix matrix;
+  LpModel lp;
+  matrix.clear(cols);
+  for (int i = 0; i < rows; ++i) {
+    for (int j = 0; j < cols; ++j) sum[j] += random.below(2) * (1 + random.below(9));
+    Vec<int> index;
+    Vec<double> value;
+    double side = 0;
+    for (int j = 0; j < cols; ++j)
+      if (sum[j] != 0) index.push_back(j), value.push_back(sum[j]), side += sum[j];
+    matrix.append(static_cast<int>(index.size()), index.data(), value.data());
+    lp.rowLower.push_back(side);
+    lp.rowUpper.push_back(i % 5 == 4 ? kInf : side);
+  }
+  lp.numRows = rows;
+  lp.numCols = cols;
+  lp.a = transpose(matrix);
+  for (int j = 0; j < cols; ++j) lp.cost.push_back(1 + random.below(9));
+  lp.colLower.assign(lp.cost.size(), 0.0);
+  lp.colUpper.assign(lp.cost.size(), kInf);
+  return lp;
+}
+
+TEST(Presolve, CancelsEntriesOfDenseModels) {
+  const LpModel lp = sumsOfVectors(45, 50);
+  const LpSolution reference = test::solveReference(lp);
+  PresolveOptions options;
+  for (const int level : {-1, 1, 2}) {
+    options.sparsify = level;
+    Presolved run(lp, options);
+    ASSERT_EQ(run.status, PresolveStatus::Reduced);
+    EXPECT_GT(run.presolve.stats().sparsified, lp.a.numNz() / 4) << level;
+    EXPECT_EQ(run.presolve.stats().sparsifiedFrom, lp.a.numNz());
+    LpSolution full;
+    run.presolve.postsolve(test::solveReference(run.presolve.reduced()), full);
+    EXPECT_NEAR(full.objective, reference.objective, 1e-6 * reference.objective);
+    EXPECT_TRUE(test::isOptimal(lp, full, 1e-6));
+  }
+  // Rows of integers stay such rows.
+  const Vec<char> integer(50, 1);
+  options.integer = &integer;
+  Presolved integral(lp, options);
+  EXPECT_GT(integral.presolve.stats().sparsified, 0);
+  for (const double value : integral.presolve.reduced().a.value)
+    EXPECT_EQ(value, std::round(value));
+  options.sparsify = 0;
+  EXPECT_EQ(Presolved(lp, options).presolve.stats().sparsified, 0);
+  // Too few columns.
+  EXPECT_EQ(Presolved(sumsOfVectors(45, 38)).presolve.stats().sparsified, 0);
 }
 
 TEST(Presolve, ContradictingBoundsAreInfeasible) {

@@ -87,6 +87,9 @@ PresolveStatus MipPresolve::reduceLinear(bool &changed) {
     reduced_.lp = std::move(stage->input);
     return status;
   }
+  const PresolveStats &linear = stage->presolve.stats();
+  stats_.sparsified += linear.sparsified;
+  stats_.sparsifiedFrom = std::max(stats_.sparsifiedFrom, linear.sparsifiedFrom);
   keepColumns(stage->presolve.originalCol());
   reduced_.lp = stage->presolve.reduced();
   stages_.push_back(std::move(stage));

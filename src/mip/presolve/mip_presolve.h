@@ -13,6 +13,7 @@ namespace tarvik {
 struct MipPresolveStats {
   int restrictions = 0, bounds = 0, coefficients = 0, sets = 0;
   int cliques = 0, dominated = 0, twoRows = 0, lifted = 0, impliedIntegers = 0, components = 0;
+  NzIndex sparsified = 0, sparsifiedFrom = 0;  // see PresolveStats
 };
 
 class MipPresolve {
