@@ -29,7 +29,7 @@ inline constexpr int kUsedUpdates = 10, kOldUpdates = 20;
 inline constexpr double kTinyPivots = 10;
 // Among tied candidates of the dual ratio test, pivots below this share of the largest do not
 // count.
-inline constexpr double kTiedPivotShare = 0.1;
+inline constexpr double kTiedPivotShare = 0.5;
 
 // Base of the cost perturbation relative to the (damped) largest cost; larger values remove more
 // degeneracy and leave more clean-up work. Smaller than some ten times the dual tolerance it is
