@@ -111,15 +111,23 @@ void compare(const LpModel &lp, const PresolveOptions &options, Counts &counts,
     ASSERT_TRUE(test::isBasicSolution(lp, full, 1e-6));
 }
 
+// Calls check(seed, make(seed)) until one fails.
+template <class Make, class Check>
+void checkEach(std::uint64_t first, int count, const Make &make, const Check &check) {
+  for (std::uint64_t seed = first; seed < first + count; ++seed) {
+    const LpModel lp = make(seed);
+    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + test::describe(lp));
+    check(seed, lp);
+    if (::testing::Test::HasFailure()) break;
+  }
+}
+
 Counts compareMany(std::uint64_t first, int count, const test::RandomLpOptions &shape,
                    const PresolveOptions &options) {
   Counts counts;
-  for (std::uint64_t seed = first; seed < first + count; ++seed) {
-    const LpModel lp = test::randomLp(seed, shape);
-    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + test::describe(lp));
-    compare(lp, options, counts);
-    if (::testing::Test::HasFailure()) break;
-  }
+  checkEach(
+      first, count, [&](std::uint64_t seed) { return test::randomLp(seed, shape); },
+      [&](std::uint64_t, const LpModel &lp) { compare(lp, options, counts); });
   return counts;
 }
 
@@ -159,13 +167,10 @@ TEST(RandomLp, CombinedRows) {
   PresolveOptions options;
   options.depRows = 1;
   Counts counts;
-  const int count = test::randomLpCount(10000);
-  for (std::uint64_t seed = 300001; seed < 300001u + count; ++seed) {
-    const LpModel lp = test::withCombinedRows(test::randomLp(seed, shape), seed);
-    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + test::describe(lp));
-    compare(lp, options, counts, options.primalTol);
-    if (::testing::Test::HasFailure()) break;
-  }
+  checkEach(
+      300001, test::randomLpCount(10000),
+      [&](std::uint64_t seed) { return test::withCombinedRows(test::randomLp(seed, shape), seed); },
+      [&](std::uint64_t, const LpModel &lp) { compare(lp, options, counts, options.primalTol); });
   EXPECT_GT(counts.optimal, 2000);
   EXPECT_GT(counts.infeasible, 1000);
 }
@@ -180,15 +185,14 @@ TEST(RandomLp, ChainsOfBounds) {
   with.derivedBounds = 1;
   without.derivedBounds = 0;
   Counts counts;
-  const int count = test::randomLpCount(5000);
   int gained = 0;
-  for (std::uint64_t seed = 400001; seed < 400001u + count; ++seed) {
-    const LpModel lp = test::withChains(test::randomLp(seed, shape), seed);
-    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + test::describe(lp));
-    compare(lp, with, counts);
-    gained += entriesLeft(lp, with) < entriesLeft(lp, without);
-    if (::testing::Test::HasFailure()) break;
-  }
+  checkEach(
+      400001, test::randomLpCount(5000),
+      [&](std::uint64_t seed) { return test::withChains(test::randomLp(seed, shape), seed); },
+      [&](std::uint64_t, const LpModel &lp) {
+        compare(lp, with, counts);
+        gained += entriesLeft(lp, with) < entriesLeft(lp, without);
+      });
   EXPECT_GT(counts.optimal, 1000);
   EXPECT_GT(counts.infeasible, 500);
   EXPECT_GT(gained, 100);
@@ -202,22 +206,21 @@ TEST(RandomLp, CancelledEntries) {
   shape.maxCols = 14;
   shape.plantFeasible = 0.9;
   Counts counts;
-  const int count = test::randomLpCount(10000);
-  for (std::uint64_t seed = 400001; seed < 400001u + count; ++seed) {
+  const auto make = [&](std::uint64_t seed) {
+    shape.fractional = seed % 3 == 0;
+    shape.density = 0.3 + 0.05 * (seed % 11);
+    return test::withCombinedRows(test::randomLp(seed, shape), seed);
+  };
+  checkEach(400001, test::randomLpCount(10000), make, [&](std::uint64_t seed, const LpModel &lp) {
     PresolveOptions options;
     options.sparsify = 1 + seed % 2;
     options.sparsifyMinSize = 2;
-    options.depRows = seed % 3 == 0;
-    shape.fractional = seed % 3 == 0;
     options.sparsifyMinLength = 1;
+    options.depRows = seed % 3 == 0;
     options.aggregate = seed % 4 < 2;
     options.singletonCols = seed % 8 < 4;
-    shape.density = 0.3 + 0.05 * (seed % 11);
-    const LpModel lp = test::withCombinedRows(test::randomLp(seed, shape), seed);
-    SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + test::describe(lp));
     compare(lp, options, counts, options.primalTol);
-    if (::testing::Test::HasFailure()) break;
-  }
+  });
   EXPECT_GT(counts.sparsified, 400);
   EXPECT_GT(counts.unfit, 40);
 }

@@ -211,6 +211,14 @@ TEST(RandomLp, EveryPricingRuleAgrees) {
   }
 }
 
+// Any statuses at all make a basis, which may be short, long or singular.
+Basis anyBasis(const LpModel &lp, Random &random) {
+  Basis basis;
+  for (int j = 0; j < lp.numCols; ++j) basis.col.push_back(static_cast<VarStatus>(random.below(4)));
+  for (int i = 0; i < lp.numRows; ++i) basis.row.push_back(static_cast<VarStatus>(random.below(4)));
+  return basis;
+}
+
 // Whatever is switched on or off, and however little patience a solve is given.
 SimplexOptions anyOptions(Random &random) {
   SimplexOptions options;
@@ -244,13 +252,7 @@ TEST(RandomLp, NoOptionChangesTheResult) {
       Simplex simplex(anyOptions(random));
       simplex.load(lp);
       expectSame(lp, solveWith(simplex, method), reference, "fresh");
-      // From a basis that may be singular, short or long.
-      Basis basis;
-      for (int j = 0; j < lp.numCols; ++j)
-        basis.col.push_back(static_cast<VarStatus>(random.below(4)));
-      for (int i = 0; i < lp.numRows; ++i)
-        basis.row.push_back(static_cast<VarStatus>(random.below(4)));
-      simplex.setBasis(basis);
+      simplex.setBasis(anyBasis(lp, random));
       expectSame(lp, solveWith(simplex, method), reference, "from a basis");
     }
   }
@@ -406,12 +408,7 @@ TEST(RandomLp, RowsAreDeletedAndBasesInstalled) {
     simplex.deleteRows(mark);
     const LpSolution reference = solveReference(lp);
     expectSame(lp, solveWith(simplex, SimplexMethod::Dual), reference, "after deleting rows");
-    // Any statuses at all make a basis, which may be short, long or singular.
-    Basis basis;
-    for (int j = 0; j < lp.numCols; ++j)
-      basis.col.push_back(static_cast<VarStatus>(random.below(4)));
-    for (int i = 0; i < lp.numRows; ++i)
-      basis.row.push_back(static_cast<VarStatus>(random.below(4)));
+    const Basis basis = anyBasis(lp, random);
     simplex.setBasis(basis);
     expectSame(lp, solveWith(simplex, SimplexMethod::Dual), reference, "from a random basis");
     simplex.setBasis(basis);
