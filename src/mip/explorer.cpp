@@ -184,7 +184,7 @@ void Explorer::branch(const Node &node, const NodeResult &result, Report &report
   std::shared_ptr<Node> second = makeChild(node, result, basis, fractional, !upFirst);
   report.maxDepth = std::max(report.maxDepth, node.depth + 1);
   if (first->bound >= cutoff_) first.swap(second);
-  if (second->bound < cutoff_) report.open.push_back(std::move(second));
+  if (second->bound < cutoff_) open_.push_back(std::move(second));
   if (first->bound < cutoff_) {
     next_ = std::move(first);
     ++plungeDepth_;
@@ -193,7 +193,7 @@ void Explorer::branch(const Node &node, const NodeResult &result, Report &report
 
 void Explorer::handle(const Node &node, const NodeResult &result, Report &report) {
   if (result.unsolved) {
-    report.unsolvedBound = std::min(report.unsolvedBound, node.bound);
+    unsolvedBound_ = std::min(unsolvedBound_, node.bound);
     return;
   }
   report.unbounded = report.unbounded || result.unbounded;
@@ -229,45 +229,42 @@ bool Explorer::runHeuristics(const Node &node, const Share &share) {
 }
 
 // Where a plunge has ended within a share, the best of the nodes left open here comes next.
-void Explorer::takeUp(Report &report) {
+void Explorer::takeUp() {
   const auto better = [](const std::shared_ptr<Node> &a, const std::shared_ptr<Node> &b) {
     return a->bound != b->bound ? a->bound < b->bound : a->id < b->id;
   };
-  const auto best = std::min_element(report.open.begin(), report.open.end(), better);
-  if (best == report.open.end()) return;
+  const auto best = std::min_element(open_.begin(), open_.end(), better);
+  if (best == open_.end()) return;
   std::shared_ptr<Node> node = std::move(*best);
-  report.open.erase(best);
+  open_.erase(best);
   give(std::move(node));
 }
 
-int Explorer::openNodes() const {
-  return static_cast<int>(next_ != nullptr) + static_cast<int>(inWork_ != nullptr) +
-         (report_ ? static_cast<int>(report_->open.size()) : 0);
+Vec<std::shared_ptr<Node>> Explorer::takeOpen() {
+  Vec<std::shared_ptr<Node>> result;
+  result.swap(open_);
+  return result;
 }
 
 double Explorer::openBound() const {
-  double bound = kUserInf;
-  if (next_) bound = std::min(bound, next_->bound);
-  if (inWork_) bound = std::min(bound, inWork_->bound);
-  if (report_) {
-    bound = std::min(bound, report_->unsolvedBound);
-    for (const auto &node : report_->open) bound = std::min(bound, node->bound);
-  }
+  double bound = next_ ? std::min(unsolvedBound_, next_->bound) : unsolvedBound_;
+  for (const auto &node : open_) bound = std::min(bound, node->bound);
   return bound;
 }
 
 void Explorer::step(const Share &share, Report &report) {
-  const std::shared_ptr<Node> node = takeNode();
-  if (node->bound >= cutoff_) return;
-  inWork_ = node;
+  const std::shared_ptr<Node> node = next_;
+  if (node->bound >= cutoff_) {
+    next_.reset();
+    return;
+  }
   NodeResult result = worker_.process(*node);
-  inWork_.reset();
   if (result.stopped) {
-    next_ = node;
     report.stopped = true;
     report.outOfMemory = worker_.lp().status() == LpStatus::MemoryLimit;
     return;
   }
+  next_.reset();
   handle(*node, result, report);
   report.processed.push_back({result.outcome, result.objective, node->depth, result.fractional,
                               result.unsolved, std::move(result.x)});
@@ -277,19 +274,6 @@ void Explorer::step(const Share &share, Report &report) {
 }
 
 void Explorer::explore(const Share &share, Report &report) {
-  struct Reporting {
-    Explorer &explorer;
-    ~Reporting() {
-      explorer.report_ = nullptr;
-      explorer.inWork_.reset();
-    }
-  };
-  const Reporting scope{*this};
-  report_ = &report;
-  work(share, report);
-}
-
-void Explorer::work(const Share &share, Report &report) {
   const double end = control_.work.counted() + share.work;
   while (next_) {
     if (!applyCutoff()) report.exhausted = true;
@@ -299,8 +283,8 @@ void Explorer::work(const Share &share, Report &report) {
         control_.work.counted() >= end)
       break;
     if (next_ && plungeGoesOn(share.openBound, std::max(share.maxDepth, report.maxDepth))) continue;
-    if (next_) report.open.push_back(takeNode());
-    takeUp(report);
+    if (next_) open_.push_back(takeNode());
+    takeUp();
   }
 }
 

@@ -66,14 +66,12 @@ class Explorer : public SolutionSink {
   };
   // What it has to tell afterwards.
   struct Report {
-    Vec<std::shared_ptr<Node>> open;
     Vec<Processed> processed;
     int maxDepth = 0;
     bool exhausted = false;  // nothing better than the incumbent is left anywhere
     bool unbounded = false;
-    bool stopped = false;             // by a limit; the node was put back
-    bool outOfMemory = false;         // by that limit
-    double unsolvedBound = kUserInf;  // the smallest bound of nodes given up
+    bool stopped = false;      // by a limit; the node was kept
+    bool outOfMemory = false;  // by that limit
   };
 
   // `index` of `count` explorers. goesOn is asked between heuristics.
@@ -104,9 +102,13 @@ class Explorer : public SolutionSink {
   bool hasNode() const { return next_ != nullptr; }
   double nodeBound() const { return next_->bound; }
   // The nodes that it answers for, with the one in work and those that wait to be collected, and
-  // the least of their bounds. Only while it does not run on another thread.
-  int openNodes() const;
+  // the least of their bounds and of those it has given up. Only while it does not run on another
+  // thread.
+  int openNodes() const { return static_cast<int>(hasNode()) + static_cast<int>(open_.size()); }
   double openBound() const;
+  double unsolvedBound() const { return unsolvedBound_; }
+  // What its plunges have left open.
+  Vec<std::shared_ptr<Node>> takeOpen();
   void give(std::shared_ptr<Node> node);
   std::shared_ptr<Node> takeNode();
   // Whether the plunge is worth going on with.
@@ -133,14 +135,13 @@ class Explorer : public SolutionSink {
   void lowerCutoff();
   bool accept(const Vec<double> &point, SolutionSource source);
   void step(const Share &share, Report &report);
-  void work(const Share &share, Report &report);
   void handle(const Node &node, const NodeResult &result, Report &report);
   void branch(const Node &node, const NodeResult &result, Report &report);
   std::shared_ptr<Node> makeChild(const Node &node, const NodeResult &result,
                                   const std::shared_ptr<const NodeBasis> &basis,
                                   const Vec<int> &fractional, bool up);
   bool runHeuristics(const Node &node, const Share &share);
-  void takeUp(Report &report);
+  void takeUp();
 
   const Problem &problem_;
   const MipOptions &options_;
@@ -151,10 +152,9 @@ class Explorer : public SolutionSink {
   Worker worker_;
   HeuristicSchedule heuristics_;
   PointRepair repair_;
-  std::shared_ptr<Node> next_;
-  // Solutions found on the way are judged by what is left, with these.
-  std::shared_ptr<Node> inWork_;
-  const Report *report_ = nullptr;
+  std::shared_ptr<Node> next_;  // or in work
+  Vec<std::shared_ptr<Node>> open_;
+  double unsolvedBound_ = kUserInf;  // the smallest of nodes given up
   int plungeDepth_ = 0;
   std::int64_t nextId_, idStep_;
   double incumbentObjective_ = kUserInf, cutoff_ = kUserInf;

@@ -222,7 +222,7 @@ MipStatus MipSearch::terminationStatus() {
   if (stop != StopReason::None) return statusOf(stop);
   const double bound = bestBound(), incumbent = incumbentObjective_;
   if (rootDone_ && unexplored() == 0) {
-    if (someUnsolved_) return MipStatus::Suboptimal;
+    if (unsolvedBound_ < kUserInf) return MipStatus::Suboptimal;
     return hasIncumbent() ? MipStatus::Optimal : MipStatus::Infeasible;
   }
   if (bound >= kUserInf) return MipStatus::Infeasible;

@@ -134,7 +134,7 @@ class MipSearch {
   std::shared_ptr<Node> nextNode();
   void exploreSide(const Explorer::Share &share);
   void shareConflicts();
-  void collectNodes(Explorer::Report &report);
+  void collectNodes(Explorer &explorer);
   void collect(Explorer &explorer, const Explorer::Report &report);
 
   const Problem &problem_;
@@ -163,7 +163,7 @@ class MipSearch {
   MipStatus status_ = MipStatus::Running;
   LpStatus rootStatus_ = LpStatus::NotSolved;
   bool rootCutsPay_ = false;  // they moved the bound: the tree gets some, too
-  bool rootDone_ = false, someUnsolved_ = false, infeasible_ = false;
+  bool rootDone_ = false, infeasible_ = false;
   double explored_ = 0;
   double incumbentObjective_ = kUserInf, cutoff_ = kUserInf;
   Vec<double> incumbent_;

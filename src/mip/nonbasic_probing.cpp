@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "lp/lp_status.h"
+
 namespace tarvik {
 
 namespace {
@@ -38,26 +40,6 @@ bool makeOptimal(Domain &domain, Relaxation &lp, SolveControl &control) {
   for (int k = 0; k < kSolves; ++k)
     if (lp.solve(control) == LpStatus::Optimal) return true;
   return false;
-}
-
-// A status as callers know it.
-int statusCode(LpStatus status) {
-  switch (status) {
-    case LpStatus::InfeasibleOrUnbounded:
-      return 4;
-    case LpStatus::Unbounded:
-      return 5;
-    case LpStatus::TimeLimit:
-      return 9;
-    case LpStatus::Numeric:
-      return 12;
-    case LpStatus::WorkLimit:
-      return 16;
-    case LpStatus::MemoryLimit:
-      return 17;
-    default:
-      return 1;
-  }
 }
 
 bool tellsNothing(const BranchProbe::Result &result) {

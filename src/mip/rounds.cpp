@@ -119,11 +119,10 @@ void MipSearch::shareConflicts() {
 
 // Nodes of all explorers come before the solutions of any: what is told with a solution includes
 // the bound of what is left.
-void MipSearch::collectNodes(Explorer::Report &report) {
-  for (std::shared_ptr<Node> &node : report.open)
+void MipSearch::collectNodes(Explorer &explorer) {
+  for (std::shared_ptr<Node> &node : explorer.takeOpen())
     if (node->bound < cutoff_) queue_.push(std::move(node));
-  if (report.unsolvedBound < kUserInf) someUnsolved_ = true;
-  unsolvedBound_ = std::min(unsolvedBound_, report.unsolvedBound);
+  unsolvedBound_ = std::min(unsolvedBound_, explorer.unsolvedBound());
 }
 
 void MipSearch::collect(Explorer &explorer, const Explorer::Report &report) {
@@ -164,7 +163,7 @@ void MipSearch::treeSearch() {
       main().onFound = listener;
     }
     bool stopped = false, exhausted = false, memory = false;
-    for (Explorer::Report &report : reports_) collectNodes(report);
+    for (const auto &explorer : explorers_) collectNodes(*explorer);
     for (std::size_t k = 0; k < explorers_.size(); ++k) {
       collect(*explorers_[k], reports_[k]);
       stopped = stopped || reports_[k].stopped;

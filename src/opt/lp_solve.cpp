@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "lp/check.h"
+#include "lp/lp_status.h"
 #include "opt/env_log.h"
 #include "opt/lp_driver.h"
 #include "opt/lp_from_model.h"
@@ -30,37 +31,6 @@ SimplexMethod chooseMethod(Env &env) {
   if (env.get(Int::NetworkAlg) == 1)
     env.log("Warning: network simplex is not available in this version - using dual simplex\n");
   return SimplexMethod::Dual;
-}
-
-int statusCode(const LpOutcome &outcome) {
-  if (outcome.suboptimal) return TVK_SUBOPTIMAL;
-  switch (outcome.solution.status) {
-    case LpStatus::Optimal:
-      return TVK_OPTIMAL;
-    case LpStatus::Infeasible:
-      return TVK_INFEASIBLE;
-    case LpStatus::Unbounded:
-      return TVK_UNBOUNDED;
-    case LpStatus::InfeasibleOrUnbounded:
-      return TVK_INF_OR_UNBD;
-    case LpStatus::Cutoff:
-      return TVK_CUTOFF;
-    case LpStatus::IterationLimit:
-      return TVK_ITERATION_LIMIT;
-    case LpStatus::TimeLimit:
-      return TVK_TIME_LIMIT;
-    case LpStatus::WorkLimit:
-      return TVK_WORK_LIMIT;
-    case LpStatus::MemoryLimit:
-      return TVK_MEM_LIMIT;
-    case LpStatus::Interrupted:
-    case LpStatus::Callback:
-      return TVK_INTERRUPTED;
-    case LpStatus::NotSolved:
-    case LpStatus::Numeric:
-      break;
-  }
-  return TVK_NUMERIC;
 }
 
 // What multipliers below this share of the largest one, and the coefficients they leave, say is
@@ -182,7 +152,7 @@ class LinearSolve {
         driver.run(given(start.basis), given(start.values), given(start.edgeWeights));
     keepEdgeWeights(kept, outcome.solution.basis);
     store_.extendedPrecision = outcome.extended;
-    summary_.status = statusCode(outcome);
+    summary_.status = outcome.suboptimal ? TVK_SUBOPTIMAL : statusCode(outcome.solution.status);
     if (start.basis.empty())
       kept.noteColdSolve(summary_.status == TVK_OPTIMAL ? outcome.solution.iterations : 0);
     store_.iterCount = store_.iterCount0 = outcome.solution.iterations;

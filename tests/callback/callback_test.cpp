@@ -2,17 +2,14 @@
 // abortion, and what a callback may do to the model that is being solved.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
-#include "tarvik.h"
+#include "support/callback_fixture.h"
 
 namespace {
 
-struct Seen {
-  std::string text;         // all message texts
+struct Seen : tarvik::test::SeenMessages {
   std::vector<int> wheres;  // of every invocation
-  int abortAt = -1;         // where to answer with 4711
   int messagesWithoutModel = 0;
   std::vector<int> codes;  // of calls made inside the simplex callback
   double iterations = -1, seconds = -1;
@@ -22,9 +19,7 @@ int watch(TVKmodel *model, void *cbdata, int where, void *usrdata) {
   Seen &seen = *static_cast<Seen *>(usrdata);
   seen.wheres.push_back(where);
   if (where == TVK_CB_MESSAGE) {
-    char *text = nullptr;
-    EXPECT_EQ(TVKcbget(cbdata, where, TVK_CB_MSG_STRING, &text), 0);
-    seen.text += text;
+    seen.take(cbdata);
     if (!model) ++seen.messagesWithoutModel;
   }
   if (where == TVK_CB_SIMPLEX && seen.codes.empty()) {
@@ -45,20 +40,11 @@ int watch(TVKmodel *model, void *cbdata, int where, void *usrdata) {
     EXPECT_STREQ(TVKgeterrormsg(env), "Parameter not settable in callback");
     EXPECT_EQ(TVKsetdblparam(env, "TimeLimit", 77), 0);
   }
-  return where == seen.abortAt ? 4711 : 0;
+  return seen.answer(where);
 }
 
-class CallbackTest : public ::testing::Test {
+class CallbackTest : public tarvik::test::CallbackFixture<Seen> {
  protected:
-  void SetUp() override {
-    ASSERT_EQ(TVKemptyenv(&env_), 0);
-    ASSERT_EQ(TVKsetintparam(env_, "LogToConsole", 0), 0);
-    ASSERT_EQ(TVKstartenv(env_), 0);
-  }
-  void TearDown() override {
-    EXPECT_EQ(TVKfreemodel(model_), 0);
-    EXPECT_EQ(TVKfreeenv(env_), 0);
-  }
   // max x + 2y, x + y <= 4, x - y >= -2, 0 <= x, y <= 3
   void buildModel() {
     const double obj[] = {1, 2}, ub[] = {3, 3};
@@ -72,15 +58,6 @@ class CallbackTest : public ::testing::Test {
     ASSERT_EQ(TVKsetintattr(model_, "ModelSense", -1), 0);
   }
   int optimize() { return TVKoptimize(model_); }
-  int intAttr(const char *name) const {
-    int value = -1;
-    EXPECT_EQ(TVKgetintattr(model_, name, &value), 0) << name;
-    return value;
-  }
-
-  TVKenv *env_ = nullptr;
-  TVKmodel *model_ = nullptr;
-  Seen seen_;
 };
 
 TEST_F(CallbackTest, RegistrationIsRememberedAndInherited) {

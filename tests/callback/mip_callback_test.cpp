@@ -5,20 +5,18 @@
 #include <string>
 #include <vector>
 
-#include "tarvik.h"
+#include "support/callback_fixture.h"
 
 namespace {
 
 constexpr int kItems = 24;
 
-struct Seen {
+struct Seen : tarvik::test::SeenMessages {
   int count[10] = {};
-  int abortAt = -1;
   double bestSolution = -1;  // of the last one
   int counters = 0;
   int badPoints = 0, badOrder = 0;
   double nodes = 0;
-  std::string text;
 };
 
 double get(void *cbdata, int where, int what) {
@@ -82,30 +80,19 @@ int watch(TVKmodel *, void *cbdata, int where, void *usrdata) {
     case TVK_CB_MIPNODE:
       lookAtNode(cbdata, where, seen);
       break;
-    case TVK_CB_MESSAGE: {
-      char *line = nullptr;
-      EXPECT_EQ(TVKcbget(cbdata, where, TVK_CB_MSG_STRING, &line), 0);
-      seen.text += line;
+    case TVK_CB_MESSAGE:
+      seen.take(cbdata);
       break;
-    }
     default:
       break;
   }
-  return where == seen.abortAt ? 4711 : 0;
+  return seen.answer(where);
 }
 
-int collect(const char *line, void *userdata) {
-  *static_cast<std::string *>(userdata) += line;
-  return 0;
-}
-
-class MipCallback : public testing::Test {
+class MipCallback : public tarvik::test::CallbackFixture<Seen> {
  protected:
   void SetUp() override {
-    ASSERT_EQ(TVKemptyenv(&env_), 0);
-    ASSERT_EQ(TVKsetintparam(env_, "LogToConsole", 0), 0);
-    ASSERT_EQ(TVKsetlogcallbackfuncenv(env_, collect, &log_), 0);
-    ASSERT_EQ(TVKstartenv(env_), 0);
+    CallbackFixture::SetUp();
     std::vector<double> obj, ones(kItems, 1), weights;
     std::vector<char> types(kItems, TVK_BINARY);
     std::vector<int> all;
@@ -127,20 +114,6 @@ class MipCallback : public testing::Test {
     ASSERT_EQ(TVKsetdblparam(TVKgetenv(model_), "MIPGap", 0), 0);
     ASSERT_EQ(TVKsetcallbackfunc(model_, watch, &seen_), 0);
   }
-  void TearDown() override {
-    EXPECT_EQ(TVKfreemodel(model_), 0);
-    EXPECT_EQ(TVKfreeenv(env_), 0);
-  }
-  int intAttr(const char *name) const {
-    int result = -1;
-    EXPECT_EQ(TVKgetintattr(model_, name, &result), 0) << name;
-    return result;
-  }
-
-  TVKenv *env_ = nullptr;
-  TVKmodel *model_ = nullptr;
-  Seen seen_;
-  std::string log_;
 };
 
 TEST_F(MipCallback, SeesProgressSolutionsAndNodes) {

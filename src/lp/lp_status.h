@@ -1,0 +1,11 @@
+// The status of a linear solve in the numbers that callers and logs know.
+#pragma once
+
+#include "lp/lp_model.h"
+
+namespace tarvik {
+
+// A TVK_... status code; what was never solved counts as numerical trouble.
+int statusCode(LpStatus status);
+
+}  // namespace tarvik
