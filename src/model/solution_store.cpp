@@ -13,6 +13,7 @@ void SolutionStore::clearResults() {
   fresh.cDualNorm = std::move(cDualNorm);
   fresh.pstart = std::move(pstart);
   fresh.dstart = std::move(dstart);
+  fresh.extendedPrecision = extendedPrecision;
   fresh.solver = std::move(solver);
   fresh.runtime = runtime;
   fresh.work = work;

@@ -192,4 +192,19 @@ TEST(Resolve, ResetForgetsTheBasis) {
   EXPECT_FALSE(env.logged("LP warm-start"));
 }
 
+TEST(Resolve, PrecisionOfTheLastSolveIsLeftOnRequest) {
+  LoggedEnv env;
+  TinyModel model(env, {{-1, -2}, {{{1, 1}, '<', 5}}, {}, {3, 4}, TVK_MINIMIZE, 0});
+  const std::string line = "Switch to double precision\n";
+  model.set("Quad", 1);
+  ASSERT_EQ(model.solve(), TVK_OPTIMAL);
+  model.set("Quad", 0);
+  ASSERT_EQ(TVKsetdblattrelement(model.get(), "UB", 0, 2.0), 0);
+  ASSERT_EQ(model.solve(), TVK_OPTIMAL);
+  EXPECT_TRUE(env.logged(line)) << env.log();
+  env.log().clear();
+  ASSERT_EQ(model.solve(), TVK_OPTIMAL);
+  EXPECT_FALSE(env.logged(line)) << env.log();
+}
+
 }  // namespace
