@@ -127,12 +127,11 @@ class LinearSolve {
 
   void solve(SimplexMethod method, WarmStart &start) {
     const ModelData &data = model_.data();
-    LpDriverOptions options;
-    options.simplex = simplexOptions(env_);
+    LpDriverOptions options = lpDriverOptions(env_, true);
     options.simplex.logSign = data.objSense;
-    options.presolve = presolveOptions(env_);
     options.method = method;
     options.presolveWarmStart = env_.get(Int::LPWarmStart) == 2;
+    options.mayChangeMethod = options.mayChangeMethod && env_.get(Int::Method) < 0;
     options.wantCertificates = env_.get(Int::InfUnbdInfo) != 0;
     RetainedSolve &kept = RetainedSolve::of(store_);
     kept.follow(data, boundRules(env_));
@@ -141,7 +140,6 @@ class LinearSolve {
       makeBasisFromVectors(lp, env_, start);
     else
       logSuperbasics(start.basis);
-    options.mayChangeMethod = env_.get(Int::Method) < 0 && options.simplex.primalDualSwitch;
     if (kept.coldIterations() > 0)
       options.warmIterationLimit = kWarmPatience * kept.coldIterations() + lp.numRows;
     const auto given = [](const auto &part) { return part.empty() ? nullptr : &part; };

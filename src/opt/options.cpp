@@ -72,6 +72,16 @@ PresolveOptions presolveOptions(const Env &env) {
   return options;
 }
 
+LpDriverOptions lpDriverOptions(const Env &env, bool logging) {
+  LpDriverOptions options;
+  options.simplex = simplexOptions(env);
+  options.simplex.logging = logging;
+  options.presolve = presolveOptions(env);
+  options.presolve.logging = logging;
+  options.mayChangeMethod = options.simplex.primalDualSwitch;
+  return options;
+}
+
 BoundRules boundRules(const Env &env) {
   BoundRules rules;
   rules.infinite = std::min(env.get(Dbl::TARV_PAR_INFBOUND), kInfBound);

@@ -62,14 +62,8 @@ class SolvedRelaxation {
 
  private:
   LpSolution solveOnce() {
-    LpDriverOptions options;
-    options.simplex = simplexOptions(env_);
-    options.simplex.logging = false;
-    options.presolve = presolveOptions(env_);
-    options.presolve.logging = false;
-    options.mayChangeMethod = options.simplex.primalDualSwitch;
-    const LpOutcome outcome =
-        LpDriver(lp_, options, control_, warm_).run(start_.empty() ? nullptr : &start_, nullptr);
+    const LpOutcome outcome = LpDriver(lp_, lpDriverOptions(env_, false), control_, warm_)
+                                  .run(start_.empty() ? nullptr : &start_, nullptr);
     LpSolution solution = outcome.solution;
     if (outcome.suboptimal) solution.status = LpStatus::NotSolved;
     const double value = outcome.quality ? outcome.quality->objective : solution.objective;
