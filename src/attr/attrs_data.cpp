@@ -166,12 +166,13 @@ void registerDataAttrs(AttrTable &t) {
   registerNames(t);
   t.handlers<int>(Attr::ModelSense) = {nullptr, intOf<[](const D &d) { return d.objSense; }>,
                                        setModelSense};
-  t.handlers<double>(Attr::ObjCon) = {
-      nullptr,
-      [](Model &m, const Elements &, double *out) { *out = m.data().objSense * m.data().objCon; },
-      [](Model &m, const Elements &, const double *value) {
-        m.edit([&](PendingChanges &p) { p.objCon = *value; });
-      }};
+  t.handlers<double>(Attr::ObjCon) = {nullptr,
+                                      [](Model &m, const Elements &, double *out) {
+                                        *out = m.data().inCallersSense(m.data().objCon);
+                                      },
+                                      [](Model &m, const Elements &, const double *value) {
+                                        m.edit([&](PendingChanges &p) { p.objCon = *value; });
+                                      }};
   t.handlers<double>(Attr::Obj) = {nullptr, getObj, queueSet<&P::obj, K::Var>};
   t.handlers<double>(Attr::LB) = {dataVector<&D::lb>, nullptr, setLb};
   t.handlers<double>(Attr::UB) = {dataVector<&D::ub>, nullptr, setUb};

@@ -45,7 +45,7 @@ void getObjNVal(Model &m, const Elements &, double *out) {
   if (!x || x->size() != o.coef.size() || (x->empty() && !s.hasObjective)) attrNotAvailable();
   double value = o.con;
   for (std::size_t j = 0; j < x->size(); ++j) value += o.coef[j] * (*x)[j];
-  *out = m.data().objSense * value;
+  *out = m.data().inCallersSense(value);
 }
 
 void setNumObj(Model &m, const Elements &, const int *value) {
@@ -73,10 +73,11 @@ void registerObjectiveAttrs(AttrTable &t) {
                                         queueValues(o.coef, e, values, p.allVars());
                                       });
                                     }};
-  t.handlers<double>(Attr::ObjNCon) = {
-      nullptr,
-      [](Model &m, const Elements &, double *out) { *out = m.data().objSense * objective(m).con; },
-      setField<double, &P::con>};
+  t.handlers<double>(Attr::ObjNCon) = {nullptr,
+                                       [](Model &m, const Elements &, double *out) {
+                                         *out = m.data().inCallersSense(objective(m).con);
+                                       },
+                                       setField<double, &P::con>};
   t.handlers<double>(Attr::ObjNWeight) = {nullptr, getField<double, &O::weight>,
                                           setField<double, &P::weight>};
   t.handlers<int>(Attr::ObjNPriority) = {nullptr, getField<int, &O::priority>,

@@ -9,13 +9,13 @@ using S = SolutionStore;
 
 void getObjVal(Model &m, const Elements &, double *out) {
   if (!m.solution().hasObjective) attrNotAvailable();
-  *out = m.data().objSense * m.solution().objVal;
+  *out = m.data().inCallersSense(m.solution().objVal);
 }
 
 void getObjBoundC(Model &m, const Elements &, double *out) {
   const S &s = m.solution();
   const double bound = s.objBoundC == kUndefined ? s.objBound : s.objBoundC;
-  *out = bound == kUndefined ? bound : m.data().objSense * bound;
+  *out = bound == kUndefined ? bound : m.data().inCallersSense(bound);
 }
 
 void getXn(Model &m, const Elements &e, double *out) {
@@ -32,7 +32,7 @@ void getPoolObjVal(Model &m, const Elements &e, double *out) {
   const S &s = m.solution();
   const int number = m.env().get(Int::SolutionNumber);
   if (number < static_cast<int>(s.poolObj.size())) {
-    *out = m.data().objSense * s.poolObj[number];
+    *out = m.data().inCallersSense(s.poolObj[number]);
   } else if (number == 0) {
     getObjVal(m, e, out);
   } else {

@@ -108,7 +108,7 @@ void getResult(Model &m, const Elements &, double *out) {
   const int number = selectedScenario(m);
   const Vec<double> &values = m.solution().*Member;
   if (number >= static_cast<int>(values.size()) || values[number] == kUndefined) attrNotAvailable();
-  *out = m.data().objSense * values[number];
+  *out = m.data().inCallersSense(values[number]);
 }
 
 }  // namespace

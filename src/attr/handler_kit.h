@@ -28,8 +28,7 @@ auto resultScalar(Model &m) {
 // A vector of the stored sense in the caller's sense.
 inline void copySigned(const Model &m, const Vec<double> &values, const Elements &e, double *out) {
   if (values.empty()) attrNotAvailable();
-  const double sense = m.data().objSense;
-  for (int k = 0; k < e.len; ++k) out[k] = sense * values[e[k]];
+  for (int k = 0; k < e.len; ++k) out[k] = m.data().inCallersSense(values[e[k]]);
 }
 template <auto Member>
 void signedResultVector(Model &m, const Elements &e, double *out) {
@@ -39,7 +38,7 @@ void signedResultVector(Model &m, const Elements &e, double *out) {
 template <auto Member>
 void signedResultScalar(Model &m, const Elements &, double *out) {
   const double value = m.solution().*Member;
-  *out = value == kUndefined ? value : m.data().objSense * value;
+  *out = value == kUndefined ? value : m.data().inCallersSense(value);
 }
 
 inline int elementLimit(const PendingChanges &p, ElementKind kind) {

@@ -85,7 +85,7 @@ double rowDualViolation(char sense, double y) {
 
 double reducedCostViolation(const ModelData &data, int j, double d) {
   if (d > 0) return data.lb[j] > -kInfBound ? 0 : d;
-  return data.ub[j] < kInfBound ? 0 : -d;
+  return d == 0 || data.ub[j] < kInfBound ? 0 : -d;
 }
 
 double columnComplementarity(const ModelData &data, int j, double x, double d) {

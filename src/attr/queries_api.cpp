@@ -98,7 +98,7 @@ int TVKgetq(TVKmodel *model, int *numqnzP, int *qrow, int *qcol, double *qval) {
     if (!qrow || !qcol || !qval) return;
     copyOut(q.row, qrow);
     copyOut(q.col, qcol);
-    for (int k = 0; k < q.count(); ++k) qval[k] = 0.5 * m.data().objSense * q.val[k];
+    for (int k = 0; k < q.count(); ++k) qval[k] = m.data().inCallersSense(0.5 * q.val[k]);
   });
 }
 
@@ -130,7 +130,7 @@ int TVKgetpwlobj(TVKmodel *model, int var, int *npointsP, double *x, double *y) 
     *npointsP = pwl ? static_cast<int>(pwl->x.size()) : 0;
     if (!pwl || !x || !y) return;
     copyOut(pwl->x, x);
-    for (std::size_t k = 0; k < pwl->y.size(); ++k) y[k] = m.data().objSense * pwl->y[k];
+    for (std::size_t k = 0; k < pwl->y.size(); ++k) y[k] = m.data().inCallersSense(pwl->y[k]);
   });
 }
 

@@ -86,7 +86,7 @@ bool storeInt(void *result, int value) {
 }
 
 bool storeDouble(void *result, double value) {
-  *static_cast<double *>(result) = value;
+  *static_cast<double *>(result) = value + 0.0;  // the sense may have given a zero its sign
   return true;
 }
 

@@ -51,6 +51,8 @@ struct ModelData {
   // Data moved by updates since the last optimization, in entries.
   double updateWork = 0;
 
+  // An objective or dual value in the sense that the caller gave; no zero comes out negative.
+  double inCallersSense(double stored) const { return objSense * stored + 0.0; }
   int numVars() const { return a.numMajor; }
   int numConstrs() const { return a.numMinor; }
   // Constraints, variables and quadratic constraints that carry a tag.

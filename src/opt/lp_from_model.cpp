@@ -15,6 +15,11 @@ bool rowIsImpossible(char sense, double rhs) {
   return isInf(rhs);
 }
 
+// Zeros as callers expect to see them printed.
+void dropSignsOfZeros(Vec<double> &values) {
+  for (double &value : values) value += 0.0;
+}
+
 }  // namespace
 
 BadBounds findBadBounds(const ModelData &data, double tol, const BoundRules &rules) {
@@ -126,8 +131,10 @@ void storeSolution(const ModelData &data, LpSolution &&solution, SolutionStore &
   store.rc = std::move(solution.colDual);
   if (!solution.basis.empty()) basisToCodes(solution.basis, store.vbasis, store.cbasis);
   store.farkasDual = std::move(solution.farkas);
-  for (double &value : store.farkasDual) value = value == 0 ? 0 : -value;
+  for (double &value : store.farkasDual) value = 0.0 - value;
   store.unbdRay = std::move(solution.ray);
+  dropSignsOfZeros(store.x);
+  dropSignsOfZeros(store.unbdRay);
 }
 
 }  // namespace tarvik

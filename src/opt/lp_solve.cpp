@@ -221,7 +221,7 @@ class LinearSolve {
     store_.objVal = quality.objective;
     if (summary_.status == TVK_OPTIMAL) store_.objBound = quality.objective;
     if (summary_.primalViolation <= tol || summary_.status == TVK_OPTIMAL) store_.solCount = 1;
-    summary_.objective = model_.data().objSense * quality.objective;
+    summary_.objective = model_.data().inCallersSense(quality.objective);
   }
 
   Model &model_;

@@ -138,9 +138,9 @@ void mipSummary(Env &env, const MipSummary &summary) {
   }
   env.log("\n");
   logStatus(env, summary.status, summary.errorCode);
-  const double objective =
-      summary.objective < kUserInf ? summary.sense * summary.objective : summary.sense * kUserInf;
-  const double bound = summary.sense * summary.bound;
+  const double objective = summary.objective < kUserInf ? summary.sense * summary.objective + 0.0
+                                                        : summary.sense * kUserInf;
+  const double bound = summary.sense * summary.bound + 0.0;
   const double gap = mipRelativeGap(summary.sense, bound, objective);
   char gapText[32] = "-";
   if (gap < kUserInf) std::snprintf(gapText, sizeof gapText, "%.4f%%", 100 * gap);

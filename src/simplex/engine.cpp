@@ -649,7 +649,7 @@ void Engine<Real>::log(bool force) {
   nextLogSeconds = (std::floor(seconds / control->displayInterval) + 1) * control->displayInterval;
   lastLogIteration = iterations;
   control->log->print(" %7.0f   %14.7e  %13.6e  %13.6e %6.0fs\n", iterations,
-                      logSign * progress.objective, progress.primalInfeasibility,
+                      logSign * progress.objective + 0.0, progress.primalInfeasibility,
                       progress.dualInfeasibility, seconds);
 }
 

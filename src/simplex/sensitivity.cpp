@@ -13,7 +13,8 @@ constexpr double kNoLimit = kRealInf<double>;
 
 void lower(double &limit, double value) { limit = std::min(limit, std::max(0.0, value)); }
 
-double infinite(double value) { return std::clamp(value, -kInf, kInf); }
+// Within what callers take for infinite; a zero has no sign.
+double infinite(double value) { return std::clamp(value, -kInf, kInf) + 0.0; }
 
 // Which bound holds a nonbasic variable. A fixed one is held by the bound its reduced cost
 // presses against; a free or superbasic one by none.
@@ -141,7 +142,7 @@ class Ranging {
     const VarIndex j = n_ + i;
     const double scale = e_.lp.varScale(j);
     const bool basic = e_.position[j] >= 0;
-    const double activity = -(basic ? e_.xB[e_.position[j]] : e_.value[j]) * scale;
+    const double activity = infinite(-(basic ? e_.xB[e_.position[j]] : e_.value[j]) * scale);
     const bool hasUpper = e_.lower[j] > -kNoLimit, hasLower = e_.upper[j] < kNoLimit;
     if (basic) {
       result_.rhsLow[i] = hasUpper ? activity : -kInf;

@@ -1,5 +1,7 @@
 // The optimize call from the caller's side: statuses, solutions and their signs on every road
 // through the LP driver, and models at the edge.
+#include <cmath>
+
 #include "opt/tiny_model.h"
 
 namespace {
@@ -47,6 +49,23 @@ TEST_P(EveryRoad, OptimumOfAMaximizationHasItsSigns) {
   EXPECT_TRUE(env.logged("Optimize a model with 2 rows, 2 columns and 4 nonzeros\n"));
   EXPECT_TRUE(env.logged("\nSolved in ")) << env.log();
   EXPECT_TRUE(env.logged("\nOptimal objective  1.100000000e+01\n")) << env.log();
+}
+
+TEST_P(EveryRoad, ZerosOfAMaximizationHaveNoSign) {
+  // max -x - 0y + 0z, x and y in one row that is slack, z in one that is not needed.
+  auto model =
+      make({{-1, 0, 0}, {{{1, 1, 0}, '<', 4}, {{-1, 0, 1}, '>', 0}}, {}, {}, TVK_MAXIMIZE});
+  ASSERT_EQ(model->solve(), TVK_OPTIMAL);
+  EXPECT_FALSE(env.logged("-0.0")) << env.log();
+  const auto expectPlain = [](const char *name, double value) {
+    EXPECT_FALSE(value == 0 && std::signbit(value)) << name;
+  };
+  for (const char *name : {"ObjVal", "ObjBound", "ObjCon", "DualVio", "MaxVio"})
+    expectPlain(name, model->dblAttr(name));
+  for (const char *name : {"X", "Obj", "RC", "SAObjLow", "SAObjUp", "SALBUp", "SAUBLow"})
+    for (const double value : model->dblArray(name, 3)) expectPlain(name, value);
+  for (const char *name : {"Pi", "Slack", "SARHSLow", "SARHSUp"})
+    for (const double value : model->dblArray(name, 2)) expectPlain(name, value);
 }
 
 TEST_P(EveryRoad, OptimumOfAMinimizationHasItsSigns) {
