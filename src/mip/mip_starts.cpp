@@ -51,12 +51,8 @@ double outOfHole(double value, double low, double high) {
 bool MipStarts::prepare(const MipStart &start, Vec<double> &x) const {
   const MipModel &model = problem_.model();
   x = start.x;
-  // What the previous solve left is kept as it is when that is asked for, or may do.
-  const bool keeps = start.id != kPreviousSolve || options_.startNodeLimit == kKeepContinuous ||
-                     options_.startNodeLimit == kAutomatic;
   bool complete = true;
   for (int j = 0; j < problem_.numCols(); ++j) {
-    if (model.kind[j] == VarKind::Continuous && !keeps) x[j] = kUndefined;
     if (!isGiven(x[j])) {
       complete = false;
       continue;
@@ -184,13 +180,29 @@ bool MipStarts::completeStart(const Vec<double> &x, int id, double &objective) {
   return searchAround(part, id, objective, status);
 }
 
-// The discrete values of what the previous solve left, with new continuous ones.
+// The discrete values of what the previous solve left, with new continuous ones; none of the
+// discrete ones is searched for.
 bool MipStarts::recomputeContinuous(Vec<double> x, double &objective) {
   if (problem_.numContinuous() == 0) return false;
-  for (int j = 0; j < problem_.numCols(); ++j)
-    if (problem_.kind(j) == VarKind::Continuous) x[j] = kUndefined;
+  for (int j = 0; j < problem_.numCols(); ++j) {
+    if (problem_.kind(j) == VarKind::Continuous)
+      x[j] = kUndefined;
+    else if (!isGiven(x[j]))
+      return false;
+  }
   MipStatus status;
   return searchAround(x, kPreviousSolve, objective, status);
+}
+
+// Continuous values are kept where that is asked for, or where computing them takes long and is
+// likely to change little; new ones are the best there are.
+bool MipStarts::takePrevious(const MipStart &start, const Vec<double> &x, double &objective) {
+  const int limit = options_.startNodeLimit;
+  const bool keeps = limit == kKeepContinuous || (limit == kAutomatic && start.mostlyUnchanged);
+  const bool complete = std::all_of(x.begin(), x.end(), isGiven);
+  if (keeps && complete && target_.accept(x, objective)) return true;
+  if (limit != kKeepContinuous && recomputeContinuous(x, objective)) return true;
+  return !keeps && complete && target_.accept(x, objective);
 }
 
 // Names the worst violated constraint of a start that is complete.
@@ -219,12 +231,12 @@ void MipStarts::processOneStart(const MipStart &start) {
   MipStatus status;
   const bool complete = prepare(start, x);
   double objective = 0;
-  bool accepted = complete && target_.accept(x, objective);
-  if (!accepted && start.id == kPreviousSolve)
-    accepted = options_.startNodeLimit != kKeepContinuous && recomputeContinuous(x, objective);
-  else if (!accepted && complete)
-    accepted = searchAround(x, start.id, objective, status);
-  else if (!accepted)
+  bool accepted = false;
+  if (start.id == kPreviousSolve)
+    accepted = takePrevious(start, x, objective);
+  else if (complete)
+    accepted = target_.accept(x, objective) || searchAround(x, start.id, objective, status);
+  else
     accepted = completeStart(x, start.id, objective);
   if (accepted) {
     control_.log->print("Loaded %s with objective %g\n", name.c_str(),

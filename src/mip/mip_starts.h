@@ -22,6 +22,8 @@ inline constexpr int kOnlyStart = -1;
 struct MipStart {
   int id = kOnlyStart;  // or its number among several
   Vec<double> x;        // kUndefined where no value is given
+  // Of what the previous solve left: the problem is large and almost the same.
+  bool mostlyUnchanged = false;
 };
 
 class MipStarts {
@@ -45,6 +47,7 @@ class MipStarts {
   // Rounds what has to be integral, moves values out of holes; true when all values are known.
   bool prepare(const MipStart &start, Vec<double> &x) const;
   bool completeStart(const Vec<double> &x, int id, double &objective);
+  bool takePrevious(const MipStart &start, const Vec<double> &x, double &objective);
   bool recomputeContinuous(Vec<double> x, double &objective);
   bool searchAround(const Vec<double> &given, int id, double &objective, MipStatus &status);
   Vec<double> consistentPart(const Vec<double> &x);

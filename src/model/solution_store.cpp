@@ -19,6 +19,7 @@ void SolutionStore::clearResults() {
   fresh.work = work;
   fresh.generation = generation + 1;
   fresh.previousX = std::move(x.empty() ? previousX : x);
+  fresh.solvedVars = std::move(solvedVars);
   *this = std::move(fresh);
 }
 

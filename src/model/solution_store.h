@@ -5,6 +5,7 @@
 // keeps basis, start vectors and the last solution, adapted to the new dimensions.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "base/memory.h"
@@ -75,6 +76,9 @@ struct SolutionStore {
   bool userBasis = false;          // vbasis/cbasis were set by the caller since the last solve
   // The last solve's x after the model changed, kUndefined for new variables.
   Vec<double> previousX;
+  // A hash of every variable as it was in the mixed-integer solve that x or previousX is from, 0
+  // for new ones; empty when they are from another.
+  Vec<std::uint32_t> solvedVars;
 
   // Outlives changes of the model; null before the first solve.
   std::unique_ptr<SolverState> solver;

@@ -183,6 +183,7 @@ void Update::prepareWarmStart() {
   }
   for (Vec<double> *x : {&solution_.x, &solution_.previousX})
     if (!x->empty()) makeRoomFor(*x, extVars_);
+  if (!solution_.solvedVars.empty()) makeRoomFor(solution_.solvedVars, extVars_);
 }
 
 // Runs after the removal of columns and rows: data_ has its final dimensions, the warm-start
@@ -207,6 +208,10 @@ void Update::commitWarmStart() noexcept {
   if (!solution_.previousX.empty()) {
     solution_.previousX.resize(extVars_, kUndefined);
     if (vars_.removes()) removeEntries(solution_.previousX, vars_.drop);
+  }
+  if (!solution_.solvedVars.empty()) {
+    solution_.solvedVars.resize(extVars_, 0);
+    if (vars_.removes()) removeEntries(solution_.solvedVars, vars_.drop);
   }
 }
 

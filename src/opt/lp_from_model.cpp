@@ -122,6 +122,7 @@ bool hasNonbasicInfiniteSlack(const ModelData &data, const Vec<int> &cbasis) {
 
 void storeSolution(const ModelData &data, LpSolution &&solution, SolutionStore &store) {
   store.x = std::move(solution.colValue);
+  store.solvedVars.clear();
   if (!solution.rowActivity.empty()) {
     store.slack.resize(solution.rowActivity.size());
     for (int i = 0; i < data.numConstrs(); ++i)

@@ -13,6 +13,7 @@
 #include "opt/mip_log.h"
 #include "opt/mip_options.h"
 #include "opt/param_scope.h"
+#include "opt/previous_solve.h"
 
 namespace tarvik {
 
@@ -152,7 +153,9 @@ class MipRun {
     const Vec<Vec<double>> &starts = model_.data().starts;
     for (std::size_t k = 0; k < starts.size(); ++k)
       solve.addStart({starts.size() == 1 ? kOnlyStart : static_cast<int>(k), starts[k]});
-    if (!store_.previousX.empty()) solve.addStart({kPreviousSolve, store_.previousX});
+    if (!store_.previousX.empty())
+      solve.addStart(
+          {kPreviousSolve, store_.previousX, mostlyUnchanged(model_.data(), store_.solvedVars)});
   }
 
   // Which of the caller's advice the search follows.
@@ -215,6 +218,7 @@ class MipRun {
       for (NzIndex k = data.a.start[j]; k < data.a.start[j + 1]; ++k)
         values.rowActivity[data.a.index[k]] += data.a.value[k] * solution.x[j];
     storeSolution(data, std::move(values), store_);
+    store_.solvedVars = variableMarks(data);
   }
 
   Model &model_;

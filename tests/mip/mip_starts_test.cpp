@@ -77,13 +77,20 @@ TEST_F(Starts, WhatThePreviousSolveLeftIsNeverSearchedFor) {
     options_.startNodeLimit = limit;
     solve(covering(), {{kPreviousSolve, {1, 2, 2}}});
     EXPECT_EQ(said(), std::string("\nLoaded MIP start from previous solve with objective ") +
-                          (limit < 0 ? "6" : "5.5") + "\n\n");
+                          (limit == -2 ? "6" : "5.5") + "\n\n");
     solve(covering(), {{kPreviousSolve, {0, 1, 2}}});
     EXPECT_EQ(said().rfind(
                   "\nMIP start from previous solve did not produce a new incumbent solution\n", 0),
               0u)
         << said();
+    // New values for discrete variables are not searched for, either.
+    solve(covering(), {{kPreviousSolve, {1, kNone, 2}}});
+    EXPECT_EQ(said(),
+              "\nMIP start from previous solve did not produce a new incumbent solution\n\n");
   }
+  options_.startNodeLimit = -1;
+  solve(covering(), {{kPreviousSolve, {1, 2, 2}, true}});
+  EXPECT_EQ(said(), "\nLoaded MIP start from previous solve with objective 6\n\n");
 }
 
 TEST_F(Starts, SemiContinuousValuesLeaveTheHole) {

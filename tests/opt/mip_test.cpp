@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "tiny_model.h"
 
@@ -154,6 +156,37 @@ TEST_F(Mip, StartsAreLoadedCompletedOrRefused) {
   ASSERT_EQ(TVKreset(model_, 0), 0);
   ASSERT_EQ(TVKoptimize(model_), 0);
   EXPECT_TRUE(env_.logged("Skipped MIP start processing due to StartNodeLimit parameter\n"));
+}
+
+TEST_F(Mip, LargeModelsThatHardlyChangeKeepWhatTheyHad) {
+  // min y + sum x, 0 <= x <= 1, 2 y + x0 >= 4; then a few of the x shall be one.
+  constexpr int kVars = 2101;
+  std::vector<double> obj(kVars, 1), ub(kVars, 1);
+  std::vector<char> types(kVars, TVK_CONTINUOUS);
+  types[0] = TVK_INTEGER;
+  ub[0] = 9;
+  int index[] = {0, 1};
+  double values[] = {2, 1};
+  for (const auto &[changes, ofInteger, loaded] :
+       {std::tuple(50, false, "2"), {51, false, "-49"}, {1, true, "3"}}) {
+    TVKmodel *model = nullptr;
+    ASSERT_EQ(TVKnewmodel(env_.get(), &model, "large", kVars, obj.data(), nullptr, ub.data(),
+                          types.data(), nullptr),
+              0);
+    ASSERT_EQ(TVKaddconstr(model, 2, index, values, TVK_GREATER_EQUAL, 4, nullptr), 0);
+    ASSERT_EQ(TVKoptimize(model), 0);
+    const std::vector<double> wanted(changes, -1);
+    ASSERT_EQ(TVKsetdblattrarray(model, "Obj", 2, changes, wanted.data()), 0);
+    if (ofInteger) {
+      ASSERT_EQ(TVKsetdblattrelement(model, "Obj", 0, 2), 0);
+    }
+    env_.log().clear();
+    ASSERT_EQ(TVKoptimize(model), 0);
+    EXPECT_TRUE(env_.logged(std::string("Loaded MIP start from previous solve with objective ") +
+                            loaded + "\n"))
+        << changes << env_.log();
+    TVKfreemodel(model);
+  }
 }
 
 TEST_F(Mip, PrioritiesAreAnnounced) {
