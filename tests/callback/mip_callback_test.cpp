@@ -17,6 +17,7 @@ struct Seen : tarvik::test::SeenMessages {
   int counters = 0;
   int badPoints = 0, badOrder = 0;
   double nodes = 0;
+  int target = 77;
 };
 
 double get(void *cbdata, int where, int what) {
@@ -58,7 +59,7 @@ void lookAtNode(void *cbdata, int where, Seen &seen) {
   EXPECT_GE(get(cbdata, where, TVK_CB_MIPNODE_BESTBOUND), seen.bestSolution - 1e-6);
 }
 
-int watch(TVKmodel *, void *cbdata, int where, void *usrdata) {
+int watch(TVKmodel *model, void *cbdata, int where, void *usrdata) {
   Seen &seen = *static_cast<Seen *>(usrdata);
   ++seen.count[where];
   double number = 0;
@@ -69,6 +70,7 @@ int watch(TVKmodel *, void *cbdata, int where, void *usrdata) {
       seen.nodes = nodes;
       EXPECT_GE(get(cbdata, where, TVK_CB_MIP_PROGRESSTIME), 0);
       EXPECT_LE(getInt(cbdata, where, TVK_CB_MIP_PHASE), 2);
+      EXPECT_EQ(TVKgetintparam(TVKgetenv(model), "TARV_PAR_NLTARGET", &seen.target), 0);
       EXPECT_EQ(getInt(cbdata, where, TVK_CB_MIP_OPENSCENARIOS), 0);
       EXPECT_EQ(TVKcbget(cbdata, where, TVK_CB_MIPSOL_OBJ, &number), TVK_ERROR_CALLBACK);
       break;
@@ -132,6 +134,22 @@ TEST_F(MipCallback, SeesProgressSolutionsAndNodes) {
     for (const int where : {TVK_CB_PRESOLVE, TVK_CB_SIMPLEX, TVK_CB_MIP, TVK_CB_MIPSOL,
                             TVK_CB_MIPNODE, TVK_CB_MESSAGE})
       EXPECT_GT(seen_.count[where], 0) << where;
+  }
+}
+
+// The search turns this parameter off, and puts it back however it ends.
+TEST_F(MipCallback, ParametersOfTheSearchAreRestored) {
+  TVKenv *env = TVKgetenv(model_);
+  ASSERT_EQ(TVKsetintparam(env, "TARV_PAR_NLTARGET", 1), 0);
+  for (const int abortAt : {-1, TVK_CB_MIP, TVK_CB_MIPSOL}) {
+    seen_ = Seen();
+    seen_.abortAt = abortAt;
+    ASSERT_EQ(TVKreset(model_, 0), 0);
+    EXPECT_EQ(TVKoptimize(model_), abortAt < 0 ? 0 : 4711);
+    EXPECT_EQ(seen_.target, -1);
+    int target = 77;
+    EXPECT_EQ(TVKgetintparam(env, "TARV_PAR_NLTARGET", &target), 0);
+    EXPECT_EQ(target, 1);
   }
 }
 

@@ -90,6 +90,16 @@ TEST_F(MipHeuristics, OwnParametersNeedNoShare) {
   EXPECT_GE(solutions(), 1);
 }
 
+// What lazy constraints may still refuse is only a candidate.
+TEST_F(MipHeuristics, LazyConstraintsMakeCandidatesOfSolutions) {
+  set("LazyConstraints", "1");
+  set("MinRelNodes", "300");
+  solve();
+  EXPECT_TRUE(says("Solution candidate found by MinRel heuristic at node ")) << env_.log();
+  EXPECT_FALSE(says("Feasible solution found by MinRel heuristic"));
+  EXPECT_EQ(solutions(), 1);
+}
+
 TEST_F(MipHeuristics, GatesOfTheZeroObjectiveHeuristic) {
   set("MinRelNodes", "0");
   set("PumpPasses", "0");
