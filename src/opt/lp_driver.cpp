@@ -118,7 +118,7 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
     reduced.status = LpStatus::Optimal;
   else
     reduced = solveReduced(presolve, warmStart);
-  const bool basisFits = presolve.postsolve(reduced, full);
+  basisFits_ = presolve.postsolve(reduced, full);
   full.status = reduced.status;
   full.ray.clear();
   full.farkas.clear();
@@ -129,22 +129,7 @@ LpSolution LpDriver::solvePresolved(const Basis *warmStart) {
   } else if (reduced.status == LpStatus::Infeasible && !reduced.farkas.empty()) {
     presolve.postsolveFarkas(reduced.farkas, full.farkas);
   }
-  if (full.status == LpStatus::Optimal && !basisFits) fitBasis(full);
   return full;
-}
-
-// The solution is optimal, its basis only leads to one that is. If it does not lead there before a
-// limit the solution is as good without.
-void LpDriver::fitBasis(LpSolution &solution) {
-  const double before = iterations_;
-  LpSolution fitted = solveFull(SimplexMethod::Primal, &solution.basis, nullptr, nullptr);
-  if (fitted.status == LpStatus::Optimal) solution = std::move(fitted);
-  logExtraIterations(iterations_ - before);
-}
-
-void LpDriver::logExtraIterations(double iterations) const {
-  if (iterations > 0)
-    control_.log->print("Extra simplex iterations after uncrush: %.0f\n", iterations);
 }
 
 LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmStart) {
@@ -314,7 +299,8 @@ LpOutcome LpDriver::settle(LpSolution &&solution) {
                          options_.presolve.dualReductions;
   const Verdict verdict = judge(solution);
   LpOutcome outcome;
-  if (verdict.proven || undecided) {
+  const bool leadsOn = solution.status == LpStatus::Optimal && !basisFits_;
+  if ((verdict.proven && !leadsOn) || undecided) {
     outcome.solution = std::move(solution);
     outcome.quality = verdict.quality;
   } else {
@@ -325,6 +311,8 @@ LpOutcome LpDriver::settle(LpSolution &&solution) {
   return outcome;
 }
 
+// The solution may be proven already while its basis only leads to an optimal one: then what a
+// limit stops, or what is not proven, does not replace it.
 LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
   const double iterationsBefore = iterations_;
   options_.simplex.quickVerdicts = false;
@@ -354,15 +342,19 @@ LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
     method = repairMethod(next, lastVerdict);
     const bool stopped = isStop(next.status);
     if (!next.basis.empty()) lastBasis = next.basis;
-    const bool better =
-        stopped ? !bestVerdict.nearlyProven : lastVerdict.violation < bestVerdict.violation;
+    const bool better = stopped
+                            ? !bestVerdict.nearlyProven
+                            : !bestVerdict.proven && lastVerdict.violation < bestVerdict.violation;
     if (better || (lastVerdict.proven && !stopped)) {
       best.solution = std::move(next);
       bestVerdict = lastVerdict;
     }
     if (stopped || lastVerdict.proven) break;
   }
-  if (presolved_) logExtraIterations(iterations_ - iterationsBefore);
+  if (presolved_ && iterations_ > iterationsBefore)
+    control_.log->print("Extra simplex iterations after uncrush: %.0f\n",
+                        iterations_ - iterationsBefore);
+  best.quality = bestVerdict.quality;
   if (bestVerdict.proven || bestVerdict.nearlyProven) return best;
   best.suboptimal = best.solution.status == LpStatus::Optimal && bestVerdict.primalFeasible;
   if (!best.suboptimal) best.solution.status = LpStatus::Numeric;

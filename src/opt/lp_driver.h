@@ -59,8 +59,6 @@ class LpDriver {
   LpSolution solveFromScratch();
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);
-  void fitBasis(LpSolution &solution);
-  void logExtraIterations(double iterations) const;
   // Keeps the reduced model's factors for the day when the full model is loaded.
   void passOn(const Scaling &reduced, const Presolve &presolve);
   // By way of the dual form, when that has an optimum; false leaves nothing but a starting basis.
@@ -86,6 +84,7 @@ class LpDriver {
   WarmEngine &engine_;
   Tolerances tolerances_;
   bool presolved_ = false;
+  bool basisFits_ = true;         // postsolve vouches for the basis of the solution
   double iterationCap_ = kNoCap;  // of solveFull()
   bool extended_ = false;
   double iterations_ = 0;
