@@ -577,7 +577,7 @@ RebuildReason DualSimplex<Real>::pivot(BasisPos p, VarIndex q) {
   }
   e_.updatedObjective += thetaD_ * delta;
   updateWeights(p, alpha);
-  updatePrimal(p, thetaP);
+  updatePrimal(thetaP);
   updateDuals(thetaD_);
   e_.dual[q] = 0;
   e_.dual[out] = -thetaD_;
@@ -636,7 +636,7 @@ void DualSimplex<Real>::updateDevex(BasisPos p, Real alpha) {
 }
 
 template <class Real>
-void DualSimplex<Real>::updatePrimal(BasisPos p, Real thetaP) {
+void DualSimplex<Real>::updatePrimal(Real thetaP) {
   const SparseVec<Real> &column = e_.column;
   if (column.valid()) {
     for (int k = 0; k < column.count; ++k) {

@@ -62,7 +62,7 @@ class DualSimplex {
   void flipGroupsBefore(int group);
   void flipWithin(int group, int pivot, Real slope);
   void applyFlips();
-  void updatePrimal(BasisPos p, Real thetaP);
+  void updatePrimal(Real thetaP);
   void updateDuals(Real thetaD);
   void choosePricing();
   void updateWeights(BasisPos p, Real alpha);
