@@ -13,6 +13,8 @@ constexpr int kMaxCandidates = 100;  // probed at one node
 constexpr int kLookAhead = 9;        // probes without a better score
 // Weight of a column's part in conflicts, 0 to 1 (Achterberg and Berthold, 2009).
 constexpr double kConflictWeight = 0.01;
+// Weight of the depth of Gomory cuts, 0 to 1: little more than what decides between equals.
+constexpr double kCutWeight = 0.01;
 constexpr double kFreeIterations = 10000;
 // A value that has moved so far from the root's shows where the search is going.
 constexpr double kRootMove = 0.4;
@@ -51,6 +53,20 @@ double Brancher::scoreOf(int col, double downGain, double upGain) const {
       conflicts_ ? kConflictWeight * conflicts_->store().activityScore(col) : 0;
   return PseudoCosts::score(downGain, upGain) / std::max(average, 1e-12) + 0.01 * cutoffs +
          conflicts;
+}
+
+void Brancher::setCutEfficacy(Vec<double> efficacy) {
+  cutEfficacy_ = std::move(efficacy);
+  double largest = 0;
+  for (const double value : cutEfficacy_) largest = std::max(largest, value);
+  for (double &value : cutEfficacy_) value = largest > 0 ? value / largest : 0;
+}
+
+// What is expected of a column before it is probed.
+double Brancher::orderOf(int col, double x) const {
+  const double score = scoreOf(col, pseudoCosts_.down(col, x), pseudoCosts_.up(col, x));
+  const bool unknown = pseudoCosts_.count(col, false) + pseudoCosts_.count(col, true) == 0;
+  return unknown && !cutEfficacy_.empty() ? score + kCutWeight * cutEfficacy_[col] : score;
 }
 
 bool Brancher::upFirst(int col, double x, double downGain, double upGain) const {
@@ -98,9 +114,7 @@ Branching Brancher::chooseIntegral(Domain &domain, Relaxation &lp, SolutionSink 
   };
   Vec<Candidate> order;
   for (const int j : candidates_)
-    order.push_back({j, options_.varBranch == 2
-                            ? fractionality(x[j])
-                            : scoreOf(j, pseudoCosts_.down(j, x[j]), pseudoCosts_.up(j, x[j]))});
+    order.push_back({j, options_.varBranch == 2 ? fractionality(x[j]) : orderOf(j, x[j])});
   std::stable_sort(order.begin(), order.end(),
                    [](const Candidate &a, const Candidate &b) { return a.score > b.score; });
   const int reliable = options_.varBranch < 0    ? reliability()

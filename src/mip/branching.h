@@ -2,7 +2,8 @@
 // until the pseudo-costs of a column have been observed often enough), then semi-continuous
 // columns off their range, then ordered sets.
 //
-// Literature: Achterberg, Koch and Martin (2005); Linderoth and Savelsbergh (1999).
+// Literature: Achterberg, Koch and Martin (2005); Linderoth and Savelsbergh (1999); for the use of
+// cuts Cornuejols, Liberti and Nannicini (2011), Turner, Berthold, Besancon and Koch (2023).
 #pragma once
 
 #include "mip/branch_probe.h"
@@ -44,6 +45,10 @@ class Brancher {
 
   // The point at which the root relaxation was solved, for the choice of the first child.
   void setRootPoint(const Vec<double> &x) { rootX_ = x; }
+  // Efficacy of Gomory cuts from the tableau rows of the columns at the root, empty if unknown:
+  // columns of deep ones come first as long as nothing has been observed about them.
+  void setCutEfficacy(Vec<double> efficacy);
+  const Vec<double> &cutEfficacy() const { return cutEfficacy_; }
   // Learns from infeasible branches, and prefers columns that conflicts are about a little.
   void setConflicts(ConflictAnalysis *conflicts) { conflicts_ = conflicts; }
   // Chains of binaries that may be branched on as sets; they outlive the brancher.
@@ -73,6 +78,7 @@ class Brancher {
   bool upFirst(int col, double x, double downGain, double upGain) const;
   int reliability() const;
   double iterationsPerProbe() const;
+  double orderOf(int col, double x) const;
   double scoreOf(int col, double downGain, double upGain) const;
 
   const Problem &problem_;
@@ -82,7 +88,7 @@ class Brancher {
   ProofCuts *proofs_ = nullptr;
   const BranchSetList *branchSets_ = nullptr;
   Vec<int> setOf_;  // by column, the chain that it is in, or -1; empty: there are none
-  Vec<double> rootX_;
+  Vec<double> rootX_, cutEfficacy_;  // the latter relative to the largest
   Vec<int> candidates_;
   double nodeIterations_ = 0, nodeSolves_ = 0, strongIterations_ = 0;
 };

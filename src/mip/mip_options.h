@@ -69,6 +69,7 @@ struct MipOptions {
   int varBranch = -1, branchDir = 0;
   int strongBranchCandidates = -1;  // the most that are probed at one place; -1: automatic
   bool fixByStrongBranching = true;
+  bool branchByCuts = true;   // columns of deep Gomory cuts are probed first
   double setBranchRatio = 2;  // chains with more fractional members are split as sets
   int symmetry = -1;
   int infProof = -1;  // above 0: learn from infeasible nodes

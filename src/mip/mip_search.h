@@ -144,6 +144,7 @@ class MipSearch {
   NodeLog log_;
   SilentLog silent_;
   RootPoint root_;
+  Vec<double> gomoryEfficacy_;  // of the last round that looked at tableau rows
   Vec<std::unique_ptr<SolveControl>> sideControls_;  // of all explorers but the first
   Vec<std::unique_ptr<Explorer>> explorers_;
   Vec<Explorer::Report> reports_;

@@ -240,6 +240,7 @@ int MipSearch::separateRound(int round, Vec<Cut> &cuts) {
   point.round = round;
   point.implications = &implications_;
   point.aggregations = options_.cuts.aggregationPasses;
+  if (options_.branchByCuts) point.gomoryEfficacy = &gomoryEfficacy_;
   const int gomoryPasses = options_.cuts.gomoryPasses;
   for (const auto &separator : separators_) {
     if (control_.limits.pollNow(control_.work, 0) != StopReason::None) break;
@@ -315,6 +316,7 @@ void MipSearch::rootCutLoop() {
   }
   if (worker().lp().status() == LpStatus::Optimal) removeSlackCuts(1);
   worker().lp().solve(control_);
+  worker().brancher().setCutEfficacy(gomoryEfficacy_);
   const double last = worker().lpObjective();
   rootCutsPay_ = limit > 0 && last - first > kLeastImprovement * (1 + std::fabs(last));
 }

@@ -68,6 +68,7 @@ void Worker::followRootOf(Worker &other) {
   lp_.simplex().options().logging = false;
   pseudoCosts_ = other.pseudoCosts_;
   brancher_.setRootPoint(other.brancher_.rootPoint());
+  brancher_.setCutEfficacy(other.brancher_.cutEfficacy());
 }
 
 // Rows and symmetry, until neither implies more. False: the domain is empty.

@@ -106,6 +106,7 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.strongBranchCandidates = env.get(Int::TARV_PAR_SBMAXCANDS);
   options.setBranchRatio = env.get(Dbl::TARV_PAR_SOSBRRAT);
   options.fixByStrongBranching = env.get(Int::TARV_PAR_SBFIX) != 0;
+  options.branchByCuts = env.get(Int::TARV_PAR_GMICUTBRANCH) != 0;
   options.symmetry = env.get(Int::DualReductions) == 1 ? env.get(Int::Symmetry) : 0;
   options.infProof = env.get(Int::TARV_PAR_INFPROOF);
   options.degenMoves = env.get(Int::DegenMoves);

@@ -65,6 +65,26 @@ TEST(NonbasicStrongBranch, ProbesNoMoreThanAllowed) {
   EXPECT_LE(nonbasicStrongBranch(at.domain, at.lp, sink, 2, at.control).fixed, 2);
 }
 
+// Three columns that are all alike, one half each.
+TEST(Brancher, ProbesColumnsOfDeepCutsFirst) {
+  for (const int deep : {0, 1, 2}) {
+    HeuristicFixture at(makeModel({-1, -1, -1}, {1, 1, 1},
+                                  {{-kInf, {{0, 1}, {1, 1}}, 1},
+                                   {-kInf, {{1, 1}, {2, 1}}, 1},
+                                   {-kInf, {{0, 1}, {2, 1}}, 1}}));
+    ASSERT_EQ(at.solveRelaxation(), LpStatus::Optimal);
+    at.options.strongBranchCandidates = 1;
+    PseudoCosts costs(3);
+    Brancher brancher(at.problem, at.options, costs);
+    Vec<double> efficacy(3, 0.1);
+    efficacy[deep] = 0.2;
+    brancher.setCutEfficacy(efficacy);
+    CutoffSink sink(at.problem, kUserInf);
+    brancher.choose(at.domain, at.lp, sink, at.control);
+    for (int j = 0; j < 3; ++j) EXPECT_EQ(costs.count(j, true), j == deep) << j;
+  }
+}
+
 TEST(DegenerateMoves, KeepTheOptimumAndNeverAddFractionalColumns) {
   int improved = 0;
   for (int seed = 1; seed <= 60; ++seed) {

@@ -53,9 +53,10 @@ struct SeparationPoint {
   const class CliqueTable *cliques;            // may be null
   const class ImplicationTable *implications;  // may be null
   WorkMeter *work;
-  int round = 0;             // of the root loop, from 0
-  bool root = true;          // false in the tree
-  int aggregations = -1;     // rows added to the first of a sum at most; -1: as the level says
+  int round = 0;          // of the root loop, from 0
+  bool root = true;       // false in the tree
+  int aggregations = -1;  // rows added to the first of a sum at most; -1: as the level says
+  Vec<double> *gomoryEfficacy = nullptr;  // by column, of its tableau row's best cut; may be null
   double workLimit = 1e100;  // on work->counted(); separators stop soon after it is reached
 };
 

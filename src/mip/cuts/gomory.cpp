@@ -29,12 +29,19 @@ class GomorySeparator : public Separator {
     const double budget =
         (3e7 + 100.0 * static_cast<double>(point.problem->rows().numNz())) * std::max(1, level);
     const double workEnd = std::min(point.workLimit, point.work->counted() + budget);
+    Vec<double> *told = point.gomoryEfficacy;
+    if (told) told->assign(point.problem->numCols(), 0.0);
     for (const int position : fractionalPositions(point)) {
       if (point.work->counted() > workEnd) return;
       if (!tableauRow(point, rows, position, combiner)) continue;
       combiner.get(base);
       if (base.rank >= kLargestRank) continue;
+      const std::size_t before = cuts.size();
       cutsFrom(kernel, base, cuts);
+      if (!told) continue;
+      double &best = (*told)[point.lp->simplex().basisHead()[position]];
+      for (std::size_t k = before; k < cuts.size(); ++k)
+        best = std::max(best, efficacy(cuts[k], *point.x));
     }
   }
 
