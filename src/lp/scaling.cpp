@@ -7,6 +7,8 @@
 #include <limits>
 #include <numbers>
 
+#include "base/multiversion.h"
+
 namespace tarvik {
 
 namespace {
@@ -121,17 +123,52 @@ class Scaler {
   Scaling scaling_;
 };
 
+// Without an exit in the loop, which vector units can do then.
+TARVIK_SIMD int countFarFromOne(const double *value, int count) {
+  int far = 0;
+  for (int k = 0; k < count; ++k) {
+    const double size = std::fabs(value[k]);
+    far += (size != 0) & ((size < kWellScaledMin) | !(size <= kWellScaledMax));
+  }
+  return far;
+}
+
 bool wellScaled(const SparseMatrix &a) {
-  return std::all_of(a.value.begin(), a.value.end(), [](double value) {
-    const double size = std::fabs(value);
-    return size == 0 || (size >= kWellScaledMin && size <= kWellScaledMax);
-  });
+  constexpr NzIndex kBlock = 1024;
+  for (NzIndex k = 0; k < a.numNz(); k += kBlock) {
+    const int count = static_cast<int>(std::min(kBlock, a.numNz() - k));
+    if (countFarFromOne(a.value.data() + k, count) > 0) return false;
+  }
+  return true;
+}
+
+bool isTrivial(const Vec<double> &factors) {
+  return std::all_of(factors.begin(), factors.end(), [](double f) { return f == 0 || f == 1; });
+}
+
+// The factors of the rows without one, from the entries in the columns' scale.
+void completeRows(const SparseMatrix &a, Scaling &scaling) {
+  Vec<int> place(scaling.row.size(), -1);
+  int missing = 0;
+  for (std::size_t i = 0; i < place.size(); ++i)
+    if (scaling.row[i] == 0) place[i] = missing++;
+  if (missing == 0) return;
+  Vec<Range> ranges(missing);
+  for (int j = 0; j < a.numMajor; ++j)
+    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k)
+      if (const int p = place[a.index[k]]; p >= 0 && a.value[k] != 0)
+        ranges[p].add(std::fabs(a.value[k]) * scaling.col[j]);
+  for (std::size_t i = 0; i < place.size(); ++i)
+    if (place[i] >= 0) scaling.row[i] = powerOfTwo(1 / ranges[place[i]].geometricMean());
 }
 
 }  // namespace
 
 Scaling completeScaling(const LpModel &lp, int scaleFlag, Scaling known) {
-  if (scaleFlag == 0 || (scaleFlag < 0 && wellScaled(lp.a))) return {};
+  if (scaleFlag == 0) return {};
+  // Where the known part was worth it the whole is.
+  const bool mayBeWell = scaleFlag < 0 && isTrivial(known.row) && isTrivial(known.col);
+  if (mayBeWell && wellScaled(lp.a)) return {};
   const SparseMatrix &a = lp.a;
   known.row.resize(static_cast<std::size_t>(lp.numRows), 0.0);
   known.col.resize(static_cast<std::size_t>(lp.numCols), 0.0);
@@ -142,13 +179,7 @@ Scaling completeScaling(const LpModel &lp, int scaleFlag, Scaling known) {
       range.add(std::fabs(a.value[k]) * known.row[a.index[k]]);
     known.col[j] = equilibrating(range.max);
   }
-  Vec<Range> ranges(known.row.size());
-  for (int j = 0; j < lp.numCols; ++j)
-    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k)
-      if (known.row[a.index[k]] == 0 && a.value[k] != 0)
-        ranges[a.index[k]].add(std::fabs(a.value[k]) * known.col[j]);
-  for (std::size_t i = 0; i < ranges.size(); ++i)
-    if (known.row[i] == 0) known.row[i] = powerOfTwo(1 / ranges[i].geometricMean());
+  completeRows(a, known);
   return known;
 }
 

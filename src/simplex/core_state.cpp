@@ -140,6 +140,7 @@ bool SimplexCore<Real>::prefersPrimal(SolveControl &control) {
   engine.computePrimal();
   engine.prepared = true;
   engine.dualInfeasibilitySum(&dual);
+  engine.dualFeasible = dual == 0;
   if (dual == 0) return false;
   engine.primalInfeasibilitySum(&primal);
   return primal == 0;
@@ -247,10 +248,12 @@ void SimplexCore<Real>::addRows(int count, const NzIndex *start, const int *inde
   engine.value.resize(total, Real(0));
   engine.dual.resize(total, Real(0));
   engine.position.resize(total, -1);
-  Random random(static_cast<std::uint64_t>(engine.options.seed) +
-                static_cast<std::uint64_t>(total));
-  while (static_cast<int>(engine.randomValue.size()) < total)
-    engine.randomValue.push_back(random.uniform());
+  if (!engine.randomValue.empty()) {
+    Random random(static_cast<std::uint64_t>(engine.options.seed) +
+                  static_cast<std::uint64_t>(total));
+    while (static_cast<int>(engine.randomValue.size()) < total)
+      engine.randomValue.push_back(random.uniform());
+  }
   for (int i = m; i < m + count; ++i) {
     engine.position[n + i] = i;
     engine.head.push_back(n + i);
@@ -284,11 +287,12 @@ void SimplexCore<Real>::deleteRows(const Vec<char> &mark) {
     }
   }
   engine.lp.deleteRows(mark);
+  const bool random = !engine.randomValue.empty();
   int to = 0;
   for (int i = 0; i < oldRows; ++i) {
     if (mark[i]) continue;
     weightOf[n + to] = weightOf[n + i];
-    engine.randomValue[n + to] = engine.randomValue[n + i];
+    if (random) engine.randomValue[n + to] = engine.randomValue[n + i];
     kept.row[to++] = kept.row[i];
   }
   kept.row.resize(to);
@@ -296,7 +300,7 @@ void SimplexCore<Real>::deleteRows(const Vec<char> &mark) {
   for (Vec<Real> *v : {&engine.value, &engine.dual}) v->resize(total);
   engine.cost = engine.lp.cost;
   engine.move.resize(total);
-  engine.randomValue.resize(total);
+  if (random) engine.randomValue.resize(total);
   for (Vec<Real> *v : {&engine.xB, &engine.lB, &engine.uB}) v->assign(to, Real(0));
   for (SparseVec<Real> *v : {&engine.rho, &engine.column, &engine.work1, &engine.work2})
     v->resize(to);

@@ -181,9 +181,9 @@ template <class Real>
 int DualSimplex<Real>::choosePivot(int group) const {
   const int first = groupStart_[group], end = groupStart_[group + 1];
   int best = first;
-  for (int k = first; k < end; ++k) {
+  for (int k = first + 1; k < end; ++k) {
     const Candidate &c = candidates_[k], &b = candidates_[best];
-    if (c.alpha > b.alpha || (c.alpha == b.alpha && e_.randomValue[c.var] > e_.randomValue[b.var]))
+    if (c.alpha > b.alpha || (c.alpha == b.alpha && e_.randomOf(c.var) > e_.randomOf(b.var)))
       best = k;
   }
   if (!e_.options.weighRatios) return best;

@@ -37,6 +37,7 @@ PhaseResult DualSimplex<Real>::run(bool perturb) {
   bestRejected_ = 0;
   resumed_ = resume();
   const bool prepared = e_.prepared;
+  dualsFeasible_ = prepared && e_.dualFeasible;
   e_.forgetValues();
   PhaseResult result;
   if (resumed_) {
@@ -131,7 +132,7 @@ PhaseResult DualSimplex<Real>::runFromBasis(bool perturb, bool prepared) {
   }
   dualsFresh_ = true;
   for (int attempt = 0; attempt < 3; ++attempt) {
-    if (correctDuals(false) == 0) {
+    if (dualsFeasible_ || correctDuals(false) == 0) {
       const PhaseResult result = phase(false);
       return result == PhaseResult::Optimal ? finishPhaseTwo() : result;
     }
@@ -180,7 +181,7 @@ bool DualSimplex<Real>::wantsPerturbation() {
     primalFresh_ = true;
   }
   e_.primalInfeasibilitySum(&primal);
-  e_.dualInfeasibilitySum(&dual);
+  if (!dualsFeasible_) e_.dualInfeasibilitySum(&dual);
   return primal + dual > std::max(tuning::kWarmInfeasibilities, e_.lp.m / 20);
 }
 
@@ -371,15 +372,16 @@ void DualSimplex<Real>::perturbCosts() {
     const bool hasLower = e_.lower[j] != -kRealInf<Real>, hasUpper = e_.upper[j] != kRealInf<Real>;
     if (e_.lower[j] == e_.upper[j] || (!hasLower && !hasUpper)) continue;
     const Real amount =
-        Real((static_cast<double>(fabs(e_.cost[j])) + 1.0) * base * (1.0 + e_.randomValue[j]));
+        Real((static_cast<double>(fabs(e_.cost[j])) + 1.0) * base * (1.0 + e_.randomOf(j)));
     if (hasLower && hasUpper)
       e_.cost[j] += e_.cost[j] >= 0 ? amount : -amount;
     else
       e_.cost[j] += hasLower ? amount : -amount;
   }
-  for (int j = n; j < total; ++j) e_.cost[j] += Real((0.5 - e_.randomValue[j]) * 1e-12);
+  for (int j = n; j < total; ++j) e_.cost[j] += Real((0.5 - e_.randomOf(j)) * 1e-12);
   e_.costsPerturbed = true;
   e_.costShift = ShiftState::Large;
+  dualsFeasible_ = false;
 }
 
 template <class Real>

@@ -97,6 +97,7 @@ class DualSimplex {
   // Values computed at the start of a run that its first rebuild need not compute again: reduced
   // costs with the right signs, and primal values that hold as long as no flip was made since.
   bool dualsFresh_ = false, primalFresh_ = false;
+  bool dualsFeasible_ = false;  // from the preparation of the basis
   double freshFlips_ = 0;
   Real thetaD_ = 0;
   BasisPos troubleRow_ = -1;

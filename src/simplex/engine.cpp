@@ -18,14 +18,18 @@ constexpr double kDropShare = 0.1;
 template <class Real>
 void Engine<Real>::loadProblem(const LpModel &model, Scaling scaling) {
   lp.load(model, std::move(scaling));
-  const int total = lp.total();
-  randomValue.resize(total);
-  Random random(static_cast<std::uint64_t>(options.seed) + 1);
-  for (double &r : randomValue) r = random.uniform();
+  randomValue.clear();
   iterations = 0;
   setupEntries = static_cast<double>(lp.cols.numNz());
   loadedRows = lp.m;
   setWorkRate();
+}
+
+template <class Real>
+void Engine<Real>::drawRandomValues() {
+  randomValue.resize(lp.total());
+  Random random(static_cast<std::uint64_t>(options.seed) + 1);
+  for (double &r : randomValue) r = random.uniform();
 }
 
 template <class Real>

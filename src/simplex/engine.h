@@ -70,7 +70,8 @@ struct EngineState {
   ShiftState costShift = ShiftState::None;
   ShiftState boundShift = ShiftState::None;
   bool costsPerturbed = false, boundsPerturbed = false;
-  Vec<double> randomValue;  // n + m, in [0, 1); fixed for the engine's life
+  // n + m, in [0, 1), fixed for the engine's life; drawn when the first one is asked for.
+  Vec<double> randomValue;
   // Nonbasic variables fixed where they are in the working bounds, since they were dependent in a
   // basis; resetWorkingBounds() lets them go.
   Vec<VarIndex> held;
@@ -128,6 +129,7 @@ class Engine : public EngineState {
   // In addition values and reduced costs of the true problem have been computed from the factors:
   // a run begins without computing them again.
   bool prepared = false;
+  bool dualFeasible = false;  // with prepared: no reduced cost is beyond the tolerance
 
   // --- verdicts ---
   Vec<Real> certificateRow;  // dual ray of a proven infeasibility: multipliers by row
@@ -219,6 +221,11 @@ class Engine : public EngineState {
   // treats as zero at least, more with the age of the factors.
   Real rowPivotTol() const;
   void shiftCost(VarIndex j, Real amount, ShiftState state = ShiftState::Large);
+  double randomOf(VarIndex j) {
+    if (randomValue.empty()) drawRandomValues();
+    return randomValue[j];
+  }
+  void drawRandomValues();
   // A wrong sign of this size is small: a shift that mends it may go beyond by as much again.
   bool smallViolation(VarIndex j, Real violation) const {
     return violation < Real(0.0005) * dualTol ||
@@ -226,8 +233,9 @@ class Engine : public EngineState {
             (upper[j] - lower[j]) * violation < Real(0.1) * dualTol);
   }
   // By how much a shift goes beyond zero, as a share of what it mends.
-  Real shiftExcess(VarIndex j, bool small) const {
-    return small ? Real(randomValue[j]) : Real((std::floor(500 * randomValue[j]) + 111) / 1000);
+  Real shiftExcess(VarIndex j, bool small) {
+    const double r = randomOf(j);
+    return small ? Real(r) : Real((std::floor(500 * r) + 111) / 1000);
   }
   // Checks that y'(A x + s) = 0 cannot hold within the true bounds; keeps y as the certificate.
   bool proveInfeasible(const SparseVec<Real> &y);

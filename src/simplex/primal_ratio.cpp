@@ -132,7 +132,7 @@ Real PrimalSimplex<Real>::shiftBound(const Choice &choice, Real alpha) {
   const Real passed = (e_.xB[p] - bound) * sign;
   if (!(passed > 0)) return 0;
   const bool fixed = e_.lower[j] == e_.upper[j];
-  const Real excess = fixed ? Real(0) : Real(std::floor(200 * e_.randomValue[j]) / 1000);
+  const Real excess = fixed ? Real(0) : Real(std::floor(200 * e_.randomOf(j)) / 1000);
   const Real step = std::min(excess * passed / fabs(alpha), choice.longest);
   const Real target = e_.xB[p] + sign * step * fabs(alpha);
   if (fixed)

@@ -180,7 +180,7 @@ void PrimalSimplex<Real>::perturbBounds() {
   const double base = tuning::kBoundPerturbation;
   for (int j = 0; j < e_.lp.total(); ++j) {
     if (e_.lower[j] == e_.upper[j]) continue;
-    const double r = base * (1.0 + e_.randomValue[j]);
+    const double r = base * (1.0 + e_.randomOf(j));
     if (e_.lower[j] != -kRealInf<Real>)
       e_.lower[j] -= Real(r) * std::max(Real(1), fabs(e_.lower[j]));
     if (e_.upper[j] != kRealInf<Real>)

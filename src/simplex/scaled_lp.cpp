@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "base/multiversion.h"
+
 namespace tarvik {
 
 namespace {
@@ -11,6 +13,26 @@ Real scaledBound(double bound, double factor) {
   if (bound >= kInfBound) return kRealInf<Real>;
   if (bound <= -kInfBound) return -kRealInf<Real>;
   return Real(bound) * Real(factor);
+}
+
+// Column bounds divided by the columns' factors.
+template <class Real>
+inline void divideBounds(int count, const double *bound, const double *factor, Real *scaled) {
+  for (int j = 0; j < count; ++j) {
+    const Real value = Real(bound[j]) / Real(factor[j]);
+    scaled[j] = bound[j] >= kInfBound    ? kRealInf<Real>
+                : bound[j] <= -kInfBound ? -kRealInf<Real>
+                                         : value;
+  }
+}
+
+TARVIK_SIMD void scaleColBounds(int count, const double *bound, const double *factor,
+                                double *scaled) {
+  divideBounds(count, bound, factor, scaled);
+}
+
+void scaleColBounds(int count, const double *bound, const double *factor, long double *scaled) {
+  divideBounds(count, bound, factor, scaled);
 }
 
 // A power of two near 1/sqrt(min*max) of the entries of one row, in the columns' scale.
@@ -48,10 +70,9 @@ void ScaledLp<Real>::load(const LpModel &lp, Scaling scaling) {
   lower.resize(total());
   upper.resize(total());
   cost.assign(total(), Real(0));
-  for (int j = 0; j < n; ++j) {
-    setColBounds(j, lp.colLower[j], lp.colUpper[j]);
-    setCost(j, lp.cost[j]);
-  }
+  scaleColBounds(n, lp.colLower.data(), colScale.data(), lower.data());
+  scaleColBounds(n, lp.colUpper.data(), colScale.data(), upper.data());
+  for (int j = 0; j < n; ++j) setCost(j, lp.cost[j]);
   for (int i = 0; i < m; ++i) setRowBounds(i, lp.rowLower[i], lp.rowUpper[i]);
 }
 

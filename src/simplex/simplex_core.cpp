@@ -68,9 +68,10 @@ bool SimplexCore<Real>::boundsCross() {
     std::for_each(engine.touched.begin(), engine.touched.end(), join);
     return false;
   }
-  for (int j = 0; j < lp.total(); ++j)
+  for (int j = 0; j < lp.total(); ++j) {
     if (crosses(j)) return true;
-  for (int j = 0; j < lp.total(); ++j) join(j);
+    join(j);
+  }
   return false;
 }
 
