@@ -55,6 +55,7 @@ MipOptions mipOptions(const Env &env, int objSense) {
   options.tolerances.integral = env.get(Dbl::IntFeasTol);
   options.simplex = simplexOptions(env);
   options.simplex.logSign = objSense;
+  options.simplex.logTitle = "Root simplex log...";
   options.simplex.wantCertificates = false;
   options.presolve = presolveOptions(env);
   options.presolve.keepPoints = env.get(Int::LazyConstraints) == 1;

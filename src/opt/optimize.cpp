@@ -115,6 +115,7 @@ void solve(Model &model, CallbackRun &callbacks) {
   adjustObjectiveLimits(params, env, data.objSense);
   logModelSize(env, data);
   logFingerprint(model);
+  logModelContents(env, data);
   printStatistics(model);
   checkPwlObjectives(model);
   requireSolvable(data);

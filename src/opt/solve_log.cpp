@@ -81,7 +81,18 @@ void logHeader(Env &env) {
 void logModelSize(Env &env, const ModelData &data) {
   env.log("Optimize a model with %d rows, %d columns and %lu nonzeros\n", data.numConstrs(),
           data.numVars(), static_cast<unsigned long>(data.a.numNz()));
-  if (data.numNonContinuous == 0) return;
+}
+
+void logModelContents(Env &env, const ModelData &data) {
+  const auto count = [&](int number, const char *what) {
+    if (number > 0) env.log("Model has %d %s%s\n", number, what, number > 1 ? "s" : "");
+  };
+  count(data.q.count(), "quadratic objective term");
+  count(data.numQConstrs(), "quadratic constraint");
+  count(data.numSos(), "SOS constraint");
+  count(static_cast<int>(data.pwl.size()), "piecewise-linear objective term");
+  count(data.numGenConstrs(), "general constraint");
+  if (!data.isMip()) return;
   int continuous = 0, integer = 0, semiContinuous = 0, semiInteger = 0;
   for (const char type : data.vtype) {
     if (type == TVK_CONTINUOUS)

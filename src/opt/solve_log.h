@@ -10,6 +10,8 @@ namespace tarvik {
 void logHeader(Env &env);
 // "Optimize a model with ...", its parts and its variable types.
 void logModelSize(Env &env, const ModelData &data);
+// What there is beside rows and columns, and the types of the variables.
+void logModelContents(Env &env, const ModelData &data);
 
 struct LpSummary {
   int status = 0;  // a TVK_ status code

@@ -632,6 +632,7 @@ template <class Real>
 void Engine<Real>::logHeader() {
   if (headerPrinted || !options.logging) return;
   headerPrinted = true;
+  if (options.logTitle) control->log->print("\n%s\n\n", options.logTitle);
   control->log->print("Iteration    Objective       Primal Inf.    Dual Inf.      Time\n");
 }
 

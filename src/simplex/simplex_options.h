@@ -38,7 +38,8 @@ struct SimplexOptions {
   bool quickVerdicts = false;    // optima may rest on values updated through a few iterations
   bool wantCertificates = true;  // keep Farkas proof or ray
   bool logging = true;
-  double logSign = 1;  // -1 prints objectives of a maximization in its own sense
+  const char *logTitle = nullptr;  // stands above the header of the log
+  double logSign = 1;              // -1 prints objectives of a maximization in its own sense
 };
 
 }  // namespace tarvik

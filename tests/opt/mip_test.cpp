@@ -70,6 +70,7 @@ TEST_F(Mip, OptimumWithItsLinesAndAttributes) {
   ASSERT_EQ(TVKgetdblattrelement(model_, "Slack", 1, &slack), 0);
   EXPECT_EQ(slack, 1);
   EXPECT_TRUE(env_.logged("Variable types: 0 continuous, 3 integer (0 binary)\n"));
+  EXPECT_TRUE(env_.logged("\n\nRoot simplex log...\n\nIteration ")) << env_.log();
   EXPECT_TRUE(env_.logged("\nRoot relaxation: objective 1.")) << env_.log();
   EXPECT_TRUE(env_.logged("\nExplored "));
   EXPECT_TRUE(env_.logged("Optimal solution found (tolerance 1.00e-04)\n"));
