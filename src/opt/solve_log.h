@@ -8,7 +8,7 @@ namespace tarvik {
 
 // Version, processor and thread count.
 void logHeader(Env &env);
-// "Optimize a model with ...", its parts and its variable types.
+// "Optimize a model with ...".
 void logModelSize(Env &env, const ModelData &data);
 // What there is beside rows and columns, and the types of the variables.
 void logModelContents(Env &env, const ModelData &data);
