@@ -141,21 +141,28 @@ LpSolution LpDriver::solveReduced(const Presolve &presolve, const Basis *warmSta
     LpSolution solution;
     if (solveDualForm(presolve.reduced(), solution)) return solution;
   }
-  Scaling scaling;
-  LpSolution solution = solveApart(presolve.reduced(), options_.simplex, options_.method,
-                                   warm ? &crushed : nullptr, &scaling);
-  if (solution.status == LpStatus::Optimal) passOn(scaling, presolve);
+  Simplex simplex(options_.simplex);
+  LpSolution solution =
+      solveIn(simplex, presolve.reduced(), options_.method, warm ? &crushed : nullptr);
+  if (solution.status == LpStatus::Optimal) passOn(simplex, presolve);
   return solution;
 }
 
-void LpDriver::passOn(const Scaling &reduced, const Presolve &presolve) {
-  Scaling full;
-  full.row.assign(lp_.numRows, 0.0);
-  full.col.assign(lp_.numCols, 0.0);
+void LpDriver::passOn(const Simplex &reduced, const Presolve &presolve) {
+  if (options_.simplex.scaleFlag == 0) return;
   const Vec<int> &cols = presolve.originalCol(), &rows = presolve.originalRow();
-  for (std::size_t j = 0; j < cols.size(); ++j) full.col[cols[j]] = reduced.col[j];
-  for (std::size_t i = 0; i < rows.size(); ++i) full.row[rows[i]] = reduced.row[i];
-  engine_.learnScaling(std::move(full), options_.simplex.scaleFlag);
+  const int n = static_cast<int>(cols.size());
+  PartialKnowledge known;
+  known.scaleFlag = options_.simplex.scaleFlag;
+  const Scaling scaling = reduced.scaling();
+  known.scaling.row.assign(lp_.numRows, 0.0);
+  known.scaling.col.assign(lp_.numCols, 0.0);
+  for (int j = 0; j < n; ++j) known.scaling.col[cols[j]] = scaling.col[j];
+  for (std::size_t i = 0; i < rows.size(); ++i) known.scaling.row[rows[i]] = scaling.row[i];
+  known.weights = reduced.basicWeights();
+  for (BasicWeight &w : known.weights)
+    w.var = w.var < n ? cols[w.var] : lp_.numCols + rows[w.var - n];
+  engine_.learn(std::move(known));
 }
 
 bool LpDriver::solveDualForm(const LpModel &lp, LpSolution &solution) {
@@ -196,13 +203,16 @@ LpSolution LpDriver::solveFull(SimplexMethod method, const Basis *start,
 }
 
 LpSolution LpDriver::solveApart(const LpModel &lp, const SimplexOptions &options,
-                                SimplexMethod method, const Basis *start, Scaling *scaling) {
+                                SimplexMethod method, const Basis *start) {
   Simplex simplex(options);
+  return solveIn(simplex, lp, method, start);
+}
+
+LpSolution LpDriver::solveIn(Simplex &simplex, const LpModel &lp, SimplexMethod method,
+                             const Basis *start) {
   simplex.load(lp);
   if (start) simplex.setBasis(*start, nullptr);
-  LpSolution solution = runEngine(simplex, method, !start);
-  if (scaling) *scaling = simplex.scaling();
-  return solution;
+  return runEngine(simplex, method, !start);
 }
 
 LpSolution LpDriver::runEngine(Simplex &simplex, SimplexMethod method, bool fromScratch) {

@@ -59,16 +59,17 @@ class LpDriver {
   LpSolution solveFromScratch();
   LpSolution solvePresolved(const Basis *warmStart);
   LpSolution solveReduced(const Presolve &presolve, const Basis *warmStart);
-  // Keeps the reduced model's factors for the day when the full model is loaded.
-  void passOn(const Scaling &reduced, const Presolve &presolve);
+  // Keeps the reduced model's factors and weights for the day when the full model is loaded.
+  void passOn(const Simplex &reduced, const Presolve &presolve);
   // By way of the dual form, when that has an optimum; false leaves nothing but a starting basis.
   bool solveDualForm(const LpModel &lp, LpSolution &solution);
   // The full model in the warm engine, from a basis or from scratch.
   LpSolution solveFull(SimplexMethod method, const Basis *start,
                        const Vec<double> *superbasicValues, const Vec<double> *edgeWeights);
-  // Any model in an engine of its own.
+  // Any model in an engine of its own, or in one made for it.
   LpSolution solveApart(const LpModel &lp, const SimplexOptions &options, SimplexMethod method,
-                        const Basis *start, Scaling *scaling = nullptr);
+                        const Basis *start);
+  LpSolution solveIn(Simplex &simplex, const LpModel &lp, SimplexMethod method, const Basis *start);
   LpSolution runEngine(Simplex &simplex, SimplexMethod method, bool fromScratch);
   LpSolution solveWithoutRows() const;
   LpStatus stopStatus();

@@ -170,10 +170,12 @@ class LinearSolve {
     store_.cDualNorm.clear();
     Simplex *simplex = kept.engine().get();
     if (!simplex || basis.empty() || !simplex->hasBasics(basis)) return;
-    const Vec<double> weights = simplex->edgeWeights();
-    if (weights.empty()) return;
-    store_.vDualNorm.assign(weights.begin(), weights.begin() + kept.lp().numCols);
-    store_.cDualNorm.assign(weights.begin() + kept.lp().numCols, weights.end());
+    if (!simplex->knowsEdgeWeights()) return;
+    const int n = kept.lp().numCols;
+    store_.vDualNorm.assign(n, 1.0);
+    store_.cDualNorm.assign(kept.lp().numRows, 1.0);
+    for (const BasicWeight &w : simplex->basicWeights())
+      (w.var < n ? store_.vDualNorm[w.var] : store_.cDualNorm[w.var - n]) = w.weight;
   }
 
   void storeProvingVar(int var) {

@@ -1,21 +1,12 @@
 #include "opt/warm_engine.h"
 
-#include <utility>
-
 namespace tarvik {
 
 Simplex &WarmEngine::open(const LpModel &lp, const SimplexOptions &options, const Basis &basis,
                           const Vec<double> *superbasicValues) {
   if (!engine_ || engine_->options().scaleFlag != options.scaleFlag ||
-      engine_->options().seed != options.seed || (engine_->extended() && options.quad == 0)) {
-    engine_.reset();
-    Simplex loaded(options);
-    const bool useful = knownScaling_ && knownScaleFlag_ == options.scaleFlag;
-    loaded.load(lp, basis, superbasicValues, useful ? &*knownScaling_ : nullptr);
-    engine_.emplace(std::move(loaded));
-    knownScaling_.reset();
-    return *engine_;
-  }
+      engine_->options().seed != options.seed || (engine_->extended() && options.quad == 0))
+    return load(lp, options, basis, superbasicValues);
   const bool sameTolerances = engine_->options().primalTol == options.primalTol &&
                               engine_->options().dualTol == options.dualTol;
   engine_->options() = options;
@@ -24,15 +15,21 @@ Simplex &WarmEngine::open(const LpModel &lp, const SimplexOptions &options, cons
   return *engine_;
 }
 
-void WarmEngine::learnScaling(Scaling known, int scaleFlag) {
-  if (scaleFlag == 0) return;
-  knownScaling_ = std::move(known);
-  knownScaleFlag_ = scaleFlag;
+Simplex &WarmEngine::load(const LpModel &lp, const SimplexOptions &options, const Basis &basis,
+                          const Vec<double> *superbasicValues) {
+  engine_.reset();
+  Simplex loaded(options);
+  const bool useful = known_ && known_->scaleFlag == options.scaleFlag;
+  loaded.load(lp, basis, superbasicValues, useful ? &known_->scaling : nullptr);
+  if (useful) loaded.guessEdgeWeights(known_->weights);
+  engine_.emplace(std::move(loaded));
+  known_.reset();
+  return *engine_;
 }
 
 void WarmEngine::drop() {
   engine_.reset();
-  knownScaling_.reset();
+  known_.reset();
 }
 
 Simplex &WarmEngine::openFresh(const LpModel &lp, const SimplexOptions &options) {

@@ -4,10 +4,18 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 
 #include "simplex/simplex.h"
 
 namespace tarvik {
+
+// What the solve of a part of a model tells about the whole.
+struct PartialKnowledge {
+  Scaling scaling;    // that has suited the part; 0 for other rows and columns
+  int scaleFlag = 0;  // under which
+  Vec<BasicWeight> weights;
+};
 
 class WarmEngine {
  public:
@@ -19,15 +27,16 @@ class WarmEngine {
   Simplex &openFresh(const LpModel &lp, const SimplexOptions &options);
   // The loaded engine, or null.
   Simplex *get() { return engine_ ? &*engine_ : nullptr; }
-  // Factors that have scaled a part of the model well, under this flag; 0 for the other rows and
-  // columns. Loading the model with a basis begins from them.
-  void learnScaling(Scaling known, int scaleFlag);
+  // Loading the model with a basis begins from it. Vectors may be shorter than the model by then.
+  void learn(PartialKnowledge known) { known_ = std::move(known); }
   void drop();
 
  private:
+  Simplex &load(const LpModel &lp, const SimplexOptions &options, const Basis &basis,
+                const Vec<double> *superbasicValues);
+
   std::optional<Simplex> engine_;
-  std::optional<Scaling> knownScaling_;  // until the engine is loaded
-  int knownScaleFlag_ = 0;
+  std::optional<PartialKnowledge> known_;  // until the engine is loaded
 };
 
 }  // namespace tarvik

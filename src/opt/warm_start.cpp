@@ -1,5 +1,6 @@
 #include "opt/warm_start.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "opt/lp_from_model.h"
@@ -31,6 +32,13 @@ Vec<double> knownValues(const SolutionStore &store) {
   for (double &value : values)
     if (value >= kUserInf) value = 0;
   return values;
+}
+
+// Whether bounds alone do not tell where all nonbasic variables of a basis are.
+bool wantsValues(const Basis &basis) {
+  return basis.empty() || std::any_of(basis.col.begin(), basis.col.end(), [](VarStatus status) {
+           return status == VarStatus::Free || status == VarStatus::Superbasic;
+         });
 }
 
 Vec<double> knownWeights(const SolutionStore &store, const ModelData &data) {
@@ -133,7 +141,7 @@ WarmStart takeWarmStart(Model &model, int method) {
   }
   // A start vector goes before the last solution.
   if (choice == Choice::Basis) discardStarts(store);
-  if (choice != Choice::Nothing) start.values = knownValues(store);
+  if (choice != Choice::Nothing && wantsValues(start.basis)) start.values = knownValues(store);
   discardStarts(store);
   if (start.basis.empty()) discardBasis(store);
   return start;

@@ -217,9 +217,10 @@ void Engine<Real>::loadBasicBounds() {
 
 template <class Real>
 void Engine<Real>::permuteWeights(const Vec<VarIndex> &oldHead) {
-  weightOf_.assign(lp.total(), 1.0);
-  for (int i = 0; i < lp.m; ++i) weightOf_[oldHead[i]] = rowWeight[i];
-  for (int i = 0; i < lp.m; ++i) rowWeight[i] = weightOf_[head[i]];
+  oldWeight_.assign(lp.m, 1.0);
+  oldWeight_.swap(rowWeight);
+  for (int i = 0; i < lp.m; ++i)
+    if (const BasisPos p = position[oldHead[i]]; p >= 0) rowWeight[p] = oldWeight_[i];
 }
 
 // Dependent variables go to their bounds. False when there were too many repairs.

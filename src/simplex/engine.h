@@ -272,8 +272,8 @@ class Engine : public EngineState {
   bool hold(const Vec<VarIndex> &dropped);
   // How many more pivot rows may be formed column by column before the row-wise copy is made.
   int columnPrices_ = 0;
-  int loosePrices_ = 0;   // before the loose row-wise copy becomes a partitioned one
-  Vec<double> weightOf_;  // scratch by variable
+  int loosePrices_ = 0;    // before the loose row-wise copy becomes a partitioned one
+  Vec<double> oldWeight_;  // scratch by row
   Vec<Real> keptDual_, keptPrimal_;
   Real keptInfeasibility_ = 0;
   Discrepancy seen_;

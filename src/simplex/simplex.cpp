@@ -206,6 +206,21 @@ Vec<double> Simplex::edgeWeights() const {
 void Simplex::setEdgeWeights(const Vec<double> &weights) {
   engine_->visit([&](auto &core) { core.setEdgeWeights(weights); });
 }
+bool Simplex::knowsEdgeWeights() const { return engine_->state().rowWeightsValid; }
+Vec<BasicWeight> Simplex::basicWeights() const {
+  const EngineState &state = engine_->state();
+  Vec<BasicWeight> weights;
+  weights.reserve(state.head.size());
+  for (std::size_t i = 0; i < state.head.size(); ++i)
+    weights.push_back({state.head[i], state.rowWeight[i]});
+  return weights;
+}
+void Simplex::guessEdgeWeights(const Vec<BasicWeight> &weights) {
+  EngineState &state = engine_->state();
+  for (const BasicWeight &w : weights)
+    if (const BasisPos p = state.position[w.var]; p >= 0 && w.weight > 0 && w.weight < kInf)
+      state.rowWeight[p] = w.weight;
+}
 double Simplex::markowitzTol() const { return engine_->state().stability.markowitz(); }
 Scaling Simplex::scaling() const {
   return engine_->visit([](auto &core) {

@@ -21,6 +21,12 @@ class SimplexEngine;
 template <class Real>
 class Engine;
 
+// The steepest-edge weight of a basic variable.
+struct BasicWeight {
+  VarIndex var;
+  double weight;
+};
+
 class Simplex {
  public:
   explicit Simplex(const SimplexOptions &options);
@@ -56,7 +62,13 @@ class Simplex {
   // Dual steepest-edge weights by variable, columns first, in the engine's scale; entries of
   // nonbasic variables mean nothing and come out as 1. Empty: the weights are not known.
   Vec<double> edgeWeights() const;
+  bool knowsEdgeWeights() const;
   void setEdgeWeights(const Vec<double> &weights);
+  // The weights as far as they are known by guess: pivots of the primal simplex leave them as they
+  // are, and a part of the model may be where they come from. Basic variables that are not named
+  // keep theirs.
+  Vec<BasicWeight> basicWeights() const;
+  void guessEdgeWeights(const Vec<BasicWeight> &weights);
 
   // The stability threshold that the last solve has come to; it only grows in a solve.
   double markowitzTol() const;
