@@ -76,6 +76,12 @@ class ErrorKeeper {
   int lastError_;
 };
 
+bool isToEnd(const Env &env) {
+  for (const int which : {0, 1, 2})
+    if (__atomic_load_n(env.stopFlag(which), __ATOMIC_RELAXED) != 0) return true;
+  return false;
+}
+
 }  // namespace
 
 CallbackContext *callbackContext(const Env &env) {
@@ -94,7 +100,12 @@ void setUserCallback(Env &env, TVKcallback callback, void *userData) {
 }
 
 bool invokeCallback(CallbackContext &context, int where) {
-  if (!context.function || context.abortCode != 0) return context.abortCode == 0;
+  const bool aborted = context.abortCode != 0;
+  if (!context.function || (aborted && where != TVK_CB_MESSAGE)) return !aborted;
+  // A solve that is to end tells its solutions and what it logs, nothing else.
+  if (where != TVK_CB_MESSAGE && where != TVK_CB_MIPSOL && context.model &&
+      isToEnd(context.model->env()))
+    return true;
   // A callback from within what a callback has called would see a state of its own.
   if (context.where != CallbackContext::kNowhere) return true;
   if (where == TVK_CB_POLLING && wallSeconds() - context.lastCall < kPollingSeconds) return true;
@@ -111,6 +122,7 @@ bool invokeCallback(CallbackContext &context, int where) {
   ++context.calls;
   context.lastCall = wallSeconds();
   context.seconds += context.lastCall - begin;
+  if (aborted) return false;
   if (answer == 0 || !model) return true;
   context.abortCode = answer;
   model->env().requestTermination();

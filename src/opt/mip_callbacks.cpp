@@ -2,9 +2,15 @@
 
 #include <functional>
 
+#include "mip/mip_options.h"
+
 namespace tarvik {
 
 namespace {
+
+// What the search sets its share and its frequency to.
+constexpr double kImproveHeuristics = 0.5;
+constexpr int kImproveRins = 10;
 
 int statusOf(const ObservedNode &node) {
   switch (node.status) {
@@ -24,7 +30,19 @@ int statusOf(const ObservedNode &node) {
 
 }  // namespace
 
+void MipCallbacks::showImproveStart() {
+  if (improving_) return;
+  improving_ = true;
+  params_.set(Dbl::Heuristics, kImproveHeuristics);
+  params_.set(Int::RINS, kImproveRins);
+  params_.set(Int::MIPFocus, kImproveFocus);
+  params_.set(Dbl::ImproveStartTime, kUserInf);
+  params_.set(Dbl::ImproveStartGap, 0);
+  params_.set(Dbl::ImproveStartNodes, kUserInf);
+}
+
 void MipCallbacks::invoke(int where, const MipProgress &progress, MipCallbackValues &values) {
+  if (progress.phase == MipPhase::Improving) showImproveStart();
   values.bestObjective = progress.incumbent;
   values.bestBound = progress.bound;
   values.explored = progress.explored;

@@ -77,8 +77,13 @@ bool isLimit(MipStatus status) {
 
 class MipRun {
  public:
-  MipRun(Model &model, SolveControl &control)
-      : model_(model), env_(model.env()), store_(model.solution()), control_(control) {}
+  // What the search changes about parameters is to be undone by params.
+  MipRun(Model &model, SolveControl &control, ParamScope &params)
+      : model_(model),
+        env_(model.env()),
+        store_(model.solution()),
+        control_(control),
+        params_(params) {}
 
   void run() {
     store_.clearResults();
@@ -112,7 +117,7 @@ class MipRun {
     control_.limits.iterationLimit = kUserInf;
     std::unique_ptr<KeptSearch> search = takeKept();
     std::optional<MipCallbacks> callbacks;
-    if (control_.progress) callbacks.emplace(*callbackContext(env_), *control_.progress);
+    if (control_.progress) callbacks.emplace(*callbackContext(env_), *control_.progress, params_);
     MipObserver *observer = callbacks ? &*callbacks : nullptr;
     MipOutcome outcome;
     if (search && search->solve().canGoOn(options)) {
@@ -225,6 +230,7 @@ class MipRun {
   Env &env_;
   SolutionStore &store_;
   SolveControl &control_;
+  ParamScope &params_;
 };
 
 }  // namespace
@@ -232,7 +238,7 @@ class MipRun {
 void solveMipModel(Model &model, SolveControl &control) {
   ParamScope params(model.env());
   params.set(Int::TARV_PAR_NLTARGET, -1);
-  MipRun(model, control).run();
+  MipRun(model, control, params).run();
 }
 
 }  // namespace tarvik

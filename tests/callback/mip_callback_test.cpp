@@ -18,6 +18,8 @@ struct Seen : tarvik::test::SeenMessages {
   int badPoints = 0, badOrder = 0;
   double nodes = 0;
   int target = 77;
+  double share = -1;
+  int terminateAt = -1;
 };
 
 double get(void *cbdata, int where, int what) {
@@ -62,6 +64,7 @@ void lookAtNode(void *cbdata, int where, Seen &seen) {
 int watch(TVKmodel *model, void *cbdata, int where, void *usrdata) {
   Seen &seen = *static_cast<Seen *>(usrdata);
   ++seen.count[where];
+  if (where == seen.terminateAt) TVKterminate(model);
   double number = 0;
   switch (where) {
     case TVK_CB_MIP: {
@@ -71,6 +74,7 @@ int watch(TVKmodel *model, void *cbdata, int where, void *usrdata) {
       EXPECT_GE(get(cbdata, where, TVK_CB_MIP_PROGRESSTIME), 0);
       EXPECT_LE(getInt(cbdata, where, TVK_CB_MIP_PHASE), 2);
       EXPECT_EQ(TVKgetintparam(TVKgetenv(model), "TARV_PAR_NLTARGET", &seen.target), 0);
+      EXPECT_EQ(TVKgetdblparam(TVKgetenv(model), "Heuristics", &seen.share), 0);
       EXPECT_EQ(getInt(cbdata, where, TVK_CB_MIP_OPENSCENARIOS), 0);
       EXPECT_EQ(TVKcbget(cbdata, where, TVK_CB_MIPSOL_OBJ, &number), TVK_ERROR_CALLBACK);
       break;
@@ -153,6 +157,30 @@ TEST_F(MipCallback, ParametersOfTheSearchAreRestored) {
   }
 }
 
+TEST_F(MipCallback, SeesWhatTheImproveStartChanges) {
+  TVKenv *env = TVKgetenv(model_);
+  ASSERT_EQ(TVKsetdblparam(env, "ImproveStartNodes", 0), 0);
+  ASSERT_EQ(TVKoptimize(model_), 0);
+  EXPECT_EQ(seen_.share, 0.5);
+  double share = -1, nodes = -1;
+  EXPECT_EQ(TVKgetdblparam(env, "Heuristics", &share), 0);
+  EXPECT_EQ(TVKgetdblparam(env, "ImproveStartNodes", &nodes), 0);
+  EXPECT_EQ(share, 0.05);
+  EXPECT_EQ(nodes, 0);
+}
+
+TEST_F(MipCallback, HearsOnlySolutionsAndMessagesAfterTermination) {
+  for (const int where : {TVK_CB_SIMPLEX, TVK_CB_MIP, TVK_CB_MIPNODE}) {
+    seen_ = Seen();
+    seen_.terminateAt = where;
+    ASSERT_EQ(TVKreset(model_, 0), 0);
+    EXPECT_EQ(TVKoptimize(model_), 0);
+    EXPECT_EQ(intAttr("Status"), TVK_INTERRUPTED) << where;
+    EXPECT_EQ(seen_.count[where], 1) << where;
+    EXPECT_NE(seen_.text.find("Solve interrupted\n"), std::string::npos) << seen_.text;
+  }
+}
+
 TEST_F(MipCallback, ItsAnswerEndsTheSearch) {
   for (const int where :
        {TVK_CB_PRESOLVE, TVK_CB_SIMPLEX, TVK_CB_MIP, TVK_CB_MIPSOL, TVK_CB_MIPNODE}) {
@@ -164,6 +192,7 @@ TEST_F(MipCallback, ItsAnswerEndsTheSearch) {
     EXPECT_EQ(intAttr("Status"), TVK_INTERRUPTED) << where;
     EXPECT_EQ(seen_.count[where], 1) << where;
     EXPECT_NE(log_.find("Solve interrupted (error code 4711)\n"), std::string::npos) << log_;
+    EXPECT_NE(seen_.text.find("Solve interrupted (error code 4711)\n"), std::string::npos);
   }
   // The next one knows nothing of it.
   seen_ = Seen();
