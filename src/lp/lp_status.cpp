@@ -28,6 +28,7 @@ int statusCode(LpStatus status) {
     case LpStatus::Callback:
       return TVK_INTERRUPTED;
     case LpStatus::NotSolved:
+      return TVK_LOADED;
     case LpStatus::Numeric:
       break;
   }

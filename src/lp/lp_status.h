@@ -5,7 +5,7 @@
 
 namespace tarvik {
 
-// A TVK_... status code; what was never solved counts as numerical trouble.
+// A TVK_... status code.
 int statusCode(LpStatus status);
 
 }  // namespace tarvik

@@ -46,6 +46,10 @@ TEST(FeasibilityPump, CountsItsPasses) {
   EXPECT_EQ(f.lines.text, "");
   heurFeasPump(context, 7);
   EXPECT_EQ(f.lines.text, "Feasibility pump: no solution found in 7 passes\n");
+  f.lines.text.clear();
+  HeuristicContext exhausted = f.context(0);
+  heurFeasPump(exhausted, 7);
+  EXPECT_EQ(f.lines.text, "Feasibility pump: no solution found in 0 passes\n");
 }
 
 TEST(FeasibilityPump, SkipsModelsWithSets) {
@@ -88,6 +92,15 @@ TEST(MinRel, FindsASolutionOrProvesThatThereIsNone) {
   HeuristicContext second = infeasible.context();
   EXPECT_TRUE(heurMinRel(second, 500, true).infeasible);
   EXPECT_TRUE(infeasible.lines.says("Model proven infeasible by MinRel heuristic\n"));
+}
+
+TEST(MinRel, BlamesNoTolerancesForAWorseSolution) {
+  Recorded f(makeModel({1}, {4}, {{1, {{0, 1}}, kInf}}));
+  ASSERT_TRUE(f.sink.submit({1}, SolutionSource::Node));
+  HeuristicContext context = f.context();
+  heurMinRel(context, 500, true);
+  heurZeroObj(context, {});
+  EXPECT_FALSE(f.lines.says("did not satisfy tolerances")) << f.lines.text;
 }
 
 TEST(MinRel, JudgesTheBoundOfTheViolation) {

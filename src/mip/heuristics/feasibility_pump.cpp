@@ -179,8 +179,9 @@ bool FeasibilityPump::complete() {
 
 void FeasibilityPump::run(int passes) {
   LpScope scope(context_);
-  int pass = 1;
-  for (; pass <= passes && !isExhausted(context_); ++pass) {
+  int done = 0;
+  while (done < passes && !isExhausted(context_)) {
+    const int pass = ++done;
     const Vec<double> previous(rounded_);
     const double violation = round(rounded_);
     least_ = std::min(least_, violation);
@@ -200,7 +201,7 @@ void FeasibilityPump::run(int passes) {
     if (project(scope) != LpStatus::Optimal) break;
     x_ = context_.lp->x();
   }
-  log_.lines().print("Feasibility pump: no solution found in %d passes\n", std::min(pass, passes));
+  log_.lines().print("Feasibility pump: no solution found in %d passes\n", done);
 }
 
 }  // namespace

@@ -41,6 +41,7 @@ HeurResult heurMinRel(HeuristicContext &context, int nodes, bool limitWork) {
   options.mipGap = 0;
   options.mipGapAbs = 0;
   sub.limitWork(limitWork);
+  if (!limitWork) options.threads = context.options->threads;
   sub.useOriginalBounds();
   const auto whenFound = sub.onSolution;
   sub.onSolution = [&](const MipSolution &solution) {
@@ -61,7 +62,10 @@ HeurResult heurMinRel(HeuristicContext &context, int nodes, bool limitWork) {
   } else if (!found) {
     log.lines().print("No solution found by MinRel heuristic\n");
   } else if (sub.accepted() == 0) {
-    log.lines().print("Solution found by MinRel heuristic did not satisfy tolerances\n");
+    // Else it is only no better than what is known or asked for.
+    const Problem &problem = *context.problem;
+    if (problem.violation(outcome.solutions.front().x) > problem.tolerances().primal)
+      log.lines().print("Solution found by MinRel heuristic did not satisfy tolerances\n");
   } else {
     result.objective = context.sink->incumbentObjective();
     // Lazy constraints may still refuse it.

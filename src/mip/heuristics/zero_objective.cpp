@@ -21,7 +21,7 @@ void addSlackColumns(MipModel &model, double cost) {
   }
 }
 
-void setUp(SubMip &sub, const ZeroObjCall &call) {
+void setUp(SubMip &sub, const ZeroObjCall &call, int threads) {
   MipModel &model = sub.model();
   std::fill(model.lp.cost.begin(), model.lp.cost.end(), 0.0);
   model.lp.offset = 0;
@@ -36,6 +36,7 @@ void setUp(SubMip &sub, const ZeroObjCall &call) {
   options.degenMoves = 0;
   options.cuts.passes = kCutPasses;
   sub.limitWork(call.limitWork);
+  if (!call.limitWork) options.threads = threads;
   sub.useOriginalBounds();
 }
 
@@ -46,7 +47,7 @@ HeurResult heurZeroObj(HeuristicContext &context, const ZeroObjCall &call) {
   log.lines().print("Exploring %d nodes in zero objective heuristic\n",
                     static_cast<int>(std::min(call.nodeLimit, 2e9)));
   SubMip sub(context, SolutionSource::ZeroObjective);
-  setUp(sub, call);
+  setUp(sub, call, context.options->threads);
   sub.onNode = [&](const MipProgress &progress) {
     if (log.due())
       log.lines().print("ZeroObj: %.0f nodes explored, total elapsed time %.0fs\n",
@@ -60,7 +61,10 @@ HeurResult heurZeroObj(HeuristicContext &context, const ZeroObjCall &call) {
   } else if (outcome.solutions.empty()) {
     log.lines().print("No solution found by zero objective heuristic\n");
   } else if (sub.accepted() == 0) {
-    log.lines().print("Solution found by zero-objective heuristic did not satisfy tolerances\n");
+    // Else it is only no better than what is known or asked for.
+    const Problem &problem = *context.problem;
+    if (problem.violation(outcome.solutions.front().x) > problem.tolerances().primal)
+      log.lines().print("Solution found by zero-objective heuristic did not satisfy tolerances\n");
   } else {
     result.objective = context.sink->incumbentObjective();
     log.lines().print("Feasible solution found by zero objective heuristic at node %.0f\n",
