@@ -113,6 +113,8 @@ bool invokeCallback(CallbackContext &context, int where) {
     context.progressTime = context.control->limits.seconds();
   const ErrorKeeper keeper(*context.env);
   Model *model = context.model;
+  // Not before: the call may begin with changes that are still pending.
+  if (model) context.objSense = model->data().objSense;
   const double begin = wallSeconds();
   context.where = where;
   if (model) model->insideCallback = true;

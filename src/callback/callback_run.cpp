@@ -5,7 +5,6 @@ namespace tarvik {
 CallbackRun::CallbackRun(Model &model) : model_(model), context_(callbackContext(model.env())) {
   if (!context_) return;
   context_->model = static_cast<TVKmodel *>(&model);
-  context_->objSense = model.data().objSense;
   context_->abortCode = 0;
   context_->calls = context_->seconds = context_->progressTime = 0;
 }
