@@ -3,6 +3,7 @@
 #include <string>
 
 #include "model/data_edit.h"
+#include "model/growth.h"
 #include "model/model.h"
 #include "model/validate.h"
 
@@ -123,8 +124,8 @@ ModelData buildData(Env &env, ModelInput &input, bool warn) {
   data.name = std::move(input.name);
   data.a = std::move(input.a);
   // Readers do not know the size beforehand.
-  data.a.index.shrink_to_fit();
-  data.a.value.shrink_to_fit();
+  trim(data.a.index);
+  trim(data.a.value);
   data.obj = std::move(input.obj);
   data.lb = std::move(input.lb);
   data.ub = std::move(input.ub);

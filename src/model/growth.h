@@ -23,4 +23,15 @@ void makeRoomFor(Vec<T> &vector, std::size_t size) {
   if (size > vector.size()) makeRoom(vector, size - vector.size());
 }
 
+// Gives back what a vector has reserved beyond some room for later additions.
+template <class T>
+void trim(Vec<T> &vector) {
+  const std::size_t wanted = vector.size() + vector.size() / 32;
+  if (vector.capacity() <= wanted) return;
+  Vec<T> trimmed;
+  trimmed.reserve(wanted);
+  trimmed.assign(vector.begin(), vector.end());
+  vector.swap(trimmed);
+}
+
 }  // namespace tarvik

@@ -9,6 +9,9 @@ namespace tarvik {
 
 namespace {
 
+// A share of the entries, as room for more of them.
+constexpr std::size_t kRowRoom = 32;
+
 bool rowIsImpossible(char sense, double rhs) {
   if (sense == TVK_LESS_EQUAL) return rhs <= -kInfBound;
   if (sense == TVK_GREATER_EQUAL) return rhs >= kInfBound;
@@ -45,6 +48,10 @@ LpModel lpFromModel(const ModelData &data, const BoundRules &rules) {
   LpModel lp;
   lp.numRows = data.numConstrs();
   lp.numCols = data.numVars();
+  // Room for rows to come, which a re-solve takes over without another block of this size.
+  const std::size_t room = data.a.index.size() + data.a.index.size() / kRowRoom;
+  lp.a.index.reserve(room);
+  lp.a.value.reserve(room);
   lp.a = data.a;
   lp.cost = data.obj;
   lp.offset = data.objCon;
