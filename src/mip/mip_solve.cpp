@@ -50,6 +50,7 @@ class MipSolve::Space : public UserSpace {
       else
         return false;
     }
+    for (double &value : point) value += 0.0;  // zeros have no sign for callers
     objective = problem_.objective(point);
     return true;
   }

@@ -15,6 +15,8 @@ constexpr double kSparseShare = 0.9;
 // A violation that is told to the caller.
 constexpr double kToldViolation = 1e-5;
 constexpr double kTellingDifference = 1e-5;
+// A relative gain below it is rounding.
+constexpr double kGain = 1e-9;
 
 bool isGiven(double value) { return value < kUndefined; }
 
@@ -79,7 +81,7 @@ void MipStarts::warnOfSparseStart(const Vec<double> &x, int id) {
 }
 
 // Defaults but for what keeps the answer right and what limits it.
-MipOptions MipStarts::completionOptions() const {
+MipOptions MipStarts::completionOptions(bool zeroObjective) const {
   MipOptions options;
   options.tolerances = options_.tolerances;
   options.simplex = options_.simplex;
@@ -88,7 +90,7 @@ MipOptions MipStarts::completionOptions() const {
   options.presolve.level = -1;
   options.presolve.logging = false;
   options.subMip = true;
-  options.cutoff = options_.zeroObjStart ? kUserInf : target_.cutoff();
+  options.cutoff = zeroObjective ? kUserInf : target_.cutoff();
   options.nodeLimit = options_.startNodeLimit >= 0 ? options_.startNodeLimit : options_.subMipNodes;
   options.threads = options_.threads;
   options.displayInterval = options_.displayInterval;
@@ -111,7 +113,8 @@ bool MipStarts::searchAround(const Vec<double> &given, int id, double &objective
                              MipStatus &status) {
   const std::string name = nameOf(id);
   MipModel fixed = problem_.model();
-  if (options_.zeroObjStart) std::fill(fixed.lp.cost.begin(), fixed.lp.cost.end(), 0.0);
+  const bool zeroObjective = options_.zeroObjStart && id != kPreviousSolve;
+  if (zeroObjective) std::fill(fixed.lp.cost.begin(), fixed.lp.cost.end(), 0.0);
   status = MipStatus::Infeasible;
   for (int j = 0; j < problem_.numCols(); ++j) {
     if (!isGiven(given[j])) continue;
@@ -131,7 +134,7 @@ bool MipStarts::searchAround(const Vec<double> &given, int id, double &objective
                           options_.objSense * objective + 0.0, control_.limits.seconds());
   };
   if (id != kPreviousSolve) watch.whenExplored = [&](double nodes) { reportProgress(name, nodes); };
-  MipSolve solve(fixed, completionOptions(), control_);
+  MipSolve solve(fixed, completionOptions(zeroObjective), control_);
   solve.observer = &watch;
   status = solve.run().status;
   return accepted;
@@ -195,14 +198,18 @@ bool MipStarts::recomputeContinuous(Vec<double> x, double &objective) {
 }
 
 // Continuous values are kept where that is asked for, or where computing them takes long and is
-// likely to change little; new ones are the best there are.
+// likely to change little. New ones may be worse when a limit stops their computation: then the
+// kept ones serve.
 bool MipStarts::takePrevious(const MipStart &start, const Vec<double> &x, double &objective) {
   const int limit = options_.startNodeLimit;
   const bool keeps = limit == kKeepContinuous || (limit == kAutomatic && start.mostlyUnchanged);
   const bool complete = std::all_of(x.begin(), x.end(), isGiven);
   if (keeps && complete && target_.accept(x, objective)) return true;
-  if (limit != kKeepContinuous && recomputeContinuous(x, objective)) return true;
-  return !keeps && complete && target_.accept(x, objective);
+  const bool recomputed = limit != kKeepContinuous && recomputeContinuous(x, objective);
+  if (keeps || !complete) return recomputed;
+  const double cutoff = target_.cutoff();
+  const bool better = problem_.objective(x) < cutoff - kGain * std::max(1.0, std::fabs(cutoff));
+  return (better && target_.accept(x, objective)) || recomputed;
 }
 
 // Names the worst violated constraint of a start that is complete.

@@ -51,7 +51,7 @@ class MipStarts {
   bool recomputeContinuous(Vec<double> x, double &objective);
   bool searchAround(const Vec<double> &given, int id, double &objective, MipStatus &status);
   Vec<double> consistentPart(const Vec<double> &x);
-  MipOptions completionOptions() const;
+  MipOptions completionOptions(bool zeroObjective) const;
   void reportProgress(const std::string &name, double nodes);
   void reportViolation(const Vec<double> &x, const char *name) const;
   void warnOfSparseStart(const Vec<double> &x, int id);

@@ -321,10 +321,11 @@ LpOutcome LpDriver::settle(LpSolution &&solution) {
   return outcome;
 }
 
-// The solution may be proven already while its basis only leads to an optimal one: then what a
-// limit stops, or what is not proven, does not replace it.
+// The solution may be proven already while its basis only leads to an optimal one: then one step
+// is made, and nothing but another proven optimum replaces it.
 LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
   const double iterationsBefore = iterations_;
+  const bool wasExtended = extended_;
   options_.simplex.quickVerdicts = false;
   LpOutcome best;
   best.solution = std::move(doubtful);
@@ -352,14 +353,16 @@ LpOutcome LpDriver::repair(LpSolution &&doubtful, const Verdict &verdict) {
     method = repairMethod(next, lastVerdict);
     const bool stopped = isStop(next.status);
     if (!next.basis.empty()) lastBasis = next.basis;
-    const bool better = stopped
-                            ? !bestVerdict.nearlyProven
-                            : !bestVerdict.proven && lastVerdict.violation < bestVerdict.violation;
-    if (better || (lastVerdict.proven && !stopped)) {
+    const bool optimal = lastVerdict.proven && next.status == LpStatus::Optimal;
+    const bool better =
+        stopped ? !bestVerdict.nearlyProven : lastVerdict.violation < bestVerdict.violation;
+    if (verdict.proven ? optimal : better || (lastVerdict.proven && !stopped)) {
       best.solution = std::move(next);
       bestVerdict = lastVerdict;
+    } else if (verdict.proven) {
+      extended_ = wasExtended;
     }
-    if (stopped || lastVerdict.proven) break;
+    if (stopped || lastVerdict.proven || verdict.proven) break;
   }
   if (presolved_ && iterations_ > iterationsBefore)
     control_.log->print("Extra simplex iterations after uncrush: %.0f\n",

@@ -27,7 +27,8 @@ class WarmEngine {
   Simplex &openFresh(const LpModel &lp, const SimplexOptions &options);
   // The loaded engine, or null.
   Simplex *get() { return engine_ ? &*engine_ : nullptr; }
-  // Loading the model with a basis begins from it. Vectors may be shorter than the model by then.
+  // Loading the model with a basis begins from it. The columns are the same then; rows may have
+  // been appended.
   void learn(PartialKnowledge known) { known_ = std::move(known); }
   void drop();
 

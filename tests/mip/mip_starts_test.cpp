@@ -14,6 +14,7 @@ class Starts : public testing::Test {
     SolveControl control;
     control.log = &log_;
     control.limits.start();
+    control.limits.workLimit = workLimit_;
     options_.simplex.logging = options_.presolve.logging = false;
     MipSolve solve(model, options_, control);
     for (MipStart &start : starts) solve.addStart(std::move(start));
@@ -24,6 +25,7 @@ class Starts : public testing::Test {
 
   RecordedLog log_;
   MipOptions options_;
+  double workLimit_ = 1e100;
 };
 
 constexpr double kNone = kUndefined;
@@ -91,6 +93,24 @@ TEST_F(Starts, WhatThePreviousSolveLeftIsNeverSearchedFor) {
   options_.startNodeLimit = -1;
   solve(covering(), {{kPreviousSolve, {1, 2, 2}, true}});
   EXPECT_EQ(said(), "\nLoaded MIP start from previous solve with objective 6\n\n");
+  // Its continuous values are computed for the objective, whatever searches are made for.
+  options_.zeroObjStart = true;
+  solve(covering(), {{kPreviousSolve, {1, 2, 2}}});
+  EXPECT_EQ(said(), "\nLoaded MIP start from previous solve with objective 5.5\n\n");
+}
+
+TEST_F(Starts, NoLimitLosesWhatThePreviousSolveLeft) {
+  Random random(5);
+  MipModel model = randomPacking(120, 40, random);
+  for (int j = 8; j < 120; ++j) model.kind[j] = VarKind::Continuous;
+  const MipOutcome first = solve(model, {});
+  ASSERT_EQ(first.status, MipStatus::Optimal);
+  const MipSolution &best = first.solutions.front();
+  for (workLimit_ = 1e-5; workLimit_ < 0.1; workLimit_ *= 1.2) {
+    const MipOutcome next = solve(model, {{kPreviousSolve, best.x}});
+    ASSERT_FALSE(next.solutions.empty()) << workLimit_;
+    EXPECT_LE(next.solutions.front().objective, best.objective + 1e-6) << workLimit_;
+  }
 }
 
 TEST_F(Starts, SemiContinuousValuesLeaveTheHole) {
