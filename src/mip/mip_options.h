@@ -18,8 +18,11 @@ struct CutSettings {
   int passes = -1;  // rounds at the root; -1 automatic
 };
 
-// A value of MipOptions::focus from within: the search works on improving its incumbent.
+// What the search sets from within to work on improving its incumbent; the first is a value of
+// MipOptions::focus.
 inline constexpr int kImproveFocus = 4;
+inline constexpr double kImproveHeuristics = 0.5;
+inline constexpr int kImproveRins = 10;
 
 // Rewriting of ordered sets of type 1 and 2 with binaries.
 struct SosBigMOptions {

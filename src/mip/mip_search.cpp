@@ -275,8 +275,8 @@ void MipSearch::focusOnImproving() {
     control_.log->print(
         "\nResetting heuristic parameters to focus on improving solution\n"
         "(using Heuristics=0.5 and RINS=10)...\n\n");
-  options_.heuristics = 0.5;
-  options_.rins = 10;
+  options_.heuristics = kImproveHeuristics;
+  options_.rins = kImproveRins;
   options_.focus = kImproveFocus;
   options_.improveStartTime = options_.improveStartNodes = kUserInf;
   options_.improveStartGap = 0;

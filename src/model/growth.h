@@ -23,10 +23,13 @@ void makeRoomFor(Vec<T> &vector, std::size_t size) {
   if (size > vector.size()) makeRoom(vector, size - vector.size());
 }
 
-// Gives back what a vector has reserved beyond some room for later additions.
+// A size with some room for later additions.
+inline std::size_t withRoom(std::size_t size) { return size + size / 32; }
+
+// Gives back what a vector has reserved beyond such room.
 template <class T>
 void trim(Vec<T> &vector) {
-  const std::size_t wanted = vector.size() + vector.size() / 32;
+  const std::size_t wanted = withRoom(vector.size());
   if (vector.capacity() <= wanted) return;
   Vec<T> trimmed;
   trimmed.reserve(wanted);

@@ -3,14 +3,12 @@
 #include <utility>
 
 #include "base/error.h"
+#include "model/growth.h"
 #include "tarvik.h"
 
 namespace tarvik {
 
 namespace {
-
-// A share of the entries, as room for more of them.
-constexpr std::size_t kRowRoom = 32;
 
 bool rowIsImpossible(char sense, double rhs) {
   if (sense == TVK_LESS_EQUAL) return rhs <= -kInfBound;
@@ -49,9 +47,8 @@ LpModel lpFromModel(const ModelData &data, const BoundRules &rules) {
   lp.numRows = data.numConstrs();
   lp.numCols = data.numVars();
   // Room for rows to come, which a re-solve takes over without another block of this size.
-  const std::size_t room = data.a.index.size() + data.a.index.size() / kRowRoom;
-  lp.a.index.reserve(room);
-  lp.a.value.reserve(room);
+  lp.a.index.reserve(withRoom(data.a.index.size()));
+  lp.a.value.reserve(withRoom(data.a.value.size()));
   lp.a = data.a;
   lp.cost = data.obj;
   lp.offset = data.objCon;

@@ -8,10 +8,6 @@ namespace tarvik {
 
 namespace {
 
-// What the search sets its share and its frequency to.
-constexpr double kImproveHeuristics = 0.5;
-constexpr int kImproveRins = 10;
-
 int statusOf(const ObservedNode &node) {
   switch (node.status) {
     case ObservedNode::Optimal:
