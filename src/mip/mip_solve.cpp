@@ -225,7 +225,9 @@ MipStatus MipSolve::restart() {
 
 MipOutcome MipSolve::finish(MipStatus status) {
   MipOutcome outcome;
-  outcome.status = status == MipStatus::Unbounded ? resolveUnbounded() : status;
+  // A tree is only entered through holes and sets: its unbounded node has a point.
+  const bool atRoot = problem_->model().sos.empty() && problem_->semis().empty();
+  outcome.status = status == MipStatus::Unbounded && atRoot ? resolveUnbounded() : status;
   outcome.bound = search_->bestBound();
   outcome.explored = search_->explored();
   outcome.unexplored = search_->unexplored();
@@ -248,22 +250,11 @@ MipOutcome MipSolve::goOn(const MipOptions &options) {
   return finish(search_->goOn(options_));
 }
 
-// An unbounded relaxation: of rational data, any integral point makes the problem unbounded too.
-// With holes and sets, those that presolve left, the ray may not be one of the problem.
+// Whether the problem has a point at all. Any makes it unbounded where its relaxation is.
 MipStatus MipSolve::resolveUnbounded() {
-  MipModel feasibility = model_;
-  std::fill(feasibility.lp.cost.begin(), feasibility.lp.cost.end(), 0.0);
-  MipOptions options = options_;
-  options.subMip = true;
-  options.simplex.logging = false;
-  options.cutoff = kUserInf;
-  options.solutionLimit = 1;
-  const MipOutcome outcome = MipSolve(feasibility, options, control_).run();
+  const MipOutcome outcome = findAnyPoint(model_, options_, control_);
   if (outcome.status == MipStatus::Infeasible) return MipStatus::Infeasible;
-  const bool decided =
-      (problem_->model().sos.empty() && problem_->semis().empty()) || problem_->numIntegral() == 0;
-  return decided && !outcome.solutions.empty() ? MipStatus::Unbounded
-                                               : MipStatus::InfeasibleOrUnbounded;
+  return outcome.solutions.empty() ? MipStatus::InfeasibleOrUnbounded : MipStatus::Unbounded;
 }
 
 void MipSolve::processStarts() {
@@ -309,6 +300,21 @@ MipOutcome MipSolve::run() {
   MipStatus status = search_->run();
   while (status == MipStatus::Restart) status = restart();
   return finish(status);
+}
+
+MipOutcome findAnyPoint(const MipModel &model, const MipOptions &options, SolveControl &control) {
+  MipModel feasibility = model;
+  std::fill(feasibility.lp.cost.begin(), feasibility.lp.cost.end(), 0.0);
+  MipOptions any = options;
+  any.subMip = true;
+  any.threads = 1;
+  any.simplex.logging = any.presolve.logging = false;
+  any.cutoff = any.bestBdStop = any.nodeLimit = kUserInf;
+  any.improveStartGap = 0;
+  any.improveStartTime = any.improveStartNodes = kUserInf;
+  any.solutionLimit = 1;
+  any.poolSearchMode = 0;
+  return MipSolve(feasibility, any, control).run();
 }
 
 }  // namespace tarvik

@@ -74,4 +74,9 @@ class MipSolve {
   Vec<MipStart> starts_;
 };
 
+// Any point of the model, whatever it costs. Without one the status tells whether there is none
+// (Infeasible) or what stopped the search. An integral point in an unbounded relaxation of rational
+// data makes the problem unbounded (R. R. Meyer 1974).
+MipOutcome findAnyPoint(const MipModel &model, const MipOptions &options, SolveControl &control);
+
 }  // namespace tarvik

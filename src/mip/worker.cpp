@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "mip/mip_solve.h"
 #include "mip/sos_propagator.h"
 
 namespace tarvik {
@@ -188,6 +189,24 @@ NodeOutcome Worker::outcomeOf(LpStatus status) const {
   return status == LpStatus::Cutoff ? NodeOutcome::Cutoff : NodeOutcome::Infeasible;
 }
 
+// An unbounded relaxation with all holes and sets decided: integrality may still leave no point.
+void Worker::lookForPoint(NodeResult &result) {
+  MipModel model = problem_.model();
+  model.lp.colLower = domain_.lower();
+  model.lp.colUpper = domain_.upper();
+  for (VarKind &kind : model.kind)
+    if (isSemi(kind)) kind = isIntegral(kind) ? VarKind::Integer : VarKind::Continuous;
+  const MipOutcome outcome = findAnyPoint(model, options_, control_);
+  if (!outcome.solutions.empty())
+    result.unbounded = true;
+  else if (outcome.status == MipStatus::Infeasible)
+    result.outcome = NodeOutcome::Infeasible;
+  else if (outcome.status == MipStatus::Suboptimal || outcome.status == MipStatus::Numeric)
+    result.unsolved = true;
+  else
+    result.stopped = true;
+}
+
 NodeResult Worker::process(Node &node) {
   NodeResult result;
   if (!moveTo(node)) {
@@ -211,7 +230,7 @@ NodeResult Worker::process(Node &node) {
     if (status == LpStatus::Unbounded) {
       result.outcome = NodeOutcome::Unbounded;
       result.branching = brancher_.chooseWithoutPoint(domain_);
-      result.unbounded = result.branching.result != Branching::Split;
+      if (result.branching.result != Branching::Split) lookForPoint(result);
       return result;
     }
     if (status != LpStatus::Optimal) {

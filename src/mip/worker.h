@@ -18,7 +18,7 @@ struct NodeResult {
   int fractional = 0;
   Branching branching;
   bool stopped = false;    // a limit; the node remains open
-  bool unbounded = false;  // with all holes and sets decided
+  bool unbounded = false;  // with all holes and sets decided, and with an integral point
   bool unsolved = false;   // numerical trouble kept it from being solved and from being split
   Vec<double> x;           // the optimum of its relaxation, if points are kept
 };
@@ -78,6 +78,7 @@ class Worker {
   void learnFrom(const Node &node, LpStatus status);
   bool pointIsCutOff() const;
   NodeOutcome outcomeOf(LpStatus status) const;
+  void lookForPoint(NodeResult &result);
 
   const Problem &problem_;
   const MipOptions &options_;

@@ -215,5 +215,36 @@ TEST(BranchSets, SplittingThemFindsTheOptimum) {
   }
 }
 
+// x2 has no bound but the set. Beyond it, the relaxation is unbounded and its row has integral
+// points only if the right-hand side is even.
+TEST(Brancher, UnboundedRelaxationsAreUnboundedOnlyWithIntegralPoints) {
+  for (const bool even : {false, true}) {
+    const double side = even ? 4 : 5;
+    MipModel model = makeModel({1, 1, -1, 1}, {4, 4, kInf, 10},
+                               {{side, {{0, 2}, {1, 2}, {3, 1}}, side}}, {2, 3});
+    model.sos.push_back({1, {2, 3}, {1, 2}});
+    for (const bool semi : {false, true}) {
+      if (semi) {
+        model.kind[2] = VarKind::SemiContinuous;
+        model.holeLower.assign(4, 0);
+        model.holeUpper = {0, 0, 3, 0};
+      }
+      for (const int level : {0, -1}) {
+        for (const int threads : {1, 2}) {
+          MipOptions options;
+          options.presolve.level = level;
+          options.threads = threads;
+          const MipOutcome outcome = solveQuietly(model, options);
+          EXPECT_EQ(outcome.status, even ? MipStatus::Unbounded : MipStatus::Optimal)
+              << semi << level << threads;
+          if (even) continue;
+          ASSERT_FALSE(outcome.solutions.empty());
+          EXPECT_NEAR(outcome.solutions.front().objective, 3, 1e-6);
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace tarvik::test
