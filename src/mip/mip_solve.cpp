@@ -234,8 +234,11 @@ MipOutcome MipSolve::finish(MipStatus status) {
   outcome.iterations = search_->iterations() + space_->iterations();
   outcome.cuts = search_->cutCounters();
   outcome.solutions = space_->solutions();
+  // The root of a restart has bounds that rest on the cutoff.
+  const bool evenWithoutCutoff =
+      presolves_.size() == 1 && search_->rootStatus() == LpStatus::Infeasible;
   outcome.cutOff = outcome.status == MipStatus::Infeasible && outcome.solutions.empty() &&
-                   options_.cutoff < kUserInf && search_->rootStatus() != LpStatus::Infeasible;
+                   options_.cutoff < kUserInf && !evenWithoutCutoff;
   return outcome;
 }
 

@@ -99,9 +99,8 @@ void MipSearch::solveRoot() {
   Domain &domain = worker().domain();
   Relaxation &lp = worker().lp();
   if (!domain.propagate(control_.work)) {
-    infeasible_ = rootDone_ = true;
-    status_ = MipStatus::Infeasible;
     rootStatus_ = LpStatus::Infeasible;
+    close();
     return;
   }
   if (options_.presolveMip && options_.presolve.level != 0) {
@@ -109,9 +108,8 @@ void MipSearch::solveRoot() {
                           kProbingShare * static_cast<double>(problem_.cols().numNz());
     implications_ = ImplicationTable(1000 + 2 * static_cast<std::size_t>(problem_.cols().numNz()));
     if (probeBinaries(domain, control_, budget, &implications_).infeasible) {
-      infeasible_ = rootDone_ = true;
-      status_ = MipStatus::Infeasible;
       rootStatus_ = LpStatus::Infeasible;
+      close();
       return;
     }
   }

@@ -190,6 +190,13 @@ TEST(RandomMip, AgreesWithEnumeration) {
     check(randomMip(seed), randomOptions(seed), seed);
 }
 
+// Long runs found them: an unbounded node without integral points, and a restart that proves the
+// incumbent before it solves a relaxation.
+TEST(RandomMip, RareModelsAgreeWithEnumeration) {
+  for (const std::uint64_t seed : {920498534, 930362279})
+    check(test::StructuredMip(seed).generate(), structuredOptions(seed), seed);
+}
+
 // Models full of what presolve looks for, presolved, mostly without help from cuts.
 TEST(RandomMip, StructuredModelsAgreeWithEnumeration) {
   const char *wanted = std::getenv("TARVIK_RANDOM_MIPS");
