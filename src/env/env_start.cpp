@@ -28,13 +28,11 @@ void openNamedLog(Env &env) {
 }
 
 void limitBlasThreads(EnvState &state) {
-  if (!processVariableIsSet("TVK_BLAS_WORKAROUND_SKIP")) {
-    keepBlasSingleThreaded();
-    if (!processVariableIsSet("VECLIB_MAXIMUM_THREADS")) {
-      setProcessVariable("VECLIB_MAXIMUM_THREADS", "1");
-      state.setVeclibThreads = true;
-    }
-  }
+  if (processVariableIsSet("TVK_BLAS_WORKAROUND_SKIP") ||
+      processVariableIsSet("VECLIB_MAXIMUM_THREADS"))
+    return;
+  setProcessVariable("VECLIB_MAXIMUM_THREADS", "1");
+  state.setVeclibThreads = true;
 }
 
 void readProcessors(EnvState &state) {

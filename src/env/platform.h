@@ -20,8 +20,4 @@ int physicalCoreCount();
 // False when the processor lacks the vector instructions that the kernels are compiled for.
 bool processorSupported();
 
-// Keeps the dense linear algebra library from starting threads of its own: its worker threads
-// would compete with the solver's, and results would depend on their number.
-void keepBlasSingleThreaded();
-
 }  // namespace tarvik

@@ -10,9 +10,6 @@
 
 #include "env/platform.h"
 
-// Present when the dense linear algebra library is one that starts threads of its own.
-extern "C" void openblas_set_num_threads(int) __attribute__((weak));
-
 namespace tarvik {
 
 namespace {
@@ -106,10 +103,6 @@ bool processorSupported() {
 #else
   return true;
 #endif
-}
-
-void keepBlasSingleThreaded() {
-  if (openblas_set_num_threads) openblas_set_num_threads(1);
 }
 
 }  // namespace tarvik

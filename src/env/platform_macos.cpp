@@ -68,8 +68,6 @@ int physicalCoreCount() {
 
 bool processorSupported() { return true; }
 
-void keepBlasSingleThreaded() {}  // VECLIB_MAXIMUM_THREADS does it here
-
 }  // namespace tarvik
 
 #endif

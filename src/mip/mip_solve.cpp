@@ -295,8 +295,10 @@ MipOutcome MipSolve::run() {
   outcome.status = presolve(model_);
   if (outcome.status != MipStatus::Running) {
     outcome.solutions = space_->solutions();
-    if (outcome.status == MipStatus::Infeasible && !outcome.solutions.empty())
+    if (outcome.status == MipStatus::Infeasible && !outcome.solutions.empty()) {
+      outcome.status = MipStatus::Optimal;
       outcome.bound = outcome.solutions.front().objective;
+    }
     return outcome;
   }
   openSearch();

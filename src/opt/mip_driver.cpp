@@ -190,7 +190,6 @@ class MipRun {
       store_.status = TVK_CUTOFF;
       outcome.bound = env_.get(Dbl::Cutoff);
     }
-    if (store_.status == TVK_INFEASIBLE && !outcome.solutions.empty()) store_.status = TVK_OPTIMAL;
     store_.iterCount = outcome.iterations;
     store_.nodeCount = outcome.explored;
     store_.openNodeCount = outcome.unexplored;

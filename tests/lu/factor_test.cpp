@@ -179,7 +179,7 @@ TEST(FactorBasics, ThresholdKeepsTinyPivotsOut) {
 // The dense finish beyond LAPACK's start, where only its pivots may order the rows.
 TYPED_TEST(FactorTest, LargeDenseBlocks) {
   Random random(6);
-  LoadedBasis<TypeParam> loaded(denseBlockBasis(500, 260, random));
+  LoadedBasis<TypeParam> loaded(denseBlockBasis(1040, 1020, random));
   loaded.refactor();
   ASSERT_TRUE(loaded.repair.empty());
   for (const double density : {0.0, 1.0})

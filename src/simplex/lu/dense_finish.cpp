@@ -4,8 +4,7 @@
 #include <cmath>
 #include <type_traits>
 
-extern "C" void dgetrf_(const int *m, const int *n, double *a, const int *lda, int *ipiv,
-                        int *info);
+#include "base/lapack.h"
 
 namespace tarvik::lu {
 
@@ -17,7 +16,7 @@ void DenseFinish<Real>::allocate() {
 template <class Real>
 bool DenseFinish<Real>::useLapack() const {
   return std::is_same_v<Real, double> && static_cast<int>(cols_.size()) >= kLapackMinDim &&
-         rows_.size() >= cols_.size();
+         rows_.size() >= cols_.size() && lapack::getrf() != nullptr;
 }
 
 // False when the matrix is (nearly) singular and the array is spoilt.
@@ -27,7 +26,7 @@ bool DenseFinish<Real>::factorLapack(Real pivotTol) {
     const int numRows = static_cast<int>(rows_.size()), numCols = static_cast<int>(cols_.size());
     int info = 0;
     exchange_.resize(static_cast<std::size_t>(numCols));
-    dgetrf_(&numRows, &numCols, array_.data(), &numRows, exchange_.data(), &info);
+    lapack::getrf()(&numRows, &numCols, array_.data(), &numRows, exchange_.data(), &info);
     if (info != 0) return false;
     pivotCols_.clear();
     dependent_.clear();
