@@ -18,6 +18,8 @@ struct ModelData {
   double objCon = 0;
   std::string name;
   SparseMatrix a;  // by columns
+  // Differs after every change of the matrix but entries that appended rows add.
+  std::int64_t matrixEdition = 0;
   Vec<double> obj, lb, ub;
   Vec<char> vtype;
   Vec<double> rhs;

@@ -122,6 +122,7 @@ void Update::commit() noexcept {
   removeColumns();
   removeRows();
   removeParts();
+  data_.matrixEdition += matrix_.changedOldEntries();
   commitWarmStart();
   countTypes();
   data_.updateWork += matrix_.work();

@@ -62,6 +62,7 @@ std::size_t MatrixUpdate::countInsertions(const SparseMatrix &a) {
 }
 
 void MatrixUpdate::commit(SparseMatrix &a, PendingChanges &p, const Vec<int> &rangeRows) noexcept {
+  changedOldEntries_ = p.cols.count() > 0 || !rangeRows.empty() || !changes_.empty();
   appendColumns(a, p.cols, rangeRows);
   a.numMinor = p.allConstrs();
   if (!p.rows.a.index.empty()) insertRows(a, p.rows, p.baseConstrs);
@@ -169,6 +170,7 @@ void MatrixUpdate::applyColumnChanges(SparseMatrix &a, std::size_t from, std::si
 void MatrixUpdate::removeMarked(SparseMatrix &a, const Vec<char> &dropCol, const Vec<char> &dropRow,
                                 const Vec<int> &newRow, int keptRows) noexcept {
   if (dropCol.empty() && dropRow.empty() && !hasZeros_) return;
+  changedOldEntries_ = true;
   const bool keepAllRows = dropRow.empty();
   NzIndex kept = 0, begin = 0;
   int keptCols = 0;

@@ -19,6 +19,8 @@ class MatrixUpdate {
   void removeMarked(SparseMatrix &a, const Vec<char> &dropCol, const Vec<char> &dropRow,
                     const Vec<int> &newRow, int keptRows) noexcept;
 
+  // Whether more has changed than that rows were appended.
+  bool changedOldEntries() const { return changedOldEntries_; }
   // Entries moved, for the account of update work.
   double work() const { return work_; }
 
@@ -43,6 +45,7 @@ class MatrixUpdate {
   Vec<NzIndex> rowAt_;   // per row: position in the column at hand, -1 absent
   Vec<int> inserted_;    // positions of the changes that become new entries
   bool hasZeros_ = false;
+  bool changedOldEntries_ = false;
   double work_ = 0;
 };
 

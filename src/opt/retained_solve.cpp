@@ -25,6 +25,7 @@ void RetainedSolve::follow(const ModelData &data, const BoundRules &rules) {
     filled_ = false;
     coldIterations_ = 0;
     lp_ = lpFromModel(data, rules_);
+    matrixEdition_ = data.matrixEdition;
     filled_ = true;
     return;
   }
@@ -33,12 +34,15 @@ void RetainedSolve::follow(const ModelData &data, const BoundRules &rules) {
 }
 
 // Whether the data has the columns of lp_, or these with entries of appended rows behind; then
-// added_ gets those entries. Columns between two with added entries are compared as one block.
+// added_ gets those entries. Columns between two with added entries are compared as one block,
+// unless nothing but appended rows can have changed them.
 bool RetainedSolve::sameColumns(const ModelData &data) {
   const SparseMatrix &now = data.a, &then = lp_.a;
   added_.clear();
   if (now.numMajor != then.numMajor || now.numMinor < then.numMinor) return false;
+  const bool sameEdition = data.matrixEdition == matrixEdition_;
   const auto sameEntries = [&](NzIndex inNow, NzIndex inThen, NzIndex count) {
+    if (sameEdition) return true;
     // Bit by bit is stricter than it need be, and fast.
     const std::size_t size = static_cast<std::size_t>(count);
     return std::memcmp(now.index.data() + inNow, then.index.data() + inThen, size * sizeof(int)) ==
@@ -58,7 +62,9 @@ bool RetainedSolve::sameColumns(const ModelData &data) {
     begin = end;
     shift += extra;
   }
-  return sameEntries(begin + shift, begin, then.numNz() - begin);
+  if (!sameEntries(begin + shift, begin, then.numNz() - begin)) return false;
+  matrixEdition_ = data.matrixEdition;
+  return true;
 }
 
 void RetainedSolve::followRows(const ModelData &data) {

@@ -50,7 +50,8 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
   LpModel lp_;
   BoundRules rules_;  // that lp_ was made by
   bool filled_ = false;
-  Vec<Entry> added_;  // entries of rows that the model has and lp_ has not
+  std::int64_t matrixEdition_ = 0;  // of the data that lp_ agrees with
+  Vec<Entry> added_;                // entries of rows that the model has and lp_ has not
   double coldIterations_ = 0;
   WarmEngine engine_;
 };

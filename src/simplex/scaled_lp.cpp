@@ -63,10 +63,7 @@ void ScaledLp<Real>::load(const LpModel &lp, Scaling scaling) {
   cols.numMinor = m;
   cols.start = lp.a.start;
   cols.index = lp.a.index;
-  value.assign(lp.a.value.begin(), lp.a.value.end());
-  for (int j = 0; j < n && scaled; ++j)
-    for (NzIndex k = cols.start[j]; k < cols.start[j + 1]; ++k)
-      value[k] *= Real(colScale[j]) * Real(rowScale[cols.index[k]]);
+  scaleEntries(lp.a, scaled);
   lower.resize(total());
   upper.resize(total());
   cost.assign(total(), Real(0));
@@ -74,6 +71,18 @@ void ScaledLp<Real>::load(const LpModel &lp, Scaling scaling) {
   scaleColBounds(n, lp.colUpper.data(), colScale.data(), upper.data());
   for (int j = 0; j < n; ++j) setCost(j, lp.cost[j]);
   for (int i = 0; i < m; ++i) setRowBounds(i, lp.rowLower[i], lp.rowUpper[i]);
+}
+
+template <class Real>
+void ScaledLp<Real>::scaleEntries(const SparseMatrix &a, bool scaled) {
+  if (!scaled) {
+    value.assign(a.value.begin(), a.value.end());
+    return;
+  }
+  value.resize(a.value.size());
+  for (int j = 0; j < n; ++j)
+    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k)
+      value[k] = Real(a.value[k]) * (Real(colScale[j]) * Real(rowScale[a.index[k]]));
 }
 
 template <class Real>

@@ -20,7 +20,7 @@ class ScaledLp {
  public:
   int m = 0, n = 0;
   SparseMatrix cols;             // pattern by columns; its value array is unused
-  Vec<Real> value;               // scaled values, parallel to cols.index
+  RawVec<Real> value;            // scaled values, parallel to cols.index
   Vec<Real> lower, upper, cost;  // n + m entries
   Vec<double> colScale, rowScale;
   double offset = 0;
@@ -59,6 +59,9 @@ class ScaledLp {
     }
     for (NzIndex k = cols.start[j]; k < cols.start[j + 1]; ++k) f(cols.index[k], value[k]);
   }
+
+ private:
+  void scaleEntries(const SparseMatrix &a, bool scaled);
 };
 
 extern template class ScaledLp<double>;

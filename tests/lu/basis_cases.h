@@ -37,7 +37,7 @@ void permute(BasisCase &basis, Random &random);
 template <class Real>
 struct LoadedBasis {
   BasisCase basis;
-  Vec<Real> values;
+  RawVec<Real> values;
   Factor<Real> factor;
   SingularRepair repair;
   WorkMeter work;

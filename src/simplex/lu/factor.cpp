@@ -18,7 +18,7 @@ using lu::Sweep;
 template <class Real>
 struct Factor<Real>::Impl {
   const SparseMatrix *columns = nullptr;
-  const Vec<Real> *values = nullptr;
+  const RawVec<Real> *values = nullptr;
   int m = 0;
   FactorOptions options;
   FactorStats stats;
@@ -181,7 +181,7 @@ template <class Real>
 Factor<Real> &Factor<Real>::operator=(Factor &&) noexcept = default;
 
 template <class Real>
-void Factor<Real>::setup(const SparseMatrix *columns, const Vec<Real> *values, int m) {
+void Factor<Real>::setup(const SparseMatrix *columns, const RawVec<Real> *values, int m) {
   impl_->columns = columns;
   impl_->values = values;
   impl_->m = m;

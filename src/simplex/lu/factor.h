@@ -55,7 +55,7 @@ class Factor {
   // Sets the dimension and the matrix whose columns make bases; values may change between
   // factorizations. The matrix is read in factor() only and must outlive the object or be set
   // again.
-  void setup(const SparseMatrix *columns, const Vec<Real> *values, int m);
+  void setup(const SparseMatrix *columns, const RawVec<Real> *values, int m);
   FactorOptions &options();
 
   // Factors the basis of the m variables in head and reorders head by pivot rows. Dependent
