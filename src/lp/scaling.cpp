@@ -146,18 +146,27 @@ bool isTrivial(const Vec<double> &factors) {
   return std::all_of(factors.begin(), factors.end(), [](double f) { return f == 0 || f == 1; });
 }
 
-// The factors of the rows without one, from the entries in the columns' scale.
-void completeRows(const SparseMatrix &a, Scaling &scaling) {
+// The factors of the columns without one from the rows that have theirs, and then those of the
+// other rows from the entries in the columns' scale. One pass over the matrix serves both.
+void complete(const SparseMatrix &a, Scaling &scaling) {
   Vec<int> place(scaling.row.size(), -1);
   int missing = 0;
   for (std::size_t i = 0; i < place.size(); ++i)
     if (scaling.row[i] == 0) place[i] = missing++;
-  if (missing == 0) return;
   Vec<Range> ranges(missing);
-  for (int j = 0; j < a.numMajor; ++j)
-    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k)
+  for (int j = 0; j < a.numMajor; ++j) {
+    const NzIndex begin = a.start[j], end = a.start[j + 1];
+    double &factor = scaling.col[j];
+    if (!(factor > 0)) {
+      double largest = 0;
+      for (NzIndex k = begin; k < end; ++k)
+        largest = std::max(largest, std::fabs(a.value[k]) * scaling.row[a.index[k]]);
+      factor = equilibrating(largest);
+    }
+    for (NzIndex k = begin; k < end && missing > 0; ++k)
       if (const int p = place[a.index[k]]; p >= 0 && a.value[k] != 0)
-        ranges[p].add(std::fabs(a.value[k]) * scaling.col[j]);
+        ranges[p].add(std::fabs(a.value[k]) * factor);
+  }
   for (std::size_t i = 0; i < place.size(); ++i)
     if (place[i] >= 0) scaling.row[i] = powerOfTwo(1 / ranges[place[i]].geometricMean());
 }
@@ -169,17 +178,9 @@ Scaling completeScaling(const LpModel &lp, int scaleFlag, Scaling known) {
   // Where the known part was worth it the whole is.
   const bool mayBeWell = scaleFlag < 0 && isTrivial(known.row) && isTrivial(known.col);
   if (mayBeWell && wellScaled(lp.a)) return {};
-  const SparseMatrix &a = lp.a;
   known.row.resize(static_cast<std::size_t>(lp.numRows), 0.0);
   known.col.resize(static_cast<std::size_t>(lp.numCols), 0.0);
-  for (int j = 0; j < lp.numCols; ++j) {
-    if (known.col[j] > 0) continue;
-    Range range;
-    for (NzIndex k = a.start[j]; k < a.start[j + 1]; ++k)
-      range.add(std::fabs(a.value[k]) * known.row[a.index[k]]);
-    known.col[j] = equilibrating(range.max);
-  }
-  completeRows(a, known);
+  complete(lp.a, known);
   return known;
 }
 
