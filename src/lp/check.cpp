@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 #include "base/compensated_sum.h"
 
@@ -65,19 +66,22 @@ ReducedCoef combine(const SparseMatrix &a, int col, const Vec<double> &y) {
   return result;
 }
 
-Vec<CompensatedSum> activities(const LpModel &lp, const Vec<double> &x) {
-  Vec<CompensatedSum> activity(static_cast<std::size_t>(lp.numRows));
-  for (int j = 0; j < lp.numCols; ++j) {
-    if (x[j] == 0) continue;
-    for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
-      activity[lp.a.index[k]].addProduct(lp.a.value[k], x[j]);
-  }
-  return activity;
-}
-
 // Plain sums of so many terms of this total size are off by less than kNegligible.
 bool plainSumSuffices(double size, int terms) {
   return size * terms * std::numeric_limits<double>::epsilon() < kNegligible;
+}
+
+// Sets the activities of listed rows again, by compensated sums; place is the position of a row in
+// the list, or -1.
+void compensate(const LpModel &lp, const Vec<double> &x, const Vec<int> &rows,
+                const Vec<int> &place, Vec<double> &activity) {
+  Vec<CompensatedSum> sums(rows.size());
+  for (int j = 0; j < lp.numCols; ++j) {
+    if (x[j] == 0) continue;
+    for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
+      if (const int p = place[lp.a.index[k]]; p >= 0) sums[p].addProduct(lp.a.value[k], x[j]);
+  }
+  for (std::size_t p = 0; p < rows.size(); ++p) activity[rows[p]] = sums[p].value();
 }
 
 // A x, with compensated sums only where plain ones are not exact enough.
@@ -98,14 +102,15 @@ Vec<double> exactActivities(const LpModel &lp, const Vec<double> &x) {
     }
   }
   Vec<double> activity(lp.numRows);
-  bool exact = true;
-  for (int i = 0; i < lp.numRows && exact; ++i) {
-    exact = plainSumSuffices(plain[i].size, plain[i].terms);
+  Vec<int> inexact, place;
+  for (int i = 0; i < lp.numRows; ++i) {
     activity[i] = plain[i].value;
+    if (plainSumSuffices(plain[i].size, plain[i].terms)) continue;
+    if (place.empty()) place.assign(lp.numRows, -1);
+    place[i] = static_cast<int>(inexact.size());
+    inexact.push_back(i);
   }
-  if (exact) return activity;
-  const Vec<CompensatedSum> sums = activities(lp, x);
-  for (int i = 0; i < lp.numRows; ++i) activity[i] = sums[i].value();
+  if (!inexact.empty()) compensate(lp, x, inexact, place, activity);
   return activity;
 }
 
@@ -251,13 +256,16 @@ double rayImprovement(const LpModel &lp, const Vec<double> &ray, double tol) {
     size += std::fabs(lp.cost[j] * direction[j]);
   }
   if (!(improvement.value() < -tol * size)) return 0;
-  const Vec<CompensatedSum> activity = activities(lp, direction);
+  Vec<int> allRows(lp.numRows);
+  std::iota(allRows.begin(), allRows.end(), 0);
+  Vec<double> activity(lp.numRows);
+  compensate(lp, direction, allRows, allRows, activity);
   Vec<double> terms(static_cast<std::size_t>(lp.numRows), 0.0);
   for (int j = 0; j < lp.numCols; ++j)
     for (NzIndex k = lp.a.start[j]; k < lp.a.start[j + 1]; ++k)
       terms[lp.a.index[k]] += std::fabs(lp.a.value[k] * direction[j]);
   for (int i = 0; i < lp.numRows; ++i) {
-    const double value = activity[i].value();
+    const double value = activity[i];
     if (std::fabs(value) <= tol * std::max(norm, terms[i])) continue;
     if (!isInf(value > 0 ? lp.rowUpper[i] : lp.rowLower[i])) return 0;
   }

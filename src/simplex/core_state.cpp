@@ -38,17 +38,21 @@ void SimplexCore<Real>::setBasis(const Basis &basis, const Vec<double> *values) 
   e.held.clear();
   e.lower = e.lp.lower;
   e.upper = e.lp.upper;
-  for (int j = 0; j < n + m; ++j) {
-    VarStatus status = j < n ? basis.col[j] : basis.row[j - n];
-    if (j >= n && status == VarStatus::AtLower)
-      status = VarStatus::AtUpper;
-    else if (j >= n && status == VarStatus::AtUpper)
-      status = VarStatus::AtLower;
-    e.move[j] = status == VarStatus::AtUpper ? -1 : status == VarStatus::AtLower ? 1 : 0;
-    e.value[j] = values && j < n ? Real((*values)[j]) / e.lp.varScale(j) : Real(0);
+  std::fill(e.value.begin(), e.value.end(), Real(0));
+  for (int j = 0; j < n && values; ++j) e.value[j] = Real((*values)[j]) / e.lp.colScale[j];
+  const auto sideOf = [](VarStatus status) {
+    return (status == VarStatus::AtLower) - (status == VarStatus::AtUpper);
+  };
+  for (int j = 0; j < n; ++j) {
+    e.move[j] = static_cast<signed char>(sideOf(basis.col[j]));
     e.placeNonbasic(j);
-    e.syncActive(j);
   }
+  // Logicals are the negative activities.
+  for (int i = 0; i < m; ++i) {
+    e.move[n + i] = static_cast<signed char>(-sideOf(basis.row[i]));
+    e.placeNonbasic(n + i);
+  }
+  for (int j = 0; j < n; ++j) e.syncActive(j);
   e.placed = true;
   if (sameBasics) {
     e.valuesFollowed = false;
