@@ -1,6 +1,8 @@
 #include "base/sparse_matrix.h"
 
 #include <algorithm>
+#include <cstring>
+#include <numeric>
 
 namespace tarvik {
 
@@ -100,6 +102,33 @@ SparseMatrix transpose(const SparseMatrix &matrix) {
   result.value.resize(static_cast<std::size_t>(matrix.numNz()));
   transposeEntries(matrix, result.start, result.index.data(), result.value.data());
   return result;
+}
+
+// To the right, the last vector first. Neighbours without a gap between them move as one block.
+double openGaps(SparseMatrix &matrix, Vec<NzIndex> &gap) {
+  NzIndex missing = std::accumulate(gap.begin(), gap.end(), NzIndex{0});
+  const NzIndex oldSize = matrix.numNz();
+  matrix.index.resize(static_cast<std::size_t>(oldSize + missing));
+  matrix.value.resize(static_cast<std::size_t>(oldSize + missing));
+  double moved = 0;
+  for (int last = matrix.numMajor - 1; last >= 0 && missing > 0;) {
+    int first = last;
+    while (first > 0 && gap[first - 1] == 0) --first;
+    const NzIndex begin = matrix.start[first], end = matrix.start[last + 1];
+    const NzIndex shift = missing - gap[last];
+    const std::size_t size = static_cast<std::size_t>(end - begin);
+    if (shift > 0 && size > 0) {
+      std::memmove(&matrix.index[begin + shift], &matrix.index[begin], size * sizeof(int));
+      std::memmove(&matrix.value[begin + shift], &matrix.value[begin], size * sizeof(double));
+    }
+    matrix.start[last + 1] = end + missing;
+    gap[last] = end + shift;
+    for (int j = first; j < last; ++j) gap[j] = matrix.start[j + 1] += shift;
+    missing = shift;
+    last = first - 1;
+    moved += static_cast<double>(size);
+  }
+  return moved;
 }
 
 }  // namespace tarvik

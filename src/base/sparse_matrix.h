@@ -36,6 +36,11 @@ struct SparseMatrix {
 // The same matrix with the other dimension major; minor indices come out sorted.
 SparseMatrix transpose(const SparseMatrix &matrix);
 
+// Moves the major vectors apart so that each is followed by a gap of its size in `gap`, which has
+// numMajor entries; afterwards it holds where the gaps begin. Returns the number of entries moved.
+// Throws only if the matrix has no room reserved.
+double openGaps(SparseMatrix &matrix, Vec<NzIndex> &gap);
+
 // The two steps of a transposition into arrays of the caller: where the vectors of the other
 // dimension start, and their entries.
 void transposedStarts(const SparseMatrix &matrix, Vec<NzIndex> &start);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <numeric>
 
 #include "model/growth.h"
@@ -84,34 +83,9 @@ void MatrixUpdate::appendColumns(SparseMatrix &a, const PendingColumns &cols,
   work_ += static_cast<double>(cols.a.index.size());
 }
 
-// Columns move to the right, the last one first, so that each is followed by a gap of its size
-// in gap_; afterwards gap_ holds where the gaps begin. Neighbours without a gap between them move
-// as one block.
-void MatrixUpdate::openGaps(SparseMatrix &a) noexcept {
-  NzIndex missing = std::accumulate(gap_.begin(), gap_.end(), NzIndex{0});
-  const NzIndex oldSize = a.numNz();
-  a.index.resize(oldSize + missing);
-  a.value.resize(oldSize + missing);
-  for (int last = a.numMajor - 1; last >= 0 && missing > 0;) {
-    int first = last;
-    while (first > 0 && gap_[first - 1] == 0) --first;
-    const NzIndex begin = a.start[first], end = a.start[last + 1], shift = missing - gap_[last];
-    if (shift > 0 && end > begin) {
-      std::memmove(&a.index[begin + shift], &a.index[begin], (end - begin) * sizeof(int));
-      std::memmove(&a.value[begin + shift], &a.value[begin], (end - begin) * sizeof(double));
-    }
-    a.start[last + 1] = end + missing;
-    gap_[last] = end + shift;
-    for (int j = first; j < last; ++j) gap_[j] = a.start[j + 1] += shift;
-    missing = shift;
-    last = first - 1;
-    work_ += static_cast<double>(end - begin);
-  }
-}
-
 void MatrixUpdate::insertRows(SparseMatrix &a, const PendingRows &rows, int baseRows) noexcept {
   for (const int j : rows.a.index) ++gap_[j];
-  openGaps(a);
+  work_ += openGaps(a, gap_);
   for (int i = 0; i < rows.count(); ++i) {
     for (NzIndex k = rows.a.start[i]; k < rows.a.start[i + 1]; ++k) {
       const NzIndex at = gap_[rows.a.index[k]]++;
@@ -130,7 +104,7 @@ void MatrixUpdate::applyChanges(SparseMatrix &a) noexcept {
     from = to;
   }
   if (inserted_.empty()) return;
-  openGaps(a);
+  work_ += openGaps(a, gap_);
   for (const int k : inserted_) {
     const Change &change = changes_[k];
     if (std::abs(change.val) < tolerance_) continue;

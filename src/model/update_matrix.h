@@ -37,7 +37,6 @@ class MatrixUpdate {
   void insertRows(SparseMatrix &a, const PendingRows &rows, int baseRows) noexcept;
   void applyChanges(SparseMatrix &a) noexcept;
   void applyColumnChanges(SparseMatrix &a, std::size_t from, std::size_t to) noexcept;
-  void openGaps(SparseMatrix &a) noexcept;
 
   double tolerance_ = 0;
   Vec<NzIndex> gap_;     // per column: first the size of its gap, then the gap's next position

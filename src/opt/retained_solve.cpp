@@ -1,6 +1,7 @@
 #include "opt/retained_solve.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstring>
 
@@ -30,6 +31,7 @@ void RetainedSolve::follow(const ModelData &data, const BoundRules &rules) {
     return;
   }
   if (data.numConstrs() > lp_.numRows) followRows(data);
+  assert(lp_.a.start == data.a.start && lp_.a.index == data.a.index && lp_.a.value == data.a.value);
   followVectors(data);
 }
 
@@ -89,8 +91,14 @@ void RetainedSolve::followRows(const ModelData &data) {
     lp_.rowLower.push_back(bounds.lower);
     lp_.rowUpper.push_back(bounds.upper);
   }
-  lp_.a = data.a;
-  lp_.numRows = data.numConstrs();
+  Vec<NzIndex> gap(lp_.a.numMajor, 0);
+  for (const Entry &entry : added_) ++gap[entry.col];
+  openGaps(lp_.a, gap);
+  for (const Entry &entry : added_) {
+    lp_.a.index[gap[entry.col]] = entry.row;
+    lp_.a.value[gap[entry.col]++] = entry.value;
+  }
+  lp_.numRows = lp_.a.numMinor = data.numConstrs();
   if (Simplex *simplex = engine_.get())
     simplex->addRows(added, rows.start.data(), rows.index.data(), rows.value.data(),
                      lp_.rowLower.data() + oldRows, lp_.rowUpper.data() + oldRows);
