@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "base/multiversion.h"
 #include "opt/env_log.h"
 #include "opt/lp_from_model.h"
 #include "opt/options.h"
@@ -104,9 +105,42 @@ void RetainedSolve::followRows(const ModelData &data) {
                      lp_.rowLower.data() + oldRows, lp_.rowUpper.data() + oldRows);
 }
 
+namespace {
+
+// Whether columns from `begin` on have the bounds and costs that lp has, as far as a pass without
+// branches can tell, which vector units do quickly. False may be a false alarm.
+TARVIK_SIMD bool sameVectors(const double *lb, const double *ub, const double *obj,
+                             const double *lower, const double *upper, const double *cost,
+                             double infinite, double fixTol, int count) {
+  int differences = 0;
+  for (int j = 0; j < count; ++j) {
+    const double lo = clamped(lb[j], infinite), up = clamped(ub[j], infinite);
+    const bool meet = (lo != up) & !(up - lo > fixTol);
+    differences += meet | (lo != lower[j]) | (up != upper[j]) | (obj[j] != cost[j]);
+  }
+  return differences == 0;
+}
+
+}  // namespace
+
 void RetainedSolve::followVectors(const ModelData &data) {
+  constexpr int kBlock = 512;
+  for (int begin = 0; begin < lp_.numCols; begin += kBlock) {
+    const int end = std::min(begin + kBlock, lp_.numCols);
+    if (!sameVectors(data.lb.data() + begin, data.ub.data() + begin, data.obj.data() + begin,
+                     lp_.colLower.data() + begin, lp_.colUpper.data() + begin,
+                     lp_.cost.data() + begin, rules_.infinite, rules_.fixTol, end - begin))
+      followColumns(data, begin, end);
+  }
+  followRowBounds(data);
+  if (lp_.offset == data.objCon) return;
+  lp_.offset = data.objCon;
+  if (Simplex *simplex = engine_.get()) simplex->setOffset(data.objCon);
+}
+
+void RetainedSolve::followColumns(const ModelData &data, int begin, int end) {
   Simplex *simplex = engine_.get();
-  for (int j = 0; j < lp_.numCols; ++j) {
+  for (int j = begin; j < end; ++j) {
     const Bounds bounds = colBounds(data, j, rules_);
     if (bounds.lower != lp_.colLower[j] || bounds.upper != lp_.colUpper[j]) {
       lp_.colLower[j] = bounds.lower;
@@ -118,6 +152,10 @@ void RetainedSolve::followVectors(const ModelData &data) {
       if (simplex) simplex->setCost(j, data.obj[j]);
     }
   }
+}
+
+void RetainedSolve::followRowBounds(const ModelData &data) {
+  Simplex *simplex = engine_.get();
   for (int i = 0; i < lp_.numRows; ++i) {
     const Bounds bounds = rowBounds(data, i);
     if (bounds.lower == lp_.rowLower[i] && bounds.upper == lp_.rowUpper[i]) continue;
@@ -125,9 +163,6 @@ void RetainedSolve::followVectors(const ModelData &data) {
     lp_.rowUpper[i] = bounds.upper;
     if (simplex) simplex->setRowBounds(i, bounds.lower, bounds.upper);
   }
-  if (lp_.offset == data.objCon) return;
-  lp_.offset = data.objCon;
-  if (simplex) simplex->setOffset(data.objCon);
 }
 
 RetainedSolve *RetainedSolve::withBasis(Model &model) {

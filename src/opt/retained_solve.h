@@ -45,6 +45,8 @@ class RetainedSolve final : public SolverState, public AccountAllocated {
 
   bool sameColumns(const ModelData &data);
   void followVectors(const ModelData &data);
+  void followColumns(const ModelData &data, int begin, int end);
+  void followRowBounds(const ModelData &data);
   void followRows(const ModelData &data);
 
   LpModel lp_;
