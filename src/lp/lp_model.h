@@ -26,20 +26,21 @@ struct Basis {
   bool empty() const { return col.empty() && row.empty(); }
 };
 
+// By the numbers that logs and callers know.
 enum class LpStatus {
-  NotSolved,
-  Optimal,
-  Infeasible,
-  Unbounded,
-  InfeasibleOrUnbounded,
-  Cutoff,  // the dual objective exceeds the cutoff
-  IterationLimit,
-  TimeLimit,
-  WorkLimit,
-  MemoryLimit,
-  Interrupted,
-  Callback,  // a user callback aborted the solve
-  Numeric,   // numerical trouble that could not be repaired
+  NotSolved = 1,
+  Optimal = 2,
+  Infeasible = 3,
+  InfeasibleOrUnbounded = 4,
+  Unbounded = 5,
+  Cutoff = 6,  // the dual objective exceeds the cutoff
+  IterationLimit = 7,
+  TimeLimit = 9,
+  Interrupted = 11,
+  Numeric = 12,  // numerical trouble that could not be repaired
+  WorkLimit = 16,
+  MemoryLimit = 17,
+  Callback = 100,  // a user callback aborted the solve; without a number of its own
 };
 
 // Signs: with y = rowDual and d = colDual, d = cost - A'y. At an optimum of a minimization

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "lp/lp_status.h"
-
 namespace tarvik {
 
 namespace {
@@ -67,7 +65,7 @@ NonbasicProbing nonbasicStrongBranch(Domain &domain, Relaxation &lp, SolutionSin
     const BranchProbe::Result branch = probe.evaluate(move, kIterations);
     sink.alive();
     if (tellsNothing(branch))
-      control.log->print("Strong branch result: %d\n", statusCode(branch.status));
+      control.log->print("Strong branch result: %d\n", static_cast<int>(branch.status));
     if (branch.stopped) break;
     if (!branch.infeasible && branch.objective < sink.cutoff()) continue;
     sinceFixed = 0;

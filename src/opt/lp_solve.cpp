@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "lp/check.h"
-#include "lp/lp_status.h"
 #include "opt/env_log.h"
 #include "opt/lp_driver.h"
 #include "opt/lp_from_model.h"
@@ -17,6 +16,22 @@
 namespace tarvik {
 
 namespace {
+
+constexpr int statusCode(LpStatus status) {
+  return status == LpStatus::Callback ? TVK_INTERRUPTED : static_cast<int>(status);
+}
+static_assert(statusCode(LpStatus::NotSolved) == TVK_LOADED);
+static_assert(statusCode(LpStatus::Optimal) == TVK_OPTIMAL);
+static_assert(statusCode(LpStatus::Infeasible) == TVK_INFEASIBLE);
+static_assert(statusCode(LpStatus::InfeasibleOrUnbounded) == TVK_INF_OR_UNBD);
+static_assert(statusCode(LpStatus::Unbounded) == TVK_UNBOUNDED);
+static_assert(statusCode(LpStatus::Cutoff) == TVK_CUTOFF);
+static_assert(statusCode(LpStatus::IterationLimit) == TVK_ITERATION_LIMIT);
+static_assert(statusCode(LpStatus::TimeLimit) == TVK_TIME_LIMIT);
+static_assert(statusCode(LpStatus::Interrupted) == TVK_INTERRUPTED);
+static_assert(statusCode(LpStatus::Numeric) == TVK_NUMERIC);
+static_assert(statusCode(LpStatus::WorkLimit) == TVK_WORK_LIMIT);
+static_assert(statusCode(LpStatus::MemoryLimit) == TVK_MEM_LIMIT);
 
 enum Method { kPrimal = 0, kDual = 1, kBarrier = 2 };
 
