@@ -1,8 +1,11 @@
 #include "base/lapack.h"
 
 #include <dlfcn.h>
+#ifdef __linux__
+#include <link.h>
+#endif
 
-#include <cstdlib>
+#include <cstring>
 
 namespace tarvik::lapack {
 
@@ -17,30 +20,33 @@ constexpr const char *kNames[] = {
 #endif
 };
 
-// Worker threads of the library would compete with the solver's, and results would depend on
-// their number. Idle ones that our loading has started are sent away; those of others are theirs.
-void keepSingleThreaded(void *library, bool loadedHere) {
-  if (std::getenv("TVK_BLAS_WORKAROUND_SKIP")) return;
-  if (void *setThreads = dlsym(library, "openblas_set_num_threads"))
-    reinterpret_cast<void (*)(int)>(setThreads)(1);
-  void *shutDown = loadedHere ? dlsym(library, "blas_thread_shutdown_") : nullptr;
-  if (shutDown) reinterpret_cast<int (*)()>(shutDown)();
+#ifdef __linux__
+int isLinearAlgebra(dl_phdr_info *library, std::size_t, void *) {
+  return std::strstr(library->dlpi_name, "blas") || std::strstr(library->dlpi_name, "lapack");
 }
 
-bool isLoaded(const char *name) {
-  void *library = dlopen(name, RTLD_LAZY | RTLD_NOLOAD);
-  if (library) dlclose(library);
-  return library != nullptr;
+// Whether the process has a library of the kind whose threads may be at work.
+bool hostHasOne() { return dl_iterate_phdr(isLinearAlgebra, nullptr) != 0; }
+#else
+bool hostHasOne() { return true; }
+#endif
+
+// Its worker threads would compete with the solver's, and results would depend on their number.
+// Those that it has started while it was loaded are sent away.
+void keepSingleThreaded(void *library) {
+  if (void *setThreads = dlsym(library, "openblas_set_num_threads"))
+    reinterpret_cast<void (*)(int)>(setThreads)(1);
+  if (void *shutDown = dlsym(library, "blas_thread_shutdown_"))
+    reinterpret_cast<int (*)()>(shutDown)();
 }
 
 Getrf load() {
+  const bool isOurs = !hostHasOne();
   for (const char *name : kNames) {
-    bool loadedHere = true;
-    for (const char *any : kNames) loadedHere = loadedHere && !isLoaded(any);
     void *library = dlopen(name, RTLD_LAZY | RTLD_LOCAL);
     if (!library) continue;
     if (void *function = dlsym(library, "dgetrf_")) {
-      keepSingleThreaded(library, loadedHere);
+      if (isOurs) keepSingleThreaded(library);
       return reinterpret_cast<Getrf>(function);
     }
     dlclose(library);

@@ -7,8 +7,8 @@ namespace tarvik::lapack {
 // LU factorization with partial pivoting, as the reference interface has it.
 using Getrf = void (*)(const int *m, const int *n, double *a, const int *lda, int *ipiv, int *info);
 
-// Null where no library is installed. It runs in the caller's thread only, unless the process
-// variable TVK_BLAS_WORKAROUND_SKIP is set.
+// Null where no library is installed. An OpenBLAS that is loaded here works in the caller's thread
+// only; one that the process has already is left as its owner has set it up.
 Getrf getrf();
 
 }  // namespace tarvik::lapack

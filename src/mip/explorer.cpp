@@ -261,7 +261,8 @@ void Explorer::step(const Share &share, Report &report) {
   NodeResult result = worker_.process(*node);
   if (result.stopped) {
     report.stopped = true;
-    report.outOfMemory = worker_.lp().status() == LpStatus::MemoryLimit;
+    report.limit = result.limit;
+    if (worker_.lp().status() == LpStatus::MemoryLimit) report.limit = MipStatus::MemoryLimit;
     return;
   }
   next_.reset();

@@ -70,8 +70,9 @@ class Explorer : public SolutionSink {
     int maxDepth = 0;
     bool exhausted = false;  // nothing better than the incumbent is left anywhere
     bool unbounded = false;
-    bool stopped = false;      // by a limit; the node was kept
-    bool outOfMemory = false;  // by that limit
+    bool stopped = false;  // by a limit; the node was kept
+    // That limit, where a poll of the limits might not find it again.
+    MipStatus limit = MipStatus::Running;
   };
 
   // `index` of `count` explorers. goesOn is asked between heuristics.

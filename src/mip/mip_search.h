@@ -21,31 +21,7 @@
 
 namespace tarvik {
 
-enum class MipStatus {
-  Running,
-  Optimal,
-  Infeasible,
-  InfeasibleOrUnbounded,
-  Unbounded,
-  IterationLimit,
-  NodeLimit,
-  TimeLimit,
-  SolutionLimit,
-  Interrupted,
-  Numeric,
-  Suboptimal,  // some relaxations could not be solved
-  UserObjectiveLimit,
-  WorkLimit,
-  MemoryLimit,
-  ImproveStart,  // never leaves the search
-  Restart,       // the root has fixed so much that it should be presolved again
-  SoftLimit
-};
-
 using CutCounters = std::array<int, kCutFamilies>;
-
-// Running where nothing asks for a stop.
-MipStatus statusOf(StopReason reason);
 
 class MipSearch {
  public:
@@ -78,6 +54,8 @@ class MipSearch {
   int solutionCount() const { return solutionCount_; }
   CutCounters cutCounters() const;
   // The root relaxation as it was solved first.
+  // Whether its tree was never entered.
+  bool endedAtRoot() const { return !rootDone_; }
   LpStatus rootStatus() const { return rootStatus_; }
 
  private:

@@ -23,7 +23,9 @@ class MipSolve::Space : public UserSpace {
 
   bool acceptFull(const Vec<double> &x, double &objective) {
     Vec<double> point;
-    if (!check(x, point, objective, owner_.control_) || !isWelcome(point, objective)) return false;
+    if (!check(x, point, objective, owner_.control_)) return false;
+    const double cutoff = owner_.options_.cutoff;
+    if ((cutoff < kUserInf && objective >= cutoff) || !isWelcome(point, objective)) return false;
     keep(std::move(point), objective);
     return true;
   }
@@ -223,17 +225,31 @@ MipStatus MipSolve::restart() {
   return nothingLeft ? search_->close() : status;
 }
 
+namespace {
+
+// What has a point is not infeasible: nothing is better than it, or it makes the problem unbounded.
+void trustSolutions(MipOutcome &outcome) {
+  if (outcome.solutions.empty()) return;
+  if (outcome.status == MipStatus::InfeasibleOrUnbounded) outcome.status = MipStatus::Unbounded;
+  if (outcome.status != MipStatus::Infeasible) return;
+  outcome.status = MipStatus::Optimal;
+  outcome.bound = outcome.solutions.front().objective;
+}
+
+}  // namespace
+
 MipOutcome MipSolve::finish(MipStatus status) {
   MipOutcome outcome;
-  // A tree is only entered through holes and sets: its unbounded node has a point.
-  const bool atRoot = problem_->model().sos.empty() && problem_->semis().empty();
-  outcome.status = status == MipStatus::Unbounded && atRoot ? resolveUnbounded() : status;
+  outcome.status = status;
   outcome.bound = search_->bestBound();
   outcome.explored = search_->explored();
   outcome.unexplored = search_->unexplored();
   outcome.iterations = search_->iterations() + space_->iterations();
   outcome.cuts = search_->cutCounters();
+  // A node of the tree is unbounded only with a point.
+  if (status == MipStatus::Unbounded && search_->endedAtRoot()) resolveUnbounded(outcome);
   outcome.solutions = space_->solutions();
+  trustSolutions(outcome);
   // The root of a restart has bounds that rest on the cutoff.
   const bool evenWithoutCutoff =
       presolves_.size() == 1 && search_->rootStatus() == LpStatus::Infeasible;
@@ -254,10 +270,15 @@ MipOutcome MipSolve::goOn(const MipOptions &options) {
 }
 
 // Whether the problem has a point at all. Any makes it unbounded where its relaxation is.
-MipStatus MipSolve::resolveUnbounded() {
-  const MipOutcome outcome = findAnyPoint(model_, options_, control_);
-  if (outcome.status == MipStatus::Infeasible) return MipStatus::Infeasible;
-  return outcome.solutions.empty() ? MipStatus::InfeasibleOrUnbounded : MipStatus::Unbounded;
+void MipSolve::resolveUnbounded(MipOutcome &outcome) {
+  if (!space_->solutions().empty()) return;
+  const MipOutcome found = findAnyPoint(model_, options_, control_, [this] {
+    if (observer) observer->onPolling();
+  });
+  outcome.iterations += found.iterations;
+  if (found.solutions.empty())
+    outcome.status = found.status == MipStatus::Infeasible ? MipStatus::Infeasible
+                                                           : MipStatus::InfeasibleOrUnbounded;
 }
 
 void MipSolve::processStarts() {
@@ -295,10 +316,7 @@ MipOutcome MipSolve::run() {
   outcome.status = presolve(model_);
   if (outcome.status != MipStatus::Running) {
     outcome.solutions = space_->solutions();
-    if (outcome.status == MipStatus::Infeasible && !outcome.solutions.empty()) {
-      outcome.status = MipStatus::Optimal;
-      outcome.bound = outcome.solutions.front().objective;
-    }
+    trustSolutions(outcome);
     return outcome;
   }
   openSearch();
@@ -307,19 +325,36 @@ MipOutcome MipSolve::run() {
   return finish(status);
 }
 
-MipOutcome findAnyPoint(const MipModel &model, const MipOptions &options, SolveControl &control) {
+namespace {
+
+class SearchWatch : public MipObserver {
+ public:
+  explicit SearchWatch(const std::function<void()> &tell) : tell_(tell) {}
+  void onProgress(const MipProgress &) override { tell_(); }
+
+ private:
+  const std::function<void()> &tell_;
+};
+
+}  // namespace
+
+MipOutcome findAnyPoint(const MipModel &model, const MipOptions &options, SolveControl &control,
+                        const std::function<void()> &whileSearching) {
   MipModel feasibility = model;
   std::fill(feasibility.lp.cost.begin(), feasibility.lp.cost.end(), 0.0);
   MipOptions any = options;
   any.subMip = true;
   any.threads = 1;
   any.simplex.logging = any.presolve.logging = false;
-  any.cutoff = any.bestBdStop = any.nodeLimit = kUserInf;
-  any.improveStartGap = 0;
+  any.cutoff = any.bestBdStop = kUserInf;
+  any.improveStartGap = any.noRelTime = any.noRelWork = 0;
   any.improveStartTime = any.improveStartNodes = kUserInf;
   any.solutionLimit = 1;
   any.poolSearchMode = 0;
-  return MipSolve(feasibility, any, control).run();
+  SearchWatch watch(whileSearching);
+  MipSolve solve(feasibility, any, control);
+  solve.observer = &watch;
+  return solve.run();
 }
 
 }  // namespace tarvik

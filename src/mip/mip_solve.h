@@ -61,7 +61,7 @@ class MipSolve {
   Vec<double> postsolve(const Vec<double> &x) const;
   Vec<double> imageOf(const Vec<double> &x) const;
   void logPresolved(const MipModel &model, double seconds) const;
-  MipStatus resolveUnbounded();
+  void resolveUnbounded(MipOutcome &outcome);
   void processStarts();
 
   const MipModel &model_;
@@ -74,9 +74,11 @@ class MipSolve {
   Vec<MipStart> starts_;
 };
 
-// Any point of the model, whatever it costs. Without one the status tells whether there is none
-// (Infeasible) or what stopped the search. An integral point in an unbounded relaxation of rational
-// data makes the problem unbounded (R. R. Meyer 1974).
-MipOutcome findAnyPoint(const MipModel &model, const MipOptions &options, SolveControl &control);
+// Any point of the model, whatever it costs, within the limits of the options. Without one the
+// status tells whether there is none (Infeasible) or what stopped the search. An integral point in
+// an unbounded relaxation of rational data makes the problem unbounded (R. R. Meyer 1974).
+// whileSearching is called now and then.
+MipOutcome findAnyPoint(const MipModel &model, const MipOptions &options, SolveControl &control,
+                        const std::function<void()> &whileSearching);
 
 }  // namespace tarvik

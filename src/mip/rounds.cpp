@@ -162,12 +162,13 @@ void MipSearch::treeSearch() {
       exploreSide(round);
       main().onFound = listener;
     }
-    bool stopped = false, exhausted = false, memory = false;
+    bool stopped = false, exhausted = false;
+    MipStatus limit = MipStatus::Interrupted;
     for (const auto &explorer : explorers_) collectNodes(*explorer);
     for (std::size_t k = 0; k < explorers_.size(); ++k) {
       collect(*explorers_[k], reports_[k]);
       stopped = stopped || reports_[k].stopped;
-      memory = memory || reports_[k].outOfMemory;
+      if (reports_[k].limit != MipStatus::Running) limit = reports_[k].limit;
       exhausted = exhausted || reports_[k].exhausted;
     }
     main().learnIncumbent(incumbentObjective_, incumbent_);
@@ -179,8 +180,7 @@ void MipSearch::treeSearch() {
     if (!stopped) continue;
     // The limit is found by the check, or by a later call; memory may have been freed again.
     mipCheckTermination();
-    if (status_ == MipStatus::Running)
-      status_ = memory ? MipStatus::MemoryLimit : MipStatus::Interrupted;
+    if (status_ == MipStatus::Running) status_ = limit;
   }
 }
 

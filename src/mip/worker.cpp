@@ -196,15 +196,29 @@ void Worker::lookForPoint(NodeResult &result) {
   model.lp.colUpper = domain_.upper();
   for (VarKind &kind : model.kind)
     if (isSemi(kind)) kind = isIntegral(kind) ? VarKind::Integer : VarKind::Continuous;
-  const MipOutcome outcome = findAnyPoint(model, options_, control_);
-  if (!outcome.solutions.empty())
-    result.unbounded = true;
-  else if (outcome.status == MipStatus::Infeasible)
-    result.outcome = NodeOutcome::Infeasible;
-  else if (outcome.status == MipStatus::Suboptimal || outcome.status == MipStatus::Numeric)
-    result.unsolved = true;
-  else
-    result.stopped = true;
+  MipOptions options = options_;
+  options.iterationLimit -= lpIterations();
+  const MipOutcome outcome = findAnyPoint(model, options, control_, [this] { sink_.alive(); });
+  nestedIterations_ += outcome.iterations;
+  result.unbounded = !outcome.solutions.empty();
+  if (result.unbounded) return;
+  switch (outcome.status) {
+    case MipStatus::Infeasible:
+      result.outcome = NodeOutcome::Infeasible;
+      break;
+    case MipStatus::IterationLimit:
+    case MipStatus::NodeLimit:
+    case MipStatus::TimeLimit:
+    case MipStatus::SoftLimit:
+    case MipStatus::WorkLimit:
+    case MipStatus::MemoryLimit:
+    case MipStatus::Interrupted:
+      result.stopped = true;
+      result.limit = outcome.status;
+      break;
+    default:
+      result.unsolved = true;
+  }
 }
 
 NodeResult Worker::process(Node &node) {

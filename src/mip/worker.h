@@ -7,6 +7,7 @@
 #include "mip/branching.h"
 #include "mip/conflict/conflict_analysis.h"
 #include "mip/cuts/tree_separation.h"
+#include "mip/mip_status.h"
 #include "mip/node_log.h"
 #include "mip/symmetry/orbital_fixing.h"
 
@@ -17,7 +18,8 @@ struct NodeResult {
   double objective = -kUserInf;
   int fractional = 0;
   Branching branching;
-  bool stopped = false;    // a limit; the node remains open
+  bool stopped = false;                  // by a limit; the node remains open
+  MipStatus limit = MipStatus::Running;  // where a search within the node has met it
   bool unbounded = false;  // with all holes and sets decided, and with an integral point
   bool unsolved = false;   // numerical trouble kept it from being solved and from being split
   Vec<double> x;           // the optimum of its relaxation, if points are kept
@@ -33,7 +35,8 @@ class Worker {
   Relaxation &lp() { return lp_; }
   const Relaxation &lp() const { return lp_; }
   PseudoCosts &pseudoCosts() { return pseudoCosts_; }
-  double lpIterations() const { return lp_.iterations(); }
+  // With those of searches within nodes.
+  double lpIterations() const { return lp_.iterations() + nestedIterations_; }
   double lpObjective() const { return lp_.objective(); }
   Brancher &brancher() { return brancher_; }
   // What it has learned from conflicts; null: it does not.
@@ -95,6 +98,7 @@ class Worker {
   std::unique_ptr<ProofCuts> proofCuts_;
   CutId nextCutId_ = 0;
   bool keepsPoints_ = false;
+  double nestedIterations_ = 0;
   std::shared_ptr<const NodePath> path_;
   Vec<std::shared_ptr<const NodePath>> chain_;  // the decisions in force, root first
 };

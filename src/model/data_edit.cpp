@@ -55,6 +55,7 @@ int appendColumn(ModelData &data, const NewColumn &column, const std::string &na
     ++data.varNamesIssued;
   }
   data.a.append(column.numNz, column.ind, column.val);
+  ++data.matrixEdition;
   data.obj.push_back(column.obj);
   data.lb.push_back(column.lb);
   data.ub.push_back(column.ub);
@@ -112,6 +113,7 @@ void NewRows::appendTo(ModelData &data) const {
   }
   rows.numMinor = numVars;
   data.a = transpose(rows);
+  ++data.matrixEdition;
   data.sense.insert(data.sense.end(), sense_.begin(), sense_.end());
   data.rhs.insert(data.rhs.end(), rhs_.begin(), rhs_.end());
 }

@@ -246,5 +246,35 @@ TEST(Brancher, UnboundedRelaxationsAreUnboundedOnlyWithIntegralPoints) {
   }
 }
 
+// No integral point, which only a search without end could tell: x + y and x - y + 1 would both be
+// even. One of two unbounded columns is zero.
+TEST(Brancher, LimitsEndTheSearchWithinAnUnboundedNode) {
+  MipModel model =
+      makeModel({-1, 0, -1, -1, 0, 0, -1, -1}, {kInf, kInf, kInf, kInf, .2, .2, kInf, kInf},
+                {{0, {{0, 1}, {1, 1}, {2, -2}, {4, 1}}, 0},
+                 {1, {{0, 1}, {1, -1}, {3, -2}, {5, 1}}, 1},
+                 {-kInf, {{6, 1}, {7, -1}}, 5}},
+                {4, 5, 6, 7});
+  std::fill(model.lp.colLower.begin(), model.lp.colLower.begin() + 4, -kInf);
+  model.lp.colLower[4] = model.lp.colLower[5] = -.2;
+  model.sos.push_back({1, {6, 7}, {1, 2}});
+  for (const int threads : {1, 2}) {
+    MipOptions options;
+    options.threads = threads;
+    options.nodeLimit = 50;
+    EXPECT_EQ(solveQuietly(model, options).status, MipStatus::NodeLimit);
+    options.nodeLimit = kUserInf;
+    options.iterationLimit = 200;
+    const MipOutcome outcome = solveQuietly(model, options);
+    EXPECT_EQ(outcome.status, MipStatus::IterationLimit);
+    EXPECT_GE(outcome.iterations, 200);
+  }
+  // At the root all are limits alike.
+  model.sos.clear();
+  MipOptions options;
+  options.nodeLimit = 50;
+  EXPECT_EQ(solveQuietly(model, options).status, MipStatus::InfeasibleOrUnbounded);
+}
+
 }  // namespace
 }  // namespace tarvik::test

@@ -138,6 +138,28 @@ TEST_F(Mip, CutoffsBeyondTheOptimumAreTold) {
   EXPECT_EQ(dblAttr("ObjVal"), 13);
 }
 
+TEST_F(Mip, StartsBeyondTheCutoffAreNoIncumbents) {
+  start(1, 1, 0);
+  set("Cutoff", "10");
+  ASSERT_EQ(TVKoptimize(model_), 0);
+  EXPECT_EQ(dblAttr("ObjVal"), 13);
+  set("Cutoff", "20");
+  ASSERT_EQ(TVKreset(model_, 1), 0);
+  start(1, 1, 0);
+  ASSERT_EQ(TVKoptimize(model_), 0);
+  EXPECT_EQ(status(), TVK_CUTOFF);
+  EXPECT_EQ(intAttr("SolCount"), 0);
+}
+
+TEST_F(Mip, StartsProveThatUnboundedIsNotInfeasible) {
+  ASSERT_EQ(TVKaddvar(model_, 0, nullptr, nullptr, 1, 0, TVK_INFINITY, TVK_INTEGER, "free"), 0);
+  ASSERT_EQ(TVKupdatemodel(model_), 0);
+  start(1, 1, 0);
+  ASSERT_EQ(TVKsetdblattrelement(model_, "Start", 3, 0), 0);
+  ASSERT_EQ(TVKoptimize(model_), 0);
+  EXPECT_EQ(status(), TVK_UNBOUNDED) << env_.log();
+}
+
 TEST_F(Mip, StartsAreLoadedCompletedOrRefused) {
   start(1, 1, 0);
   ASSERT_EQ(TVKoptimize(model_), 0);
