@@ -57,6 +57,8 @@ class MipSearch {
   // Whether its tree was never entered.
   bool endedAtRoot() const { return !rootDone_; }
   LpStatus rootStatus() const { return rootStatus_; }
+  // Of its relaxation, once solved.
+  double rootObjective() const { return root_.objective; }
 
  private:
   enum class Round { Improved, Stalled, Over };

@@ -250,11 +250,12 @@ MipOutcome MipSolve::finish(MipStatus status) {
   if (status == MipStatus::Unbounded && search_->endedAtRoot()) resolveUnbounded(outcome);
   outcome.solutions = space_->solutions();
   trustSolutions(outcome);
-  // The root of a restart has bounds that rest on the cutoff.
+  // The root of a restart has bounds that rest on the cutoff. Infinity is one, too.
   const bool evenWithoutCutoff =
       presolves_.size() == 1 && search_->rootStatus() == LpStatus::Infeasible;
+  const bool hasCutoff = options_.cutoff < kUserInf || search_->rootObjective() >= kUserInf;
   outcome.cutOff = outcome.status == MipStatus::Infeasible && outcome.solutions.empty() &&
-                   options_.cutoff < kUserInf && !evenWithoutCutoff;
+                   hasCutoff && !evenWithoutCutoff;
   return outcome;
 }
 

@@ -138,6 +138,21 @@ TEST_F(Mip, CutoffsBeyondTheOptimumAreTold) {
   EXPECT_EQ(dblAttr("ObjVal"), 13);
 }
 
+TEST_F(Mip, ObjectivesBeyondInfinityAreNotInfeasible) {
+  ASSERT_EQ(TVKsetintattr(model_, "ModelSense", TVK_MINIMIZE), 0);
+  ASSERT_EQ(TVKsetdblattrelement(model_, "Obj", 0, 1e99), 0);
+  ASSERT_EQ(TVKsetdblattrelement(model_, "LB", 0, 1e3), 0);
+  ASSERT_EQ(TVKsetdblattrelement(model_, "UB", 0, 1e4), 0);
+  const int rows[] = {0, 1, 2};
+  ASSERT_EQ(TVKdelconstrs(model_, 3, rows), 0);
+  for (const char *presolve : {"0", "-1"}) {
+    set("Presolve", presolve);
+    ASSERT_EQ(TVKreset(model_, 0), 0);
+    ASSERT_EQ(TVKoptimize(model_), 0);
+    EXPECT_EQ(status(), TVK_CUTOFF) << presolve;
+  }
+}
+
 TEST_F(Mip, StartsBeyondTheCutoffAreNoIncumbents) {
   start(1, 1, 0);
   set("Cutoff", "10");
