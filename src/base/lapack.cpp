@@ -5,7 +5,7 @@
 #include <link.h>
 #endif
 
-#include <cstring>
+#include <set>
 
 namespace tarvik::lapack {
 
@@ -21,32 +21,46 @@ constexpr const char *kNames[] = {
 };
 
 #ifdef __linux__
-int isLinearAlgebra(dl_phdr_info *library, std::size_t, void *) {
-  return std::strstr(library->dlpi_name, "blas") || std::strstr(library->dlpi_name, "lapack");
+// Where the libraries of the process stand in memory.
+using Addresses = std::set<const void *>;
+
+Addresses loadedLibraries() {
+  Addresses all;
+  const auto add = [](dl_phdr_info *library, std::size_t, void *addresses) {
+    static_cast<Addresses *>(addresses)->insert(reinterpret_cast<const void *>(library->dlpi_addr));
+    return 0;
+  };
+  dl_iterate_phdr(add, &all);
+  return all;
 }
 
-// Whether the process has a library of the kind whose threads may be at work.
-bool hostHasOne() { return dl_iterate_phdr(isLinearAlgebra, nullptr) != 0; }
-#else
-bool hostHasOne() { return true; }
-#endif
+bool isIn(const Addresses &libraries, const void *function) {
+  Dl_info info;
+  return dladdr(function, &info) == 0 || libraries.count(info.dli_fbase) > 0;
+}
 
-// Its worker threads would compete with the solver's, and results would depend on their number.
-// Those that it has started while it was loaded are sent away.
-void keepSingleThreaded(void *library) {
-  if (void *setThreads = dlsym(library, "openblas_set_num_threads"))
-    reinterpret_cast<void (*)(int)>(setThreads)(1);
+// Worker threads of OpenBLAS would compete with the solver's, and results would depend on their
+// number. Those that it has started while it was loaded are sent away, unless it was here before.
+void keepSingleThreaded(void *library, const Addresses &before) {
+  void *setThreads = dlsym(library, "openblas_set_num_threads");
+  if (!setThreads || isIn(before, setThreads)) return;
+  reinterpret_cast<void (*)(int)>(setThreads)(1);
   if (void *shutDown = dlsym(library, "blas_thread_shutdown_"))
     reinterpret_cast<int (*)()>(shutDown)();
 }
+#else
+struct Addresses {};
+Addresses loadedLibraries() { return {}; }
+void keepSingleThreaded(void *, const Addresses &) {}
+#endif
 
 Getrf load() {
-  const bool isOurs = !hostHasOne();
+  const Addresses before = loadedLibraries();
   for (const char *name : kNames) {
     void *library = dlopen(name, RTLD_LAZY | RTLD_LOCAL);
     if (!library) continue;
     if (void *function = dlsym(library, "dgetrf_")) {
-      if (isOurs) keepSingleThreaded(library);
+      keepSingleThreaded(library, before);
       return reinterpret_cast<Getrf>(function);
     }
     dlclose(library);

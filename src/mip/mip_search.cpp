@@ -358,6 +358,8 @@ bool MipSearch::canGoOn(const MipOptions &options) const {
                            o.poolSearchMode, o.poolSolutions, o.presolve.level, o.presolveMip);
   };
   if (!rootDone_ || infeasible_ || structure(options) != structure(options_)) return false;
+  // With another cutoff solutions that are known may be refused, or open nodes be missing.
+  if (options.cutoff != options_.cutoff) return false;
   // Images of what the tree looks for may be gone.
   if (options.symmetry == 0 && symmetries_) return false;
   const double wanted = searchCutoff(options, problem_, incumbentObjective_, pool_);

@@ -53,9 +53,9 @@ class MipSearch {
   double iterations() const;
   int solutionCount() const { return solutionCount_; }
   CutCounters cutCounters() const;
-  // The root relaxation as it was solved first.
   // Whether its tree was never entered.
   bool endedAtRoot() const { return !rootDone_; }
+  // The root relaxation as it was solved first.
   LpStatus rootStatus() const { return rootStatus_; }
   // Of its relaxation, once solved.
   double rootObjective() const { return root_.objective; }

@@ -229,9 +229,11 @@ namespace {
 
 // What has a point is not infeasible: nothing is better than it, or it makes the problem unbounded.
 void trustSolutions(MipOutcome &outcome) {
-  if (outcome.solutions.empty()) return;
-  if (outcome.status == MipStatus::InfeasibleOrUnbounded) outcome.status = MipStatus::Unbounded;
-  if (outcome.status != MipStatus::Infeasible) return;
+  const bool hasPoint = !outcome.solutions.empty();
+  if (hasPoint && outcome.status == MipStatus::InfeasibleOrUnbounded)
+    outcome.status = MipStatus::Unbounded;
+  if (outcome.status == MipStatus::Unbounded) outcome.bound = -kUserInf;
+  if (!hasPoint || outcome.status != MipStatus::Infeasible) return;
   outcome.status = MipStatus::Optimal;
   outcome.bound = outcome.solutions.front().objective;
 }
@@ -273,13 +275,17 @@ MipOutcome MipSolve::goOn(const MipOptions &options) {
 // Whether the problem has a point at all. Any makes it unbounded where its relaxation is.
 void MipSolve::resolveUnbounded(MipOutcome &outcome) {
   if (!space_->solutions().empty()) return;
-  const MipOutcome found = findAnyPoint(model_, options_, control_, [this] {
+  MipOptions options = options_;
+  options.iterationLimit -= outcome.iterations;
+  const MipOutcome found = findAnyPoint(model_, options, control_, [this] {
     if (observer) observer->onPolling();
   });
   outcome.iterations += found.iterations;
-  if (found.solutions.empty())
-    outcome.status = found.status == MipStatus::Infeasible ? MipStatus::Infeasible
-                                                           : MipStatus::InfeasibleOrUnbounded;
+  if (!found.solutions.empty()) return;
+  // A limit does not change what is known already.
+  const bool tells =
+      found.status == MipStatus::Infeasible || found.status == MipStatus::Interrupted;
+  outcome.status = tells ? found.status : MipStatus::InfeasibleOrUnbounded;
 }
 
 void MipSolve::processStarts() {

@@ -163,6 +163,27 @@ TEST_F(Resume, ChangedModelsAndWiderQuestionsBeginAnew) {
   EXPECT_NEAR(attr(other_, "ObjVal"), attr(model_, "ObjVal"), 1e-6);
 }
 
+// Nothing beyond the cutoff may be left from before it was set, nor be found in old nodes.
+TEST_F(Resume, ATighterCutoffHoldsForWhatIsKnown) {
+  ASSERT_EQ(solve(model_), TVK_OPTIMAL);
+  const double optimum = attr(model_, "ObjVal");
+  for (const char *nodes : {"0", "30", "100"}) {
+    for (const char *threads : {"1", "2"}) {
+      ASSERT_EQ(TVKreset(model_, 1), 0);
+      set(model_, "Threads", threads);
+      set(model_, "Cutoff", "1e100");
+      set(model_, "NodeLimit", nodes);
+      ASSERT_EQ(solve(model_), TVK_NODE_LIMIT);
+      set(model_, "NodeLimit", "1e100");
+      set(model_, "Cutoff", std::to_string(optimum - 0.5).c_str());
+      EXPECT_EQ(solve(model_), TVK_CUTOFF);
+      int count = -1;
+      ASSERT_EQ(TVKgetintattr(model_, "SolCount", &count), 0);
+      EXPECT_EQ(count, 0);
+    }
+  }
+}
+
 TEST_F(Resume, AnInterruptedImprovementGoesOnImproving) {
   set(model_, "ImproveStartNodes", "20");
   set(model_, "NodeLimit", "60");
