@@ -16,6 +16,11 @@ inline bool isSemi(VarKind kind) {
   return kind == VarKind::SemiContinuous || kind == VarKind::SemiInteger;
 }
 
+// The kind of a column whose hole is decided or gone.
+inline VarKind withoutHole(VarKind kind) {
+  return isIntegral(kind) ? VarKind::Integer : VarKind::Continuous;
+}
+
 // At most `type` (1 or 2) members are nonzero; with 2 they are neighbours in the order given.
 struct SosSet {
   int type = 1;

@@ -89,4 +89,18 @@ struct MipOptions {
   double objSense = 1;   // -1: printed objectives are negated
 };
 
+// For a search inside another: silent, for one solution on one thread, without the stops and the
+// phases that are about the caller's objective.
+inline MipOptions nestedOptions(MipOptions options) {
+  options.subMip = true;
+  options.simplex.logging = options.presolve.logging = false;
+  options.bestBdStop = kUserInf;
+  options.improveStartGap = 0;
+  options.improveStartTime = options.improveStartNodes = kUserInf;
+  options.poolSearchMode = 0;
+  options.poolSolutions = 1;
+  options.threads = 1;
+  return options;
+}
+
 }  // namespace tarvik

@@ -349,15 +349,9 @@ MipOutcome findAnyPoint(const MipModel &model, const MipOptions &options, SolveC
                         const std::function<void()> &whileSearching) {
   MipModel feasibility = model;
   std::fill(feasibility.lp.cost.begin(), feasibility.lp.cost.end(), 0.0);
-  MipOptions any = options;
-  any.subMip = true;
-  any.threads = 1;
-  any.simplex.logging = any.presolve.logging = false;
-  any.cutoff = any.bestBdStop = kUserInf;
-  any.improveStartGap = any.noRelTime = any.noRelWork = 0;
-  any.improveStartTime = any.improveStartNodes = kUserInf;
+  MipOptions any = nestedOptions(options);
+  any.cutoff = kUserInf;
   any.solutionLimit = 1;
-  any.poolSearchMode = 0;
   SearchWatch watch(whileSearching);
   MipSolve solve(feasibility, any, control);
   solve.observer = &watch;

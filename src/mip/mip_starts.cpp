@@ -121,8 +121,7 @@ bool MipStarts::searchAround(const Vec<double> &given, int id, double &objective
     if (given[j] < fixed.lp.colLower[j] || given[j] > fixed.lp.colUpper[j]) return false;
     fixed.lp.colLower[j] = fixed.lp.colUpper[j] = given[j];
     // A value on the right side of its hole is an ordinary bound.
-    if (isSemi(fixed.kind[j]))
-      fixed.kind[j] = isIntegral(fixed.kind[j]) ? VarKind::Integer : VarKind::Continuous;
+    fixed.kind[j] = withoutHole(fixed.kind[j]);
   }
   bool accepted = false;
   CompletionWatch watch;

@@ -194,8 +194,7 @@ void Worker::lookForPoint(NodeResult &result) {
   MipModel model = problem_.model();
   model.lp.colLower = domain_.lower();
   model.lp.colUpper = domain_.upper();
-  for (VarKind &kind : model.kind)
-    if (isSemi(kind)) kind = isIntegral(kind) ? VarKind::Integer : VarKind::Continuous;
+  for (VarKind &kind : model.kind) kind = withoutHole(kind);
   MipOptions options = options_;
   options.iterationLimit -= lpIterations();
   const MipOutcome outcome = findAnyPoint(model, options, control_, [this] { sink_.alive(); });

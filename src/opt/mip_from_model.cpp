@@ -42,7 +42,7 @@ SosSet setOf(const Sos &sos) {
 void makeHole(MipModel &model, int col) {
   double &lower = model.lp.colLower[col], &upper = model.lp.colUpper[col];
   if (lower <= 0 && upper >= 0) {
-    model.kind[col] = isIntegral(model.kind[col]) ? VarKind::Integer : VarKind::Continuous;
+    model.kind[col] = withoutHole(model.kind[col]);
     return;
   }
   if (model.holeLower.empty()) {

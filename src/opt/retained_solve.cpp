@@ -108,7 +108,8 @@ void RetainedSolve::followRows(const ModelData &data) {
 namespace {
 
 // Whether columns from `begin` on have the bounds and costs that lp has, as far as a pass without
-// branches can tell, which vector units do quickly. False may be a false alarm.
+// branches can tell, which vector units do quickly. False may be a false alarm: bounds that
+// colBounds() would make one always raise it.
 TARVIK_SIMD bool sameVectors(const double *lb, const double *ub, const double *obj,
                              const double *lower, const double *upper, const double *cost,
                              double infinite, double fixTol, int count) {

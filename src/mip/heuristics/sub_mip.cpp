@@ -33,20 +33,13 @@ class SubMip::Watch : public MipObserver {
 };
 
 SubMip::SubMip(HeuristicContext &context, SolutionSource source)
-    : context_(context), model_(context.problem->model()), options_(*context.options) {
+    : context_(context),
+      model_(context.problem->model()),
+      options_(nestedOptions(*context.options)) {
   globalBounds(*context.domain, model_.lp.colLower, model_.lp.colUpper);
-  options_.subMip = true;
-  options_.simplex.logging = false;
-  options_.presolve.logging = false;
   options_.nodeLimit = options_.subMipNodes;
   options_.solutionLimit = kMaxInt;
   options_.cutoff = context.sink->cutoff();
-  options_.bestBdStop = kUserInf;
-  options_.improveStartGap = 0;
-  options_.improveStartTime = options_.improveStartNodes = kUserInf;
-  options_.poolSearchMode = 0;
-  options_.poolSolutions = 1;
-  options_.threads = 1;
   if (options_.cuts.passes < 0 || options_.cuts.passes > kCutPasses)
     options_.cuts.passes = kCutPasses;
   onSolution = [this, source](const MipSolution &solution) {

@@ -61,24 +61,16 @@ MipModel extract(const MipModel &model, const Vec<int> &cols, const Vec<int> &pl
 }
 
 MipOptions optionsOfPart(const MipOptions &options) {
-  MipOptions own(options);
-  own.subMip = true;
-  own.simplex.logging = own.presolve.logging = false;
+  MipOptions own = nestedOptions(options);
   // Nothing less than an optimum may be fixed.
   own.mipGap = own.mipGapAbs = 0;
   own.cutoff = kUserInf;
   own.bestObjStop = -kUserInf;
-  own.bestBdStop = kUserInf;
   own.iterationLimit = kUserInf;
   own.nodeLimit = kNodeLimit;
   own.solutionLimit = kMaxInt;
   own.softTimeLimit = own.softWorkLimit = kUserInf;
-  own.improveStartGap = 0;
-  own.improveStartTime = own.improveStartNodes = kUserInf;
-  own.poolSolutions = 1;
-  own.noRelTime = own.noRelWork = 0;
   own.focus = 0;
-  own.threads = 1;
   return own;
 }
 

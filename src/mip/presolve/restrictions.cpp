@@ -71,7 +71,7 @@ void RestrictionPresolve::settleHole(int j) {
     return;
   }
   if (lower(j) < high && upper(j) > low) return;
-  model_.kind[j] = isIntegral(model_.kind[j]) ? VarKind::Integer : VarKind::Continuous;
+  model_.kind[j] = withoutHole(model_.kind[j]);
   ++result_.changes;
 }
 
